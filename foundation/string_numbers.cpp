@@ -1,0 +1,242 @@
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+#include "foundation/string.h"
+
+namespace Tessaly {
+namespace {
+
+bool isDigit(char character) { return std::isdigit(static_cast<unsigned char>(character)) != 0; }
+
+bool isSign(char character) { return character == '+' || character == '-'; }
+
+const char* behindDigits(const char* place, const char* end) {
+  return std::find_if_not(place, end, isDigit);
+}
+
+/// The place behind "." and its digits; `place` itself when they are not there.
+const char* behindFraction(const char* place, const char* end) {
+  if (place == end || *place != '.') {
+    return place;
+  }
+  const char* const behind = behindDigits(place + 1, end);
+  return behind == place + 1 ? place : behind;
+}
+
+/// The place behind "e" or "E", a sign if any, and digits; `place` itself when they are not there.
+const char* behindExponent(const char* place, const char* end) {
+  if (place == end || (*place != 'e' && *place != 'E')) {
+    return place;
+  }
+  const char* digits = place + 1;
+  if (digits != end && isSign(*digits)) {
+    ++digits;
+  }
+  const char* const behind = behindDigits(digits, end);
+  return behind == digits ? place : behind;
+}
+
+/// The value of a hexadecimal digit, -1 for any other character.
+int hexadecimalDigit(char character) {
+  if (character >= '0' && character <= '9') {
+    return character - '0';
+  }
+  if (character >= 'a' && character <= 'f') {
+    return character - 'a' + 10;
+  }
+  return character >= 'A' && character <= 'F' ? character - 'A' + 10 : -1;
+}
+
+constexpr int keptDigits        = 15;  // significant digits of a double's text
+constexpr int lowestFixed       = -6;  // exponents of ten that are written in fixed notation
+constexpr int highestFixed      = 15;
+constexpr int largestExactPower = 22;  // products up to 1e22 are exact
+constexpr int largestPower      = std::numeric_limits<double>::max_exponent10;
+constexpr int doubleTextSize    = 40;  // bytes; the longest text has 1 + 2 + 5 + 15 characters
+
+/// A positive number as digits d[0].d[1]d[2]... times ten to the `exponent`.
+struct Decimal {
+  char digits[highestFixed + 1];
+  int digitCount;
+  int exponent;
+};
+
+/// The double nearest to ten to the `exponent` (0..308).
+double powerOfTen(int exponent) {
+  double power = 1;
+  if (exponent <= largestExactPower) {
+    for (; exponent > 0; --exponent) {
+      power *= 10;
+    }
+    return power;
+  }
+  char text[8]                   = "1e";
+  const std::to_chars_result end = std::to_chars(text + 2, text + sizeof text, exponent);
+  std::from_chars(text, end.ptr, power);
+  return power;
+}
+
+/// Brings a positive finite value into [1, 10) and returns the exponent of ten taken out of it.
+int takeExponent(double& value) {
+  int exponent    = 0;
+  double quotient = value;
+  while (quotient >= 10) {
+    ++exponent;
+    quotient = value / powerOfTen(exponent);
+  }
+  double mantissa = quotient;
+  for (int raised = 0; mantissa < 1; --exponent) {
+    if (raised == largestPower) {  // a denormal value: go on from what the powers have reached
+      quotient = mantissa;
+      raised   = 0;
+    }
+    ++raised;
+    mantissa = quotient * powerOfTen(raised);
+  }
+  if (mantissa >= 10) {  // the product of a value just below the last power was rounded up
+    mantissa /= 10;
+    ++exponent;
+  }
+  value = mantissa;
+  return exponent;
+}
+
+/// The value to 15 significant digits, without zeros at the end; the 16th digit alone rounds.
+Decimal decimalOf(double value) {
+  Decimal decimal;
+  decimal.exponent = takeExponent(value);
+  for (char& place : decimal.digits) {
+    const int digit = static_cast<int>(value);  // 0..9, truncated
+    place           = static_cast<char>('0' + digit);
+    value           = (value - digit) * 10;
+  }
+
+  const bool up      = decimal.digits[keptDigits] >= '5';
+  const char dropped = up ? '9' : '0';
+  int count          = keptDigits;
+  while (count > 0 && decimal.digits[count - 1] == dropped) {
+    --count;
+  }
+  if (count == 0) {  // fifteen nines, rounded up
+    decimal.digits[0] = '1';
+    count             = 1;
+    ++decimal.exponent;
+  } else if (up) {
+    ++decimal.digits[count - 1];
+  }
+  decimal.digitCount = count;
+  return decimal;
+}
+
+void appendZeros(String& text, int count) {
+  text.append("000000000000000", std::max(count, 0));  // fixed notation needs no more
+}
+
+void appendFixed(String& text, const Decimal& decimal) {
+  if (decimal.exponent < 0) {
+    text.append("0.");
+    appendZeros(text, -decimal.exponent - 1);
+    text.append(decimal.digits, decimal.digitCount);
+    return;
+  }
+  const int wholeCount = decimal.exponent + 1;
+  text.append(decimal.digits, std::min(wholeCount, decimal.digitCount));
+  appendZeros(text, wholeCount - decimal.digitCount);
+  if (decimal.digitCount > wholeCount) {
+    text.append('.');
+    text.append(decimal.digits + wholeCount, decimal.digitCount - wholeCount);
+  }
+}
+
+void appendScientific(String& text, const Decimal& decimal) {
+  text.append(decimal.digits[0]);
+  text.append('.');  // Deliberate: the point is written even when no digit follows it.
+  text.append(decimal.digits + 1, decimal.digitCount - 1);
+  text.append(decimal.exponent < 0 ? "e-" : "e+");
+  const int magnitude = std::abs(decimal.exponent);
+  if (magnitude < 10) {
+    text.append('0');
+  }
+  char number[String::integerTextSize];
+  text.append(number, String::writeInteger(magnitude, number));
+}
+
+}  // namespace
+
+void String::set(std::int32_t value) {
+  char number[integerTextSize];
+  keepOrStore(number, writeInteger(value, number));
+}
+
+void String::set(double value) { set(textOf(value)); }
+
+bool String::isDecimalNumber() const {
+  const char* place     = text_.get();
+  const char* const end = place + length_;
+  if (place != end && isSign(*place)) {
+    ++place;
+  }
+  const char* const mantissa = place;
+  place                      = behindFraction(behindDigits(place, end), end);
+  if (place == mantissa) {
+    return false;
+  }
+  place = behindExponent(place, end);
+  return place == end || std::isspace(static_cast<unsigned char>(*place)) != 0;
+}
+
+std::int32_t String::hexadecimalValue() const {
+  std::uint32_t value = 0;
+  // Deliberate: an upper-case X is not skipped, so that "0X1F" ends behind its zero.
+  for (const char* place = text_.get() + (startsWith("0x") ? 2 : 0);; ++place) {
+    const int digit = hexadecimalDigit(*place);  // the zero byte ends every text
+    if (digit < 0) {
+      break;
+    }
+    value = value * 16 + static_cast<std::uint32_t>(digit);
+  }
+  return static_cast<std::int32_t>(value);  // the low 32 bits, taken as signed
+}
+
+std::int32_t String::writeInteger(std::int32_t value, char* destination) {
+  const std::to_chars_result result =
+      std::to_chars(destination, destination + integerTextSize, value);
+  return static_cast<std::int32_t>(result.ptr - destination);  // at most 11
+}
+
+String String::textOf(std::int32_t value) {
+  String text;
+  text.set(value);
+  return text;
+}
+
+String String::textOf(double value) {
+  if (std::isnan(value)) {
+    return "nan";
+  }
+  if (value == 0) {
+    return "0";
+  }
+  String text(doubleTextSize);
+  if (value < 0) {
+    text.append('-');
+    value = -value;
+  }
+  if (std::isinf(value)) {
+    text.append("inf");
+    return text;
+  }
+  const Decimal decimal = decimalOf(value);
+  if (decimal.exponent >= lowestFixed && decimal.exponent <= highestFixed) {
+    appendFixed(text, decimal);
+  } else {
+    appendScientific(text, decimal);
+  }
+  return text;
+}
+
+}  // namespace Tessaly

@@ -1,0 +1,146 @@
+#include "foundation/string_scanner.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <new>
+
+namespace Tessaly {
+namespace {
+
+bool isSpace(char character) { return std::isspace(static_cast<unsigned char>(character)) != 0; }
+
+std::unique_ptr<String> ownedCopy(const char* text) {
+  std::unique_ptr<String> copy(new (std::nothrow) String(text));
+  if (!copy) {
+    throw stringAllocationError;
+  }
+  return copy;
+}
+
+}  // namespace
+
+StringScanner::StringScanner(const String& text) : scanned_(&text), position_(text.text()) {}
+
+StringScanner::StringScanner(const char* text)
+    : owned_(ownedCopy(text)), scanned_(owned_.get()), position_(owned_->text()) {}
+
+void StringScanner::attach(const String& text) {
+  scanned_  = &text;
+  position_ = text.text();
+}
+
+bool StringScanner::moveBack(std::int32_t count) {
+  if (count < 0) {
+    return false;
+  }
+  const std::int32_t before = index();
+  position_ -= std::min(count, before);
+  return count <= before;
+}
+
+bool StringScanner::moveForward(std::int32_t count) {
+  if (count < 0) {
+    return false;
+  }
+  const std::int32_t left = scanned_->length() - index();
+  position_ += std::min(count, left);
+  return count <= left;
+}
+
+bool StringScanner::moveTo(std::int32_t index) {
+  if (index < 0 || index >= scanned_->length()) {
+    return false;
+  }
+  position_ = scanned_->text() + index;
+  return true;
+}
+
+char StringScanner::next() { return atEnd() ? '\0' : *position_++; }
+
+bool StringScanner::skipTo(char character) {
+  position_ = placeOf(character);
+  return !atEnd();
+}
+
+void StringScanner::skipWhiteSpace() { position_ = std::find_if_not(position_, end(), isSpace); }
+
+bool StringScanner::skipWords(std::int32_t count) {
+  for (std::int32_t skipped = 0; skipped < count; ++skipped) {
+    skipWhiteSpace();
+    if (atEnd()) {
+      return false;
+    }
+    position_ = std::find_if(position_, end(), isSpace);
+  }
+  return count >= 0;
+}
+
+bool StringScanner::skipPast(char character, std::int32_t count) {
+  for (std::int32_t skipped = 0; skipped < count; ++skipped) {
+    if (!skipTo(character)) {
+      return false;
+    }
+    ++position_;
+  }
+  return count >= 0;
+}
+
+bool StringScanner::skipLines(std::int32_t count) {
+  for (std::int32_t skipped = 0; skipped < count; ++skipped) {
+    if (atEnd()) {
+      return false;
+    }
+    skipPast('\n', 1);
+  }
+  return count >= 0;
+}
+
+bool StringScanner::readWord(String& target) {
+  skipWhiteSpace();
+  const bool found = !atEnd();
+  take(std::find_if(position_, end(), isSpace), target);
+  return found;
+}
+
+bool StringScanner::readUpTo(char character, String& target) {
+  const bool found = !atEnd();
+  take(placeOf(character), target);
+  return found;
+}
+
+bool StringScanner::readRest(String& target) {
+  const bool found = !atEnd();
+  take(end(), target);
+  return found;
+}
+
+bool StringScanner::matches(const String& pattern) const {
+  const auto length = static_cast<std::size_t>(pattern.length());
+  return length > 0 && length <= static_cast<std::size_t>(end() - position_) &&
+         std::memcmp(position_, pattern.text(), length) == 0;
+}
+
+bool StringScanner::find(const String& pattern) {
+  return pattern.length() > 0 && moveTo(scanned_->firstIndex(pattern));  // -1 moves nothing
+}
+
+bool StringScanner::find(char character) {
+  // The zero character has the length as its index, where moveTo refuses to go.
+  return moveTo(scanned_->firstIndex(character));
+}
+
+const char* StringScanner::placeOf(char character) const {
+  return std::find(position_, end(), character);
+}
+
+void StringScanner::take(const char* place, String& target) {
+  if (&target == scanned_) {
+    throw stringParameterError;
+  }
+  target.clear();
+  target.append(position_, static_cast<std::int32_t>(place - position_));  // at most the length
+  position_ = place;
+}
+
+}  // namespace Tessaly
