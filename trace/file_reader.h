@@ -1,0 +1,152 @@
+#pragma once
+
+#include <cstdint>
+#include <fstream>
+#include <memory>
+
+#include "foundation/string.h"
+
+namespace Tessaly {
+
+/// A file read through blocks: bytes, big-endian numbers, texts and lines, at the current position
+/// or at an absolute one.
+///
+/// Positions are byte offsets from the start of the file, counts are numbers of values; a count of
+/// 0 or less reads nothing. Integers are stored most significant byte first on every host, floating
+/// values in the byte order of the host. The reader shows the file one block of `blockSize` bytes
+/// at a time; the block is a view into a larger window of the file that the reader owns, so that
+/// moving about in a trace of ordinary size costs one system read. The size of the file is taken
+/// when it is opened. A reader with a block size of 0 finds nothing in any file.
+/// Errors: a false result or a short count; nothing is printed or thrown. A value that the file can
+/// not complete is a false result and leaves the output as it was. Where the block in view is the
+/// last one, the bytes of such a value stay unread; otherwise they are used up.
+/// Use: construct, open, read, close or destroy. Do not mix in reads of the inherited stream.
+class FileReader : public std::ifstream {
+ public:
+  static constexpr std::int32_t defaultBlockSize = 1024;  // bytes
+
+  FileReader();
+  /// A negative block size is taken as 0.
+  explicit FileReader(std::int32_t blockSize);
+  FileReader(const FileReader&)            = delete;
+  FileReader& operator=(const FileReader&) = delete;
+
+  /// Takes effect with the next block that is read; bytes of the present block are given up.
+  void setBufferSize(std::int32_t blockSize);
+
+  /// Shows the first block. Closes a file that is still open, and refuses what is no regular file.
+  /// After a failure the reader holds no file and the stream state is clear.
+  bool open(const String& path);
+  bool open(const char* path);
+  /// Whether the file system has an entry of any kind under the path.
+  static bool exists(const String& path);
+  static bool exists(const char* path);
+
+  /// False for a negative position; one behind the end of the file is a move like any other.
+  bool seek(std::int32_t position);
+  /// Block size times `block` plus the place in the block: see seek() for when it is no position.
+  std::int32_t tell() const;
+  /// Bytes that reading on from here could still deliver.
+  std::int64_t bytesLeft() const;
+
+  /// Bytes of the file when it was opened; 0 without a file.
+  std::int64_t fileSize() const { return fileSize_; }
+  std::int32_t blockSize() const { return blockSize_; }
+  std::int32_t block() const { return block_; }
+  std::int32_t blockBytes() const { return blockBytes_; }
+  /// Line feeds passed over by the line and white-space operations since the file was opened.
+  std::int32_t lineCount() const { return lineCount_; }
+  bool atEnd() const { return atEnd_; }
+
+  // Single values. The positioned forms fail when the move fails.
+  bool readInt8(std::int8_t& value);
+  bool readUInt8(std::uint8_t& value);
+  bool readInt16(std::int16_t& value);
+  bool readUInt16(std::uint16_t& value);
+  bool readInt32(std::int32_t& value);
+  bool readUInt32(std::uint32_t& value);
+  bool readFloat(float& value);
+  bool readDouble(double& value);
+  bool readInt8At(std::int32_t position, std::int8_t& value);
+  bool readUInt8At(std::int32_t position, std::uint8_t& value);
+  bool readInt16At(std::int32_t position, std::int16_t& value);
+  bool readUInt16At(std::int32_t position, std::uint16_t& value);
+  bool readInt32At(std::int32_t position, std::int32_t& value);
+  bool readUInt32At(std::int32_t position, std::uint32_t& value);
+  bool readFloatAt(std::int32_t position, float& value);
+  bool readDoubleAt(std::int32_t position, double& value);
+
+  // Runs: the result is the number of values that were stored, each of them complete.
+  std::int32_t readBytes(char* destination, std::int32_t count);
+  std::int32_t readBytes(std::int8_t* destination, std::int32_t count);
+  std::int32_t readBytes(std::uint8_t* destination, std::int32_t count);
+  std::int32_t readBytesAt(std::int32_t position, char* destination, std::int32_t count);
+  std::int32_t readBytesAt(std::int32_t position, std::int8_t* destination, std::int32_t count);
+  std::int32_t readBytesAt(std::int32_t position, std::uint8_t* destination, std::int32_t count);
+  std::int32_t readInt16Array(std::int16_t* destination, std::int32_t count);
+  std::int32_t readUInt16Array(std::uint16_t* destination, std::int32_t count);
+  std::int32_t readInt32Array(std::int32_t* destination, std::int32_t count);
+  std::int32_t readUInt32Array(std::uint32_t* destination, std::int32_t count);
+  std::int32_t readFloatArray(float* destination, std::int32_t count);
+  std::int32_t readDoubleArray(double* destination, std::int32_t count);
+
+  /// `length` characters, zero bytes included, or as many as there are. False, with the text as it
+  /// was, once the last block is used up.
+  bool readText(String& text, std::int32_t length);
+  /// Like readText() at a position. False, without moving, once the last block is used up; a
+  /// negative position gives an empty text and true.
+  bool readTextAt(std::int32_t position, String& text, std::int32_t length);
+  /// Up to the next line feed, which is taken, counted and not stored. False, with the text as it
+  /// was, once the last block is used up.
+  bool readLine(String& line);
+  bool readLineAt(std::int32_t position, String& line);
+  /// Like readLine() with another delimiter; line feeds are not counted.
+  bool readUntil(String& text, char delimiter);
+  /// Passes over everything up to and including the delimiter; false when the file has no more.
+  bool skipUntil(char delimiter);
+  /// Passes over white space and counts its line feeds; false when nothing else was left.
+  bool skipWhiteSpace();
+  /// The next run of characters without white space; the white space behind it stays unread. False,
+  /// with the text as it was, when there is no further word.
+  bool readWord(String& word);
+
+ private:
+  bool isExhausted() const { return cursor_ >= end_; }
+  bool hasEnded() const { return isExhausted() && atEnd_; }
+  const char* unread() const { return blockStart_ + cursor_; }
+  std::int32_t unreadCount() const { return isExhausted() ? 0 : end_ - cursor_; }
+
+  bool refill();
+  bool showBlock(std::int64_t offset);
+  bool loadWindow(std::int64_t offset);
+  void enterBlock(std::int64_t offset, std::int32_t byteCount);
+  void forgetFile();
+
+  std::int32_t takeBytes(void* destination, std::int32_t count);
+  bool takeWhole(void* destination, std::int32_t size);
+  template <typename Value>
+  bool takeValue(Value& value);
+  template <typename Value>
+  std::int32_t takeArray(Value* destination, std::int32_t count);
+  void appendBytes(String& text, std::int32_t count);
+  bool appendUntil(String& text, char delimiter);
+
+  std::unique_ptr<char[]> buffer_;  // the window; null without a file or a block size
+  std::int32_t cursor_ = 0;         // next unread byte, from the start of the block; a seek
+                                    // can put it behind `end_`
+  std::int32_t end_ = 0;            // one past the last valid byte of the block
+  std::int32_t blockSize_;          // bytes
+  std::int32_t block_      = 0;     // number of the block in view, but see seek()
+  std::int32_t blockBytes_ = 0;     // bytes that the last block delivered
+  std::int32_t lineCount_  = 0;
+  bool atEnd_              = false;  // the last block was short: there is no further refill
+
+  const char* blockStart_    = nullptr;  // first byte of the block in view
+  std::int64_t nextOffset_   = 0;        // file offset at which the next refill reads
+  std::int64_t fileSize_     = 0;        // bytes; 0 without a file
+  std::int64_t windowOffset_ = 0;        // file offset of the window's first byte
+  std::int64_t windowBytes_  = 0;        // valid bytes in the window
+  std::int64_t bufferSize_   = 0;        // bytes that the window has room for
+};
+
+}  // namespace Tessaly
