@@ -1,0 +1,561 @@
+#include <algorithm>
+#include <chrono>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "tests/support/trace_builder.h"
+#include "tests/trace/opened_trace.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+// The most entries that are filled with zeros where a file does not hold what it claims.
+constexpr std::uint32_t claimLimit = 4'194'304;
+
+AbifBuilder withChannelCounts(std::uint32_t count) {
+  AbifBuilder builder;
+  for (std::uint32_t number = 9; number <= 12; ++number) builder.count("DATA", number, count);
+  return builder;
+}
+
+AbifBuilder withCallCounts(std::uint32_t count) {
+  return AbifBuilder().count("PBAS", 1, count).count("PCON", 1, count).count("PLOC", 1, count);
+}
+
+// An entry that names a number and no data that is used.
+AbifBuilder& endingWith(AbifBuilder& builder, std::uint32_t number) {
+  return builder.entry("LAST", number, "");
+}
+
+TEST(AbifReader, ReadsChannelsCallsAndCallerName) {
+  const OpenedTrace opened = openBytes(AbifBuilder().build());
+
+  EXPECT_EQ(opened.status, 0);
+  EXPECT_EQ(opened.pointCount, 12u);
+  EXPECT_EQ(opened.a, risingFrom(100));
+  EXPECT_EQ(opened.c, risingFrom(200));
+  EXPECT_EQ(opened.g, risingFrom(300));
+  EXPECT_EQ(opened.t, risingFrom(400));
+  EXPECT_EQ(opened.baseCount, 4u);
+  EXPECT_EQ(opened.bases, "ACGT");
+  EXPECT_EQ(opened.qualities, bytes({40, 40, 40, 40}));
+  EXPECT_EQ(opened.peaks, (Peaks{1, 4, 7, 10, 12}));
+  EXPECT_EQ(opened.callerName, "built.bcp");
+}
+
+TEST(AbifReader, TakesSamplesQualitiesAndPeaksAsStored) {
+  const OpenedTrace opened = openBytes(AbifBuilder()
+                                           .channel('A', {0, 1, 255, 256, 32767, 32768, 65535})
+                                           .channel('C', {1, 0, 0, 0, 0, 0, 0})
+                                           .channel('G', {2, 0, 0, 0, 0, 0, 0})
+                                           .channel('T', {3, 0, 0, 0, 0, 0, 0})
+                                           .bases("nR-*")
+                                           .qualities({1, 99, 128, 255})
+                                           .peaks({65535, 3, 2, 40000})
+                                           .build());
+
+  EXPECT_EQ(opened.a, (Samples{0, 1, 255, 256, 32767, 32768, 65535}));
+  EXPECT_EQ(opened.bases, "nR-*");
+  EXPECT_EQ(opened.qualities, bytes({1, 99, 128, 255}));
+  EXPECT_EQ(opened.peaks, (Peaks{65535, 3, 2, 40000, 7}));
+}
+
+TEST(AbifReader, EveryBaseOrderGivesTheSameChannels) {
+  const ScratchFolder folder;
+  std::string order = "ACGT";
+  do {
+    const OpenedTrace opened = openBytes(folder, AbifBuilder().baseOrder(order).build());
+
+    EXPECT_EQ(opened.a, risingFrom(100)) << order;
+    EXPECT_EQ(opened.c, risingFrom(200)) << order;
+    EXPECT_EQ(opened.g, risingFrom(300)) << order;
+    EXPECT_EQ(opened.t, risingFrom(400)) << order;
+  } while (std::next_permutation(order.begin(), order.end()));
+}
+
+TEST(AbifReader, BaseOrderACGTMapsData9To12StraightToACGT) {
+  AbifBuilder builder;
+  builder.baseOrder("ACGT");
+  for (int number = 9; number <= 12; ++number)  // three samples of its own number each
+    builder.entry("DATA", static_cast<std::uint32_t>(number),
+                  bytes({0, number, 0, number, 0, number}), 2);
+
+  const OpenedTrace opened = openBytes(builder.build());
+
+  EXPECT_EQ(opened.a, Samples(3, 9));
+  EXPECT_EQ(opened.c, Samples(3, 10));
+  EXPECT_EQ(opened.g, Samples(3, 11));
+  EXPECT_EQ(opened.t, Samples(3, 12));
+}
+
+TEST(AbifReader, ABrokenBaseOrderFails) {
+  for (const char* order : {"", "GAT", "GATCG", "GATN", "gatc", "GA C"}) {
+    const OpenedTrace opened = openBytes(AbifBuilder().baseOrder(order).build());
+
+    EXPECT_FALSE(opened.read) << order;
+    EXPECT_EQ(opened.status, 2) << order;
+  }
+  EXPECT_FALSE(openBytes(AbifBuilder().without("FWO_", 1).build()).read);
+  EXPECT_FALSE(openBytes(AbifBuilder().dataSize("FWO_", 1, 5).build()).read);
+  EXPECT_FALSE(openBytes(AbifBuilder().without("FWO_", 1).entry("FWO_", 2, "GATC").build()).read);
+}
+
+TEST(AbifReader, ABaseOrderNamingOneLetterTwiceFillsThatChannelTwiceAndLeavesTheMissingOneZero) {
+  // "DATA" 9 and 11 rise from 500 and from 700, both for G.
+  const OpenedTrace opened = openBytes(AbifBuilder().baseOrder("GAGC").build());
+
+  EXPECT_TRUE(opened.read);
+  EXPECT_EQ(opened.a, risingFrom(100));
+  EXPECT_EQ(opened.c, risingFrom(200));
+  EXPECT_EQ(opened.g, risingFrom(700));
+  EXPECT_EQ(opened.t, Samples(12, 0));
+}
+
+TEST(AbifReader, BehindAPrefixDirectoryAndChannelsAreRelativeAndCallsAreNot) {
+  const OpenedTrace opened = openBytes(AbifBuilder().bases("ACGTA").prefix(128).build());
+
+  EXPECT_TRUE(opened.read);
+  EXPECT_EQ(opened.a, risingFrom(100));
+  EXPECT_EQ(opened.c, risingFrom(200));
+  EXPECT_EQ(opened.g, risingFrom(300));
+  EXPECT_EQ(opened.t, risingFrom(400));
+  EXPECT_EQ(opened.bases, "ACGTA");
+  EXPECT_EQ(opened.qualities, bytes({40, 40, 40, 40, 40}));
+  EXPECT_EQ(opened.peaks, (Peaks{1, 4, 7, 10, 13, 12}));
+  EXPECT_EQ(opened.callerName, "built.bcp");
+}
+
+TEST(AbifReader, BehindAPrefixOffset0OfCallsIsThePrefixAndOfChannelsTheMagic) {
+  // The prefix is made of "#" (0x23). SPAC skips one byte.
+  const OpenedTrace opened = openBytes(AbifBuilder()
+                                           .prefix(128)
+                                           .dataOffset("PBAS", 1, 0)
+                                           .dataOffset("PCON", 1, 0)
+                                           .dataOffset("PLOC", 1, 0)
+                                           .dataOffset("SPAC", 2, 0)
+                                           .dataOffset("DATA", 9, 0)
+                                           .build());
+
+  EXPECT_EQ(opened.bases, "####");
+  EXPECT_EQ(opened.qualities, "####");
+  EXPECT_EQ(opened.peaks, (Peaks{0x2323, 0x2323, 0x2323, 0x2323, 12}));
+  EXPECT_EQ(opened.callerName, "#########");
+  EXPECT_EQ(Samples(opened.g.begin(), opened.g.begin() + 2), (Samples{0x4142, 0x4946}));  // "ABIF"
+}
+
+TEST(AbifReader, CallOffsetsThatCountFromBehindThePrefixAreNotCorrected) {
+  // As stored, "PBAS" is at 224, which is byte 96 of the header that follows the prefix: zeros.
+  const OpenedTrace opened = openBytes(AbifBuilder().prefix(128).callOffsetsBehindPrefix().build());
+
+  EXPECT_TRUE(opened.read);
+  EXPECT_EQ(opened.a, risingFrom(100));
+  EXPECT_EQ(opened.bases, "");
+  EXPECT_FALSE(opened.usable);
+}
+
+TEST(AbifReader, ShortDataIsStillSoughtAtThePositionThatItsFieldNames) {
+  // Four bases would fit into the field; it holds 0, where "ABIF" stands.
+  const OpenedTrace opened = openBytes(AbifBuilder().dataOffset("PBAS", 1, 0).build());
+  EXPECT_EQ(opened.bases, "ABIF");
+
+  // The bases in the field, 0x41434754, name a position behind the end of the file.
+  const OpenedTrace inField = openBytes(AbifBuilder().dataOffset("PBAS", 1, 0x41434754).build());
+  EXPECT_TRUE(inField.read);
+  EXPECT_EQ(inField.bases, "");
+  EXPECT_EQ(inField.baseCount, 4u);
+}
+
+TEST(AbifReader, Data9To12WithoutPbas1GiveChannelsOnly) {
+  // "PBAS" 2 is there.
+  const OpenedTrace opened = openBytes(AbifBuilder().without("PBAS", 1).build());
+
+  EXPECT_TRUE(opened.read);
+  EXPECT_EQ(opened.t, risingFrom(400));
+  EXPECT_EQ(opened.baseCount, 0u);
+  EXPECT_FALSE(opened.usable);
+  EXPECT_EQ(opened.peaks, Peaks{});
+  EXPECT_EQ(opened.callerName, "");
+}
+
+TEST(AbifReader, APbas1CountOf0GivesChannelsOnly) {
+  const OpenedTrace opened = openBytes(AbifBuilder().count("PBAS", 1, 0).build());
+
+  EXPECT_TRUE(opened.read);
+  EXPECT_EQ(opened.baseCount, 0u);
+  EXPECT_EQ(opened.callerName, "");
+}
+
+TEST(AbifReader, OtherCountsOfQualitiesOrPeaksThanOfBasesFail) {
+  for (const char* name : {"PCON", "PLOC"})
+    for (const std::uint32_t count : {0u, 3u, 5u, 0xFFFFFFFFu}) {
+      const OpenedTrace opened = openBytes(AbifBuilder().count(name, 1, count).build());
+
+      EXPECT_FALSE(opened.read) << name << count;
+      EXPECT_EQ(opened.status, 2) << name << count;
+    }
+  EXPECT_FALSE(openBytes(AbifBuilder().without("PCON", 1).build()).read);
+  EXPECT_FALSE(openBytes(AbifBuilder().without("PLOC", 1).build()).read);
+}
+
+TEST(AbifReader, APlocCountOneLessThanThePbasCountFails) {
+  EXPECT_FALSE(openBytes(AbifBuilder().count("PLOC", 1, 3).build()).read);
+}
+
+TEST(AbifReader, AData9OfSize4OrLessIsIgnored) {
+  EXPECT_FALSE(openBytes(AbifBuilder().dataSize("DATA", 9, 4).build()).read);
+  EXPECT_FALSE(openBytes(AbifBuilder().dataSize("DATA", 9, 0).build()).read);
+  EXPECT_TRUE(openBytes(AbifBuilder().dataSize("DATA", 9, 5).build()).read);
+  EXPECT_TRUE(openBytes(AbifBuilder().dataSize("DATA", 9, 0xFFFFFFFF).build()).read);
+  // An ignored one does not take the place of an earlier one either.
+  EXPECT_EQ(openBytes(AbifBuilder().entry("DATA", 9, "\0\7\0\7"s, 2).build()).g, risingFrom(300));
+}
+
+TEST(AbifReader, OtherNamesAndNumbersAreSkipped) {
+  AbifBuilder builder;
+  for (const std::uint32_t number : {1u, 8u, 13u, 0xFFFFFFFFu})
+    builder.entry("DATA", number, std::string(24, 'x'), 2);
+  builder.entry("data", 9, std::string(24, 'x'), 2)
+      .entry("FWO_", 2, "TTTT")
+      .entry("PBAS", 3, "xxxxx")
+      .entry("PBA2", 1, "xxxxx")
+      .entry("SPAC", 1, "xxxxx")
+      .entry("SPAC", 3, "xxxxx");
+
+  const OpenedTrace opened = openBytes(builder.build());
+
+  EXPECT_EQ(opened.g, risingFrom(300));
+  EXPECT_EQ(opened.bases, "ACGT");
+  EXPECT_EQ(opened.callerName, "built.bcp");
+}
+
+TEST(AbifReader, TheLastOccurrenceOfAnEntryWins) {
+  AbifBuilder builder;
+  builder.bases("ACGTA")
+      .entry("PBAS", 1, "TTTTT")
+      .entry("PCON", 1, bytes({21, 22, 23, 24, 25}))
+      .entry("PLOC", 1, "\0\2\0\3\0\4\0\5\0\6"s, 2)
+      .entry("SPAC", 2, "\5other")
+      .entry("DATA", 9, bytes(std::vector<int>(24, 1)), 2)
+      .entry("FWO_", 1, "CATG");
+
+  const OpenedTrace opened = openBytes(builder.build());
+
+  EXPECT_EQ(opened.bases, "TTTTT");
+  EXPECT_EQ(opened.qualities, bytes({21, 22, 23, 24, 25}));
+  EXPECT_EQ(opened.peaks, (Peaks{2, 3, 4, 5, 6, 12}));
+  EXPECT_EQ(opened.callerName, "other");
+  EXPECT_EQ(opened.c, Samples(12, 0x0101));  // "DATA" 9
+  EXPECT_EQ(opened.g, risingFrom(200));      // "DATA" 12, made for C
+}
+
+TEST(AbifReader, OnlyTheChannelThatTheLastEntrysNumberNamesIsCompared) {
+  struct Case {
+    std::string what;
+    AbifBuilder builder;
+    bool read;
+  };
+  const AbifBuilder bare;  // the last entry is "SPAC" 2
+  const auto with = [](AbifBuilder builder, std::uint32_t number) {
+    return endingWith(builder, number);
+  };
+  const AbifBuilder shortA = AbifBuilder(bare).count("DATA", 10, 11);
+  const AbifBuilder shortT = AbifBuilder(bare).count("DATA", 11, 11);
+  const AbifBuilder shortC = AbifBuilder(bare).count("DATA", 12, 11);
+  for (const Case& one : {
+           Case{"number 2, DATA 10 differs", shortA, true},
+           Case{"number 2, DATA 11 differs", shortT, false},
+           Case{"number 2, DATA 12 differs", shortC, true},
+           Case{"number 1, DATA 10 differs", with(shortA, 1), false},
+           Case{"number 1, DATA 11 differs", with(shortT, 1), true},
+           Case{"number 3, DATA 12 differs", with(shortC, 3), false},
+           Case{"number 0, DATA 11 differs", with(shortT, 0), true},
+           Case{"number 4, DATA 11 differs", with(shortT, 4), true},
+           Case{"number 11, DATA 11 differs", with(shortT, 11), true},
+           Case{"number 2^32 - 1, DATA 11 differs", with(shortT, 0xFFFFFFFF), true},
+           Case{"DATA 12 last, DATA 12 differs", AbifBuilder(shortC).last("DATA", 12), false},
+           Case{"DATA 12 last, DATA 11 differs", AbifBuilder(shortT).last("DATA", 12), true},
+           Case{"DATA 11 last, DATA 11 differs", AbifBuilder(shortT).last("DATA", 11), false},
+           Case{"DATA 9 last, DATA 11 differs", AbifBuilder(shortT).last("DATA", 9), true},
+           Case{"an unused DATA 11 last, DATA 11 differs",
+                AbifBuilder(shortT).entry("DATA", 11, "\0\1"s, 2), true},
+       }) {
+    const OpenedTrace opened = openBytes(one.builder.build());
+    EXPECT_EQ(opened.read, one.read) << one.what;
+    // All channels take the count of "DATA" 9.
+    EXPECT_EQ(opened.c, one.read ? risingFrom(200) : Samples{}) << one.what;
+  }
+}
+
+TEST(AbifReader, APointCountOf0Fails) {
+  EXPECT_FALSE(openBytes(withChannelCounts(0).build()).read);
+}
+
+TEST(AbifReader, AMissingChannelFails) {
+  for (std::uint32_t number = 9; number <= 12; ++number) {
+    AbifBuilder builder;
+    builder.without("DATA", number);
+
+    EXPECT_FALSE(openBytes(endingWith(builder, 700).build()).read) << number;
+  }
+}
+
+TEST(AbifReader, TheCallerNameIsAsLongAsItsCountSaysWithoutTheLengthByte) {
+  const auto callerName = [](std::uint32_t count) {
+    return openBytes(AbifBuilder().count("SPAC", 2, count).build()).callerName;
+  };
+  EXPECT_EQ(callerName(2), "b");
+  EXPECT_EQ(callerName(6), "built");
+  EXPECT_EQ(openBytes(AbifBuilder().callerName("ab\0cd"s).build()).callerName, "ab\0cd"s);
+}
+
+TEST(AbifReader, ACallerNameCountOf0Or1GivesAnEmptyName) {
+  for (const std::uint32_t count : {0u, 1u}) {
+    const OpenedTrace opened = openBytes(AbifBuilder().count("SPAC", 2, count).build());
+
+    EXPECT_TRUE(opened.read) << count;
+    EXPECT_EQ(opened.callerName, "") << count;
+    EXPECT_EQ(opened.bases, "ACGT") << count;
+  }
+}
+
+TEST(AbifReader, WithoutSpac2TheCallerNameIsEmpty) {
+  const OpenedTrace opened =
+      openBytes(AbifBuilder().without("SPAC", 2).entry("SPAC", 1, "\5other").build());
+
+  EXPECT_TRUE(opened.read);
+  EXPECT_EQ(opened.callerName, "");
+  EXPECT_EQ(opened.bases, "ACGT");
+}
+
+TEST(AbifReader, ACallerNameLongerThanTheFileEndsWithTheFile) {
+  // The directory comes first, so that the name's ten bytes are the last ones.
+  for (const std::uint32_t count : {11u, 1000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+    const std::string content = AbifBuilder().directoryFirst().count("SPAC", 2, count).build();
+
+    EXPECT_EQ(openBytes(content).callerName, "built.bcp") << count;
+  }
+}
+
+TEST(AbifReader, ADirectoryOfManyOtherEntriesIsWalkedWhole) {
+  for (const bool first : {false, true}) {
+    AbifBuilder builder;
+    builder.otherEntries(150);
+    if (first) builder.directoryFirst();
+
+    const OpenedTrace opened = openBytes(builder.build());
+
+    EXPECT_EQ(opened.a, risingFrom(100));
+    EXPECT_EQ(opened.c, risingFrom(200));
+    EXPECT_EQ(opened.g, risingFrom(300));
+    EXPECT_EQ(opened.t, risingFrom(400));
+    EXPECT_EQ(opened.bases, "ACGT");
+    EXPECT_EQ(opened.peaks, (Peaks{1, 4, 7, 10, 12}));
+    EXPECT_EQ(opened.callerName, "built.bcp");
+  }
+}
+
+TEST(AbifReader, EntriesStandAsFarApartAsTheHeaderSays) {
+  for (const int stride : {24, 28, 29, 40, 1000})
+    EXPECT_EQ(openBytes(AbifBuilder().stride(stride).build()).bases, "ACGT") << stride;
+  EXPECT_FALSE(openBytes(AbifBuilder().stride(40).headerStride(28).build()).read);
+}
+
+TEST(AbifReader, AMissingEntryOfTheHeadersCountIsNotRead) {
+  // The last of twelve entries is the caller name.
+  EXPECT_EQ(openBytes(AbifBuilder().headerEntryCount(12).build()).callerName, "built.bcp");
+  EXPECT_EQ(openBytes(AbifBuilder().headerEntryCount(11).build()).callerName, "");
+  EXPECT_FALSE(openBytes(AbifBuilder().headerEntryCount(0).build()).read);
+  EXPECT_FALSE(openBytes(AbifBuilder().headerEntryCount(13).build()).read);
+}
+
+TEST(AbifReader, ANameIsUnreadableOnceTheFilesLastByteWasRead) {
+  // Entries of 24 bytes, walked in steps of 12: between two of them there is one that is named by
+  // the element count before it, and skipped. The last entry's offset field ends the file; the
+  // entry in its middle could be read, but for that.
+  AbifBuilder builder;
+  builder.stride(24).headerStride(12);
+
+  EXPECT_TRUE(openBytes(builder.headerEntryCount(23).build()).read);
+  EXPECT_FALSE(openBytes(builder.headerEntryCount(24).build()).read);
+  EXPECT_TRUE(openBytes(builder.headerEntryCount(24).build() + '\0').read);
+}
+
+TEST(AbifReader, ADirectoryThatTheFileCutsShortFails) {
+  // The last entry is needed up to its offset; its last 4 bytes are not.
+  const ScratchFolder folder;
+  const std::string whole = AbifBuilder().build();
+  for (std::size_t size = 0; size <= whole.size(); ++size)
+    EXPECT_EQ(openBytes(folder, AbifBuilder().truncatedTo(size).build()).read,
+              size >= whole.size() - 4)
+        << size;
+}
+
+TEST(AbifReader, AnEntryThatIsNotUsedNeedsItsNameAndNumberOnly) {
+  AbifBuilder builder;
+  const std::string whole = endingWith(builder, 700).build();
+
+  EXPECT_TRUE(openBytes(whole.substr(0, whole.size() - 28 + 8)).read);
+  EXPECT_FALSE(openBytes(whole.substr(0, whole.size() - 28 + 7)).read);
+  EXPECT_FALSE(openBytes(whole.substr(0, whole.size() - 28 + 3)).read);
+  EXPECT_FALSE(openBytes(whole.substr(0, whole.size() - 28)).read);
+}
+
+TEST(AbifReader, ArraysThatTheFileCutsShortHoldZerosFromThereOn) {
+  // The directory comes first: header 128, twelve entries of 28 to 464, then the data in turn.
+  const std::size_t directoryEnd = 464;
+  const std::size_t wholeSize    = AbifBuilder().directoryFirst().build().size();
+  ASSERT_EQ(wholeSize, 602u);
+  const ScratchFolder folder;
+  const auto samplesHeld = [](std::size_t size, std::size_t offset) {
+    return size <= offset ? 0 : std::min<std::size_t>((size - offset) / 2, 12);
+  };
+  const auto cutChannel = [](std::uint16_t first, std::size_t held) {
+    Samples samples = risingFrom(first, held);
+    samples.resize(12);
+    return samples;
+  };
+  for (std::size_t size = 0; size <= wholeSize; ++size) {
+    const OpenedTrace opened =
+        openBytes(folder, AbifBuilder().directoryFirst().truncatedTo(size).build());
+
+    ASSERT_EQ(opened.read, size >= directoryEnd - 4) << size;
+    if (!opened.read) continue;
+    EXPECT_EQ(opened.g, cutChannel(300, samplesHeld(size, 464))) << size;
+    EXPECT_EQ(opened.a, cutChannel(100, samplesHeld(size, 488))) << size;
+    EXPECT_EQ(opened.t, cutChannel(400, samplesHeld(size, 512))) << size;
+    EXPECT_EQ(opened.c, cutChannel(200, samplesHeld(size, 536))) << size;
+    // Texts end at their first zero byte.
+    const auto textHeld = [&](std::size_t offset, const std::string& text) {
+      return size <= offset ? "" : text.substr(0, size - offset);
+    };
+    EXPECT_EQ(opened.bases, textHeld(560, "ACGT")) << size;
+    EXPECT_EQ(opened.qualities, textHeld(568, "((((")) << size;  // 40 is "("
+    Peaks peaks{1, 4, 7, 10};
+    for (std::size_t i = 0; i < 4; ++i)
+      if (size < 576 + 2 * i + 2) peaks[i] = 0;
+    peaks.push_back(12);
+    EXPECT_EQ(opened.peaks, peaks) << size;
+    EXPECT_EQ(opened.callerName, textHeld(593, "built.bcp")) << size;
+  }
+}
+
+TEST(AbifReader, PositionsAreAddedUpModulo2To32) {
+  // 0xFFFFFF80 + 128 is 0, where the prefix stands; 0xFFFFFFFF + 1 is 0, where "ABIF" stands.
+  const OpenedTrace channel =
+      openBytes(AbifBuilder().prefix(128).dataOffset("DATA", 9, 0xFFFFFF80).build());
+  EXPECT_EQ(channel.g, Samples(12, 0x2323));
+
+  const OpenedTrace name =
+      openBytes(AbifBuilder().dataOffset("SPAC", 2, 0xFFFFFFFF).count("SPAC", 2, 5).build());
+  EXPECT_EQ(name.callerName, "ABIF");
+}
+
+TEST(AbifReader, NegativePositionsOfChannelsAndDirectoryFail) {
+  for (std::uint32_t number = 9; number <= 12; ++number)
+    EXPECT_FALSE(openBytes(AbifBuilder().dataOffset("DATA", number, 0x80000000).build()).read);
+  for (const std::uint32_t offset : {0x80000000u, 0xFFFFFFF0u})
+    EXPECT_FALSE(openBytes(AbifBuilder().headerDirectoryOffset(offset).build()).read);
+}
+
+TEST(AbifReader, ChannelsBehindTheEndOfTheFileAreZeros) {
+  const OpenedTrace opened = openBytes(AbifBuilder().dataOffset("DATA", 9, 0x7FFFFF00).build());
+
+  EXPECT_TRUE(opened.read);
+  EXPECT_EQ(opened.g, Samples(12, 0));
+  EXPECT_EQ(opened.a, risingFrom(100));
+}
+
+TEST(AbifReader, AFailedMoveToCallsOrCallerNameGoesOnFromWhereTheReaderStands) {
+  // Data in turn: the channels, PBAS 1 and 2, PCON 1 and 2, PLOC 1 and 2, SPAC 2.
+  const auto openWith = [](const char* name, std::uint32_t number) {
+    return openBytes(AbifBuilder().dataOffset(name, number, 0x80000000).build());
+  };
+  EXPECT_EQ(openWith("PBAS", 1).bases, "ACGT");      // behind the last channel
+  EXPECT_EQ(openWith("PCON", 1).qualities, "NNNN");  // behind PBAS 1: PBAS 2
+  // Behind PCON 1: PCON 2, four bytes of 1, and then two peaks of PLOC 1.
+  EXPECT_EQ(openWith("PLOC", 1).peaks, (Peaks{0x0101, 0x0101, 1, 4, 12}));
+  // Behind PLOC 1: PLOC 2, eight zeros, and then the length byte of SPAC.
+  EXPECT_EQ(openWith("SPAC", 2).callerName, "\0\0\0\0\0\0\0\0\x9"s);
+  EXPECT_TRUE(openWith("SPAC", 2).read);
+}
+
+TEST(AbifReader, ALargeClaimThatTheFileDoesNotHoldFails) {
+  for (const std::uint32_t count : {claimLimit + 1, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+    EXPECT_EQ(openBytes(withChannelCounts(count).build()).status, 2) << count;
+    EXPECT_EQ(openBytes(withCallCounts(count).build()).status, 2) << count;
+  }
+}
+
+TEST(AbifReader, AnUnmetClaimUpToTheLimitIsFilledWithZeros) {
+  const OpenedTrace points = openBytes(withChannelCounts(claimLimit).directoryFirst().build());
+  ASSERT_TRUE(points.read);
+  EXPECT_EQ(points.pointCount, claimLimit);
+  EXPECT_EQ(Samples(points.c.begin(), points.c.begin() + 12), risingFrom(200));
+  EXPECT_EQ(points.c.back(), 0);
+
+  const OpenedTrace calls = openBytes(withCallCounts(claimLimit).directoryFirst().build());
+  ASSERT_TRUE(calls.read);
+  EXPECT_EQ(calls.baseCount, claimLimit);
+  EXPECT_EQ(calls.peaks.size(), claimLimit + 1u);
+  EXPECT_EQ(calls.peaks[0], 1);
+  EXPECT_EQ(calls.peaks[claimLimit - 1], 0);
+}
+
+TEST(AbifReader, AClaimThatTheFileHoldsIsReadHoweverLarge) {
+  // All data of one kind starts at 0; the largest array needs two bytes an entry.
+  const std::uint32_t count = claimLimit + 1;
+  AbifBuilder points        = withChannelCounts(count);
+  for (std::uint32_t number = 9; number <= 12; ++number) points.dataOffset("DATA", number, 0);
+  AbifBuilder calls = withCallCounts(count);
+  for (const char* name : {"PBAS", "PCON", "PLOC"}) calls.dataOffset(name, 1, 0);
+  for (const std::string& content : {points.build(), calls.build()}) {
+    EXPECT_TRUE(openBytesOfSize(content, 2 * std::uintmax_t{count}).read);
+    EXPECT_FALSE(openBytesOfSize(content, 2 * std::uintmax_t{count} - 1).read);
+  }
+}
+
+TEST(AbifReader, EachChannelAndEachRunOfCallsMustHoldALargeClaim) {
+  const std::uint32_t count  = claimLimit + 1;
+  const std::uintmax_t size  = 2 * std::uintmax_t{count};
+  const std::uint32_t beyond = 0x70000000;  // a position behind the end
+  for (std::uint32_t moved = 9; moved <= 12; ++moved) {
+    AbifBuilder points = withChannelCounts(count);
+    for (std::uint32_t number = 9; number <= 12; ++number)
+      points.dataOffset("DATA", number, number == moved ? beyond : 0);
+    EXPECT_FALSE(openBytesOfSize(points.build(), size).read) << moved;
+  }
+  for (const std::string moved : {"PBAS", "PCON", "PLOC"}) {
+    AbifBuilder calls = withCallCounts(count);
+    for (const std::string name : {"PBAS", "PCON", "PLOC"})
+      calls.dataOffset(name, 1, name == moved ? beyond : 0);
+    EXPECT_FALSE(openBytesOfSize(calls.build(), size).read) << moved;
+  }
+}
+
+TEST(AbifReader, ALargeClaimAfterAFailedMoveCountsFromWhereTheReaderStands) {
+  // Bases and qualities start at 0; the peaks follow behind the qualities.
+  const std::uint32_t count = claimLimit + 1;
+  AbifBuilder calls         = withCallCounts(count);
+  calls.dataOffset("PBAS", 1, 0).dataOffset("PCON", 1, 0).dataOffset("PLOC", 1, 0x80000000);
+
+  EXPECT_TRUE(openBytesOfSize(calls.build(), 3 * std::uintmax_t{count}).read);
+  EXPECT_FALSE(openBytesOfSize(calls.build(), 3 * std::uintmax_t{count} - 1).read);
+}
+
+TEST(AbifReader, AnEndlessDirectoryEndsWithTheFile) {
+  using Clock = std::chrono::steady_clock;
+  for (const std::uint16_t stride : std::initializer_list<std::uint16_t>{0, 1, 28, 65535}) {
+    const std::string content =
+        AbifBuilder().headerStride(stride).headerEntryCount(0xFFFFFFFF).build();
+
+    const Clock::time_point start = Clock::now();
+    const OpenedTrace opened      = openBytes(content);
+
+    EXPECT_EQ(opened.status, 2) << stride;
+    // Four thousand million entries would take minutes.
+    EXPECT_LT(Clock::now() - start, std::chrono::seconds(5)) << stride;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tests/support/scratch_folder.h"
+#include "trace/trace_file.h"
+
+using Samples = std::vector<std::uint16_t>;
+using Peaks   = std::vector<std::int32_t>;
+
+/// Bytes of the given values, to compare quality texts with.
+inline std::string bytes(const std::vector<int>& values) {
+  std::string text;
+  for (const int value : values) text += static_cast<char>(value);
+  return text;
+}
+
+inline std::string standardText(const Tessaly::String& text) {
+  return {text.text(), static_cast<std::size_t>(text.length())};
+}
+
+/// `count` samples from `first` on, each one more than the last.
+inline Samples risingFrom(std::uint16_t first, std::size_t count = 12) {
+  Samples samples(count);
+  for (std::size_t i = 0; i < count; ++i) samples[i] = static_cast<std::uint16_t>(first + i);
+  return samples;
+}
+
+/// What one trace says, taken out through the operations of TraceFile.
+struct OpenedTrace {
+  bool read           = false;
+  std::int32_t status = -1;
+  // The rest is set for a trace that was read.
+  std::uint32_t pointCount = 0;
+  std::uint32_t baseCount  = 0;
+  Samples a, c, g, t;
+  bool usable = false;
+  std::string bases, qualities;
+  Peaks peaks;
+  std::string callerName;
+};
+
+inline void takeData(const Quillet::TraceFile& trace, OpenedTrace& opened) {
+  std::unique_ptr<std::uint16_t[]> channels[4];
+  std::uint32_t count = 0;
+  trace.newChannels(channels, count);
+  Samples* const samples[] = {&opened.a, &opened.c, &opened.g, &opened.t};
+  for (std::size_t i = 0; i < 4; ++i)
+    samples[i]->assign(channels[i].get(), channels[i].get() + count);
+
+  Tessaly::String bases, qualities;
+  Tessaly::Vector<std::int32_t> peaks;
+  opened.usable     = trace.getBaseCalls(bases, qualities, peaks);
+  opened.pointCount = trace.pointCount();
+  opened.baseCount  = trace.baseCount();
+  opened.bases      = standardText(bases);
+  opened.qualities  = standardText(qualities);
+  opened.peaks.assign(peaks.data(), peaks.data() + peaks.size());
+  opened.callerName = standardText(trace.callerName());
+}
+
+/// Opens the file at `path`.
+inline OpenedTrace openPath(Tessaly::String path) {
+  Quillet::TraceFile trace;
+  OpenedTrace opened;
+  opened.read   = trace.open(path);
+  opened.status = trace.status();
+  if (opened.read) takeData(trace, opened);
+  return opened;
+}
+
+/// Opens a trace file of the given bytes.
+inline OpenedTrace openBytes(const ScratchFolder& folder, const std::string& content) {
+  std::filesystem::remove(folder.path() / "trace");  // a new file is written faster than an old one
+  return openPath(folder.write("trace", content));
+}
+inline OpenedTrace openBytes(const std::string& content) {
+  return openBytes(ScratchFolder(), content);
+}
+
+/// Opens a trace file of the given bytes that goes on with zeros to `size` bytes.
+inline OpenedTrace openBytesOfSize(const std::string& content, std::uintmax_t size) {
+  const ScratchFolder folder;
+  const Tessaly::String path = folder.write("trace", content);
+  std::filesystem::resize_file(path.text(), size);
+  return openPath(path);
+}

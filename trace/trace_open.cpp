@@ -1,0 +1,64 @@
+#include <cstdlib>
+
+#include "trace/abif_layout.h"
+#include "trace/trace_file.h"
+
+namespace Quillet {
+
+namespace {
+
+// Waits for the shell. What became of the command shows in the file it leaves, not in its status.
+void runInShell(const Tessaly::String& command) {
+  [[maybe_unused]] const int exitStatus = std::system(command.text());
+}
+
+// Deliberate: the names reach the shell as they are, unquoted.
+void unpack(const Tessaly::String& from, const Tessaly::String& to) {
+  runInShell(Tessaly::String("gunzip -c -f ") + from + " > " + to);
+}
+
+void remove(const Tessaly::String& name) { runInShell(Tessaly::String("rm ") + name); }
+
+}  // namespace
+
+bool TraceFile::open(Tessaly::String& name) {
+  status_              = 0;
+  Tessaly::String path = directory_ + name;
+  bool compressed      = false;
+  if (name.endsWith(".gz")) {
+    compressed = true;  // found or not, shows in what comes out of it
+    name.removeLast(3);
+  } else if (!exists(path)) {
+    path.append(".gz");
+    compressed = exists(path);
+    if (!compressed) {
+      status_ = 1;
+      return false;
+    }
+  }
+
+  if (compressed) {
+    unpack(path, tempName_);
+    path = tempName_;
+  }
+  FileReader::open(path);  // a file that does not open has no known first bytes
+  const bool read = readContent();
+  close();
+  if (compressed) remove(tempName_);
+
+  status_ = read ? 0 : 2;
+  return read;
+}
+
+// The content alone decides: the extension of the name plays no part.
+bool TraceFile::readContent() {
+  Tessaly::String magic;
+  readTextAt(0, magic, 4);
+  if (magic == ".scf") return readScf();
+  if (magic == "ABIF") return readAbif(0);
+  readTextAt(AbifLayout::prefixSize, magic, 4);
+  if (magic == "ABIF") return readAbif(AbifLayout::prefixSize);
+  return false;
+}
+
+}  // namespace Quillet
