@@ -1,0 +1,167 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <memory>
+
+#include "foundation/string.h"
+
+namespace Tessaly {
+
+/// The one class that writes files: text, decimal numbers, raw bytes and big-endian binary values,
+/// gathered in a buffer of its own and handed to the stream in blocks of exactly `bufferSize`
+/// bytes.
+///
+/// Sizes, widths and counts are bytes (array counts: elements); a count of 0 or less writes
+/// nothing. The file's bytes do not depend on the buffer size, as long as that is 1 or more and
+/// trimTrailingSpace() is not used. A number text costs least when the buffer is larger than it. A
+/// writer with a size of 0 (or less, taken as 0) has no buffer: every write is dropped.
+/// Owns the file and the buffer.
+/// Errors: nothing is thrown or printed. open() and openAppend() return false; the stream's state
+/// is never cleared, so that after one failed open, write or close every later open returns false.
+/// Use: open, write, close; then open again if wanted. Without close() the pending bytes are lost.
+class FileWriter {
+ public:
+  static constexpr std::int32_t defaultBufferSize = 1024;
+
+  FileWriter();
+  explicit FileWriter(std::int32_t size);
+
+  // The order of the virtual operations is part of the class.
+
+  /// Deliberate: closes the file without writing the pending bytes.
+  virtual ~FileWriter();
+
+  /// Drops pending bytes; an existing file is emptied.
+  virtual bool open(const String& path);
+  virtual bool open(const char* path);
+  /// Drops pending bytes; an existing file is continued.
+  virtual bool openAppend(const String& path);
+  virtual bool openAppend(const char* path);
+  virtual void close();
+  /// Whether there is anything, of whatever type, at `path`.
+  virtual bool exists(const String& path);
+  virtual bool exists(const char* path);
+
+  virtual void write(const String& text);
+  virtual void write(const char* text);
+  virtual void write(char character);
+  virtual void write(std::int32_t value);
+  virtual void write(double value);
+  virtual void newline();
+  // A line ends in a line feed, a word in a space.
+  virtual void writeLine(const String& text);
+  virtual void writeLine(const char* text);
+  virtual void writeLine(char character);
+  virtual void writeLine(std::int32_t value);
+  virtual void writeLine(double value);
+  virtual void writeWord(const String& text);
+  virtual void writeWord(const char* text);
+  virtual void writeWord(char character);
+  virtual void writeWord(std::int32_t value);
+  virtual void writeWord(double value);
+  virtual void writeWithSeparator(const String& text, char separator);
+  virtual void writeWithSeparator(const char* text, char separator);
+  virtual void writeWithSeparator(char character, char separator);
+  virtual void writeWithSeparator(std::int32_t value, char separator);
+  virtual void writeWithSeparator(double value, char separator);
+
+  virtual void writeByte(char byte);
+  virtual void writeBytes(const char* data, std::int32_t count);
+  virtual void writeByte(unsigned char byte);
+  virtual void writeBytes(const unsigned char* data, std::int32_t count);
+  // Most significant byte first.
+  virtual void writeBigEndian(std::int16_t value);
+  virtual void writeBigEndian(const std::int16_t* values, std::int32_t count);
+  virtual void writeBigEndian(std::uint16_t value);
+  virtual void writeBigEndian(const std::uint16_t* values, std::int32_t count);
+  virtual void writeBigEndian(std::int32_t value);
+  virtual void writeBigEndian(const std::int32_t* values, std::int32_t count);
+  virtual void writeBigEndian(std::uint32_t value);
+  virtual void writeBigEndian(const std::uint32_t* values, std::int32_t count);
+  // The bytes as they lie in memory.
+  virtual void writeNative(float value);
+  virtual void writeNative(const float* values, std::int32_t count);
+  virtual void writeNative(double value);
+  virtual void writeNative(const double* values, std::int32_t count);
+  /// The text and a zero byte.
+  virtual void writeTerminated(const String& text);
+  virtual void writeTerminated(const char* text);
+  /// Exactly `width` bytes: a longer text is cut, a shorter one followed by spaces.
+  virtual void writeField(const String& text, std::int32_t width);
+  virtual void writeField(const char* text, std::int32_t width);
+  /// At least `width` bytes: a longer text is never cut, a shorter one padded with spaces.
+  virtual void writeAligned(const String& text, std::int32_t width, bool rightJustify);
+  virtual void writeAligned(const char* text, std::int32_t width, bool rightJustify);
+  virtual void writeAligned(char character, std::int32_t width, bool rightJustify);
+  virtual void writeAligned(std::int32_t value, std::int32_t width, bool rightJustify);
+  virtual void writeAligned(double value, std::int32_t width, bool rightJustify);
+
+  virtual FileWriter& operator<<(const String& text);
+  virtual FileWriter& operator<<(const char* text);
+  virtual FileWriter& operator<<(char character);
+  virtual FileWriter& operator<<(std::int32_t value);
+  virtual FileWriter& operator<<(double value);
+
+  /// Discards pending bytes.
+  void setBufferSize(std::int32_t size);
+  void writeRepeated(char character, std::int32_t count);
+  /// Ends the pending bytes behind the first line feed of the white space that they end in; blanks
+  /// before that line feed stay. The first byte of the buffer always stays, and what is already
+  /// flushed is out of reach. Without a line feed there, see the source.
+  void trimTrailingSpace();
+
+ private:
+  bool openFile(const char* path, std::ios_base::openmode mode);
+  std::size_t room() const { return static_cast<std::size_t>(bufferEnd - bufferPos); }
+  void flush();
+  std::size_t fillUpAndFlush(const char* bytes);
+
+  // There are two ways into the buffer. What is *placed* (text and raw bytes) never leaves the
+  // buffer full: it is flushed in the moment it fills up. What is *stored* (single bytes and binary
+  // values) may leave it full, and the next bytes, placed or stored, flush it first.
+  void place(const char* bytes, std::size_t count) {
+    if (count < room()) {
+      std::memcpy(bufferPos, bytes, count);
+      bufferPos += count;
+    } else {
+      placeInBlocks(bytes, count);
+    }
+  }
+  void place(char byte) {
+    if (room() > 1) {
+      *bufferPos++ = byte;
+    } else {
+      placeInBlocks(&byte, 1);
+    }
+  }
+  void place(const String& text) { place(text.text(), static_cast<std::size_t>(text.length())); }
+  void place(const char* text) { place(text, std::strlen(text)); }
+  void place(std::int32_t value);
+  void place(double value);
+  void placeInBlocks(const char* bytes, std::size_t count);
+  void placeRepeated(char character, std::size_t count);
+  void placeField(const char* text, std::size_t length, std::int32_t width);
+  void placeAligned(const char* text, std::size_t length, std::int32_t width, bool rightJustify);
+
+  template <std::size_t width>
+  void store(const char (&image)[width]) {
+    if (room() >= width) {
+      std::memcpy(bufferPos, image, width);
+      bufferPos += width;
+    } else {
+      storeInBlocks(image, width);
+    }
+  }
+  void storeInBlocks(const char* bytes, std::size_t count);
+
+  std::ofstream stream;                 // its fail and bad bits are the only error state
+  std::unique_ptr<char[]> bufferStart;  // null when the size is 0
+  char* bufferPos         = nullptr;    // next free byte; those before it are pending
+  char* bufferEnd         = nullptr;    // one past the last byte of the buffer
+  std::int32_t bufferSize = 0;          // bytes
+};
+
+}  // namespace Tessaly
