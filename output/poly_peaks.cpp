@@ -1,0 +1,86 @@
+#include "output/poly_peaks.h"
+
+namespace Quillet {
+
+PolyPeaks::PolyPeaks()
+    : summedSignal_(std::make_unique_for_overwrite<std::uint16_t[]>(summedSignalSize)) {}
+
+void PolyPeaks::reserve(std::size_t pointCount, std::size_t baseCount) {
+  if (pointCount > pointCapacity_) {
+    pointCapacity_ = 0;
+    for (auto& maxima : maxima_) {
+      maxima = std::make_unique_for_overwrite<std::uint16_t[]>(pointCount);
+    }
+    pointCapacity_ = pointCount;
+  }
+  if (baseCount > baseCapacity_) {
+    baseCapacity_ = 0;
+    for (int channel = 0; channel < 4; ++channel) {
+      peakPos_[channel] = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
+      peakAmp_[channel] = std::make_unique_for_overwrite<std::uint32_t[]>(baseCount);
+      normAmp_[channel] = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
+    }
+    secondBase_   = std::make_unique_for_overwrite<char[]>(baseCount);
+    secondPos_    = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
+    baseCapacity_ = baseCount;
+  }
+}
+
+void PolyPeaks::compute(std::uint16_t* const (&channels)[4], std::uint32_t pointCount,
+                        const Tessaly::String& bases, const std::int32_t* peaks) {
+  reserve(pointCount, static_cast<std::size_t>(bases.length()));
+
+  float averages[4];
+  scaleToFullRange(channels, pointCount);
+  balanceChannels(channels, pointCount, summedSignal_.get(), averages);
+
+  findPeaks({channels, pointCount, bases, peaks},
+            {maxima_[0].get(), maxima_[1].get(), maxima_[2].get(), maxima_[3].get()},
+            {peakPos_[0].get(), peakPos_[1].get(), peakPos_[2].get(), peakPos_[3].get()},
+            {peakAmp_[0].get(), peakAmp_[1].get(), peakAmp_[2].get(), peakAmp_[3].get()});
+
+  for (int channel = 0; channel < 4; ++channel) {
+    normaliseAreas(channels[channel], pointCount, averages[channel], peakPos(channel),
+                   peakAmp(channel), bases.length(), normAmp_[channel].get());
+  }
+
+  chooseSecondPeaks(bases, {peakPos(0), peakPos(1), peakPos(2), peakPos(3)},
+                    {peakAmp(0), peakAmp(1), peakAmp(2), peakAmp(3)}, secondBase_.get(),
+                    secondPos_.get());
+}
+
+int channelOf(char base) {
+  switch (base) {
+    case 'A':
+      return 0;
+    case 'C':
+      return 1;
+    case 'G':
+      return 2;
+    case 'T':
+      return 3;
+    default:
+      return noChannel;
+  }
+}
+
+void chooseSecondPeaks(const Tessaly::String& bases, const std::int32_t* const (&peakPos)[4],
+                       const std::uint32_t* const (&peakAmp)[4], char* secondBase,
+                       std::int32_t* secondPos) {
+  for (std::int32_t i = 0; i < bases.length(); ++i) {
+    const int called = channelOf(bases[i]);
+    int second       = noChannel;
+    if (called != noChannel) {
+      std::uint32_t best = 0;  // a height of 0 is no peak
+      for (int channel = 0; channel < 4; ++channel) {
+        if (channel == called || peakAmp[channel][i] <= best) continue;
+        best   = peakAmp[channel][i];
+        second = channel;
+      }
+    }
+    secondBase[i] = channelLetters[second];
+    secondPos[i]  = second == noChannel ? 0 : peakPos[second][i];
+  }
+}
+
+}  // namespace Quillet

@@ -1,0 +1,286 @@
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "output/poly_peaks.h"
+#include "tests/output/plain_poly.h"
+
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+
+constexpr std::int32_t largestInteger  = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t smallestInteger = std::numeric_limits<std::int32_t>::min();
+
+PolyResult search(PolyInput& input) {
+  auto& c = input.channels;
+  std::vector<std::uint16_t> maxima[4];
+  PolyResult result;
+  for (std::size_t channel = 0; channel < 4; ++channel) {
+    maxima[channel].assign(c[channel].size(), 0xABCD);
+    result.peakPos[channel].assign(input.bases.size(), -99);
+    result.peakAmp[channel].assign(input.bases.size(), 99);
+  }
+  auto& pos = result.peakPos;
+  auto& amp = result.peakAmp;
+  std::uint16_t* const channels[4]{c[0].data(), c[1].data(), c[2].data(), c[3].data()};
+  const Tessaly::String bases(input.bases.c_str());
+  Quillet::findPeaks(
+      {channels, static_cast<std::uint32_t>(input.pointCount()), bases, input.peaks.data()},
+      {maxima[0].data(), maxima[1].data(), maxima[2].data(), maxima[3].data()},
+      {pos[0].data(), pos[1].data(), pos[2].data(), pos[3].data()},
+      {amp[0].data(), amp[1].data(), amp[2].data(), amp[3].data()});
+  return result;
+}
+
+struct Found {
+  std::int32_t position;
+  std::uint32_t height;
+  bool operator==(const Found&) const = default;
+};
+
+// What base `base` of a trace finds whose channel A holds the samples and whose calls are all N.
+Found findInA(const std::vector<std::uint16_t>& samples, const std::vector<std::int32_t>& peaks,
+              std::size_t base) {
+  PolyInput input;
+  input.channels.fill(std::vector<std::uint16_t>(samples.size(), 0));
+  input.channels[0] = samples;
+  input.bases.assign(peaks.size() - 1, 'N');
+  input.peaks             = peaks;
+  const PolyResult result = search(input);
+  return {result.peakPos[0][base], result.peakAmp[0][base]};
+}
+
+std::vector<std::uint16_t> spikeAt(std::size_t index, std::size_t count, std::uint16_t height) {
+  std::vector<std::uint16_t> samples(count, 0);
+  samples[index] = height;
+  return samples;
+}
+
+constexpr Found nothing{0, 0};
+
+TEST(FindPeaks, ThePositionIsTheIndexAfterTheMaximum) {
+  EXPECT_EQ(findInA(spikeAt(9, 20, 500), {10, 20}, 0), (Found{10, 500}));
+}
+
+TEST(FindPeaks, AMaximumStandsMoreThan3AboveBothNeighboursTogether) {
+  struct Case {
+    std::uint16_t left;
+    std::uint16_t sample;
+    std::uint16_t right;
+    bool isMaximum;
+  };
+  const Case cases[] = {
+      {100, 101, 100, false},      {100, 102, 101, false},       {100, 102, 100, true},
+      {101, 103, 101, true},       {101, 103, 102, false},       {99, 102, 102, false},
+      {98, 102, 102, true},        {200, 102, 0, true},          {201, 102, 0, false},
+      {65535, 65535, 65531, true}, {65535, 65535, 65532, false}, {65534, 65535, 65534, false},
+      {65533, 65535, 65533, true}, {0, 65535, 65535, true},
+  };
+  for (const Case& c : cases) {
+    // The range has the three samples only, and just the one in the middle can be the maximum.
+    const Found found = findInA({0, 0, c.left, c.sample, c.right, 0, 0}, {1, 3, 5, 7}, 1);
+
+    EXPECT_EQ(found, c.isMaximum ? (Found{4, c.sample}) : nothing)
+        << c.left << ' ' << c.sample << ' ' << c.right;
+  }
+}
+
+TEST(FindPeaks, AShoulderOnASlopeCountsAsAMaximum) {
+  EXPECT_EQ(findInA({0, 0, 90, 80, 10, 0, 0}, {1, 3, 5, 7}, 1), (Found{4, 80}));
+}
+
+TEST(FindPeaks, TheHighestMaximumWinsAndTheFirstOfEqualOnes) {
+  EXPECT_EQ(findInA({0, 50, 0, 70, 0, 70, 0, 60, 0, 0}, {0, 18, 20}, 0), (Found{4, 70}));
+}
+
+TEST(FindPeaks, ARangeReachesFromMidwayToMidwayWithoutItsEnds) {
+  struct Case {
+    std::size_t maximumIndex;
+    bool isFound;
+  };
+  // Base 1 of the peaks 10, 21, 31: from 15 to 26.
+  for (const Case& c : {Case{15, false}, Case{16, true}, Case{25, true}, Case{26, false}}) {
+    const Found found = findInA(spikeAt(c.maximumIndex, 40, 9), {10, 21, 31, 40}, 1);
+
+    EXPECT_EQ(found.height != 0, c.isFound) << c.maximumIndex;
+  }
+}
+
+TEST(FindPeaks, TheFirstRangeBeginsAtHalfTheFirstPeak) {
+  for (std::size_t index : {4U, 5U, 6U}) {  // the peak 11: from 5 on
+    EXPECT_EQ(findInA(spikeAt(index, 40, 9), {11, 30}, 0).height != 0, index == 6) << index;
+  }
+}
+
+TEST(FindPeaks, MidwayIsTruncatedTowardZero) {
+  // (-3 + 2) / 2 is 0, so that the range begins at 0 and its maxima at 1; so does -1 / 2.
+  EXPECT_EQ(findInA(spikeAt(0, 10, 9), {-3, 2, 10}, 1), nothing);
+  EXPECT_EQ(findInA(spikeAt(1, 10, 9), {-3, 2, 10}, 1), (Found{2, 9}));
+  EXPECT_EQ(findInA(spikeAt(0, 10, 9), {-1, 10}, 0), nothing);
+}
+
+TEST(FindPeaks, SamplesOutsideTheTraceAre0) {
+  EXPECT_EQ(findInA(spikeAt(0, 10, 9), {-4, 10}, 0), (Found{1, 9}));
+  EXPECT_EQ(findInA(spikeAt(9, 10, 9), {5, 20}, 0), (Found{10, 9}));
+  EXPECT_EQ(findInA(spikeAt(9, 10, 9), {5, 15}, 0), (Found{10, 9}));
+  EXPECT_EQ(findInA({9}, {-5, 7}, 0), (Found{1, 9}));
+  EXPECT_EQ(findInA({3, 3}, {-5, 9}, 0), nothing);  // 2 * 3 - 0 - 3 = 3
+  EXPECT_EQ(findInA({4, 4}, {-5, 9}, 0), (Found{1, 4}));
+  EXPECT_EQ(findInA({}, {-5, 9}, 0), nothing);
+}
+
+TEST(FindPeaks, SumsOfFarPositionsDoNotWrap) {
+  const auto samples = spikeAt(5, 10, 9);
+  const int far      = 1000000000;
+
+  EXPECT_EQ(findInA(samples, {smallestInteger, largestInteger, largestInteger}, 1), (Found{6, 9}));
+  EXPECT_EQ(findInA(samples, {smallestInteger, smallestInteger, 30}, 1), nothing);
+  // Wrapped to 32 bits the lower end, 1573741823, would be negative.
+  EXPECT_EQ(findInA(samples, {largestInteger, far, 10 - far}, 1), nothing);
+  EXPECT_EQ(findInA(samples, {largestInteger, largestInteger, largestInteger}, 1), nothing);
+}
+
+TEST(FindPeaks, ARangeThatEndsBeforeItBeginsIsEmpty) {
+  EXPECT_EQ(findInA(spikeAt(5, 10, 9), {2, 9, 2, 9, 1}, 2), nothing);
+  EXPECT_EQ(findInA(spikeAt(5, 10, 9), {9, 5, 1}, 1), nothing);
+}
+
+TEST(FindPeaks, OnlyTheCalledChannelFallsBackToItsOwnPosition) {
+  PolyInput input;  // level signals, no maximum anywhere
+  input.channels = {{std::vector<std::uint16_t>(40, 11), std::vector<std::uint16_t>(40, 12),
+                     std::vector<std::uint16_t>(40, 13), std::vector<std::uint16_t>(40, 14)}};
+  input.bases    = "ACGT";
+  input.peaks    = {8, 16, 24, 32, 38};
+
+  const PolyResult result = search(input);
+
+  EXPECT_THAT(result.peakPos, ElementsAre(ElementsAre(8, 0, 0, 0), ElementsAre(0, 16, 0, 0),
+                                          ElementsAre(0, 0, 24, 0), ElementsAre(0, 0, 0, 32)));
+  EXPECT_THAT(result.peakAmp, ElementsAre(ElementsAre(11, 0, 0, 0), ElementsAre(0, 12, 0, 0),
+                                          ElementsAre(0, 0, 13, 0), ElementsAre(0, 0, 0, 14)));
+}
+
+TEST(FindPeaks, OtherLettersThanUpperCaseACGTDoNotFallBack) {
+  PolyInput input;
+  input.channels.fill(std::vector<std::uint16_t>(40, 11));
+  input.bases = "Nac-";
+  input.peaks = {8, 16, 24, 32, 38};
+
+  const PolyResult result = search(input);
+
+  EXPECT_THAT(result.peakPos, Each(Each(0)));
+  EXPECT_THAT(result.peakAmp, Each(Each(0)));
+}
+
+TEST(FindPeaks, AFallBackOutsideTheTraceKeepsItsPositionWithHeight0) {
+  PolyInput input;
+  // So low that the ends of the trace, with their 0 neighbour, are no maxima either.
+  input.channels.fill(std::vector<std::uint16_t>(40, 3));
+  input.bases = "AAAA";
+  input.peaks = {40, -1, largestInteger, smallestInteger, 38};
+
+  const PolyResult result = search(input);
+
+  EXPECT_THAT(result.peakPos[0], ElementsAre(40, -1, largestInteger, smallestInteger));
+  EXPECT_THAT(result.peakAmp[0], Each(0));
+}
+
+// Ways to lay peaks over `pointCount` samples, from well-behaved to hostile.
+std::vector<std::int32_t> layPeaks(int kind, std::size_t count, int pointCount,
+                                   std::mt19937& random) {
+  const auto anywhere = [&](int low, int high) {
+    return low + static_cast<int>(random() % static_cast<std::uint32_t>(high - low + 1));
+  };
+  std::vector<std::int32_t> peaks(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const bool inFirstHalf     = i % 4 < 2;  // 0, 0, N, N, 0, 0: the widest ranges of all
+    const std::int32_t kinds[] = {
+        anywhere(0, pointCount),
+        anywhere(0, pointCount),
+        anywhere(-2 * pointCount, 3 * pointCount),
+        inFirstHalf ? 0 : pointCount,
+        inFirstHalf ? -pointCount : 2 * pointCount,
+        i % 2 == 0 ? 0 : pointCount,
+        pointCount / 2,
+    };
+    peaks[i] = kinds[kind];
+  }
+  if (kind == 0) std::sort(peaks.begin(), peaks.end());
+  return peaks;
+}
+constexpr int peakKindCount = 7;
+
+PolyInput randomInput(int kind, std::mt19937& random) {
+  PolyInput input;
+  const int pointCount      = static_cast<int>(random() % 300);
+  const std::uint32_t limit = random() % 2 == 0 ? 12 : 65536;  // often equal, or nearly never
+  for (auto& channel : input.channels) {
+    for (int i = 0; i < pointCount; ++i) {
+      channel.push_back(static_cast<std::uint16_t>(random() % limit));
+    }
+  }
+  for (std::size_t n = random() % 120; n > 0; --n) input.bases += "ACGTNa"[random() % 6];
+  input.peaks = layPeaks(kind, input.bases.size() + 1, pointCount, random);
+  return input;
+}
+
+TEST(FindPeaks, AgreesWithThePlainWalkWhateverThePeaks) {
+  std::mt19937 random(4);
+  for (int round = 0; round < 60 * peakKindCount; ++round) {
+    PolyInput input = randomInput(round % peakKindCount, random);
+
+    PolyResult plain;
+    plainSearch(input, plain);
+
+    ASSERT_EQ(search(input), plain) << "round " << round;
+  }
+}
+
+TEST(FindPeaks, WideRangesAtEveryBlockBoundaryAgreeWithThePlainWalk) {
+  std::mt19937 random(5);
+  PolyInput input;
+  for (auto& channel : input.channels) {
+    for (int i = 0; i < 200; ++i) channel.push_back(static_cast<std::uint16_t>(random() % 50));
+  }
+  for (int low = -3; low < 203; low += 3) {  // the base between has the range low .. high
+    for (int high = low; high < 203; high += 5) {
+      for (const int peak : {low, low, high, high}) input.peaks.push_back(peak);
+    }
+  }
+  input.bases.assign(input.peaks.size() - 1, 'G');
+
+  PolyResult plain;
+  plainSearch(input, plain);
+
+  EXPECT_EQ(search(input), plain);
+}
+
+TEST(FindPeaks, OverlappingRangesTakeNoMoreThanLogarithmicTime) {
+  // Walked sample by sample these ranges would take about 10^11 steps.
+  constexpr int pointCount = 300000;
+  PolyInput input;
+  input.channels.fill(spikeAt(pointCount / 4, pointCount, 9));
+  input.channels[1] = spikeAt(3 * pointCount / 4, pointCount, 9);
+  for (int i = 0; i < pointCount; ++i) input.peaks.push_back(i % 4 < 2 ? 0 : pointCount);
+  input.peaks.push_back(0);
+  input.bases.assign(pointCount, 'N');
+
+  const PolyResult result = search(input);
+
+  // Of each four bases the first lies before, the others at: 0..0, 0..N/2, N/2..N, N..N/2.
+  const auto last = static_cast<std::size_t>(pointCount) - 4;
+  EXPECT_EQ(result.peakPos[0][last + 1], pointCount / 4 + 1);
+  EXPECT_EQ(result.peakPos[1][last + 1], 0);
+  EXPECT_EQ(result.peakPos[0][last + 2], 0);
+  EXPECT_EQ(result.peakPos[1][last + 2], 3 * pointCount / 4 + 1);
+  EXPECT_EQ(result.peakPos[0][last + 3], 0);
+  EXPECT_EQ(result.peakPos[1][last + 3], 0);
+}
+
+}  // namespace
