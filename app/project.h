@@ -1,0 +1,51 @@
+#pragma once
+
+#include <string>
+
+#include "app/settings.h"
+#include "foundation/clock.h"
+#include "foundation/string.h"
+
+namespace Quillet {
+
+/// One run over one project: where its directories are and when the run began.
+///
+/// Built from the finished settings, which it borrows. Use: construct, prepare() once, then
+/// convertAll(). The moment of construction is the time that every .phd.1 file of the run names.
+/// Directory texts end in "/".
+/// Errors: both steps print their message and throw the int 1; files that can not be used are
+/// reported and skipped.
+class Project {
+ public:
+  explicit Project(const Settings& settings);
+
+  /// Resolves and checks the project root and its chromat, phd and poly directories.
+  void prepare();
+  /// Converts every chromatogram of the list file, or of the chromat directory.
+  void convertAll();
+
+  const Tessaly::String& workingDir() const { return workingDir_; }
+  const Tessaly::String& rootDir() const { return rootDir_; }
+  const Tessaly::String& chromatPath() const { return chromatPath_; }
+  const Tessaly::String& phdPath() const { return phdPath_; }
+  const Tessaly::String& polyPath() const { return polyPath_; }
+  const Tessaly::String& tempName() const { return tempName_; }
+  const Tessaly::String& timeText() const { return timeText_; }
+
+ private:
+  void resolveRoot();
+  void resolve(const std::string& directory, bool mustBeWriteable, Tessaly::String& path);
+
+  std::string workPath_;  // the directory that is being resolved
+  Tessaly::Clock startTime_;
+  const Settings& settings_;
+  Tessaly::String workingDir_;
+  Tessaly::String rootDir_;
+  Tessaly::String chromatPath_;
+  Tessaly::String phdPath_;
+  Tessaly::String polyPath_;
+  Tessaly::String tempName_;
+  Tessaly::String timeText_;  // startTime_ as ctime writes it
+};
+
+}  // namespace Quillet

@@ -1,0 +1,48 @@
+#include <iostream>
+#include <string>
+
+#include "app/project.h"
+#include "foundation/directory.h"
+
+namespace Quillet {
+
+namespace {
+
+bool isAbsolute(const std::string& path) { return path.starts_with('/'); }
+
+}  // namespace
+
+void Project::prepare() {
+  try {
+    resolveRoot();
+    resolve(settings_.chromatDir, false, chromatPath_);
+    resolve(settings_.phdDir, true, phdPath_);
+    resolve(settings_.polyDir, true, polyPath_);
+  } catch (const Tessaly::Directory::Exception& exception) {
+    std::cerr << "ERROR: " << exception.message() << ' ' << exception.path() << std::endl;
+    throw 1;
+  }
+  tempName_ = startTime_.format("temp%y%M%D%h%m%s");
+}
+
+void Project::resolveRoot() {
+  workPath_ = settings_.dataDir;
+  if (!isAbsolute(workPath_)) {
+    workPath_                  = workingDir_.text() + settings_.dataDir;
+    const std::string& editDir = settings_.editDir;
+    // People start the program from inside the edit directory: its parent is the project then.
+    if (!isAbsolute(editDir) && workPath_.ends_with(editDir)) {
+      workPath_.erase(workPath_.length() - editDir.length());
+    }
+  }
+  Tessaly::Directory::check(workPath_.c_str(), true, false);
+  rootDir_ = workPath_.c_str();
+}
+
+void Project::resolve(const std::string& directory, bool mustBeWriteable, Tessaly::String& path) {
+  workPath_ = isAbsolute(directory) ? directory : rootDir_.text() + directory;
+  Tessaly::Directory::check(workPath_.c_str(), true, mustBeWriteable);
+  path = workPath_.c_str();
+}
+
+}  // namespace Quillet

@@ -1,0 +1,100 @@
+#include "app/resource_file.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "app/flags.h"
+#include "app/parse_error.h"
+#include "foundation/directory.h"
+#include "foundation/string.h"
+
+namespace Quillet {
+
+namespace {
+
+constexpr const char* resourceFileName = ".quilletrc";
+constexpr const char* flagSource       = ".quilletrc file";
+
+/// Opens the first resource file there is and says which; false when there is none.
+bool openResourceFile(std::ifstream& stream, Tessaly::String& path) {
+  path = Tessaly::Directory::currentDirectory() + resourceFileName;
+  stream.open(path.text());
+  if (stream.is_open()) return true;
+
+  // Deliberate: without HOME this is the bare name once more, with an empty HOME the root's file.
+  path = Tessaly::Directory::homeDirectory() + resourceFileName;
+  stream.open(path.text());
+  if (stream.is_open()) return true;
+
+  // Deliberate: the variable is a prefix, no "/" is put between it and the name.
+  const char* prefix = std::getenv("TESSALY_PATH");
+  if (prefix == nullptr || *prefix == '\0') return false;
+  path = Tessaly::String(prefix) + resourceFileName;
+  stream.open(path.text());
+  return stream.is_open();
+}
+
+/// The lines of one resource file, understood one by one.
+class ResourceLines {
+ public:
+  ResourceLines(Settings& settings, const Tessaly::String& path)
+      : settings_(settings), path_(path.text()) {}
+
+  void apply(const std::string& line) {
+    ++lineNumber_;
+    std::istringstream words(line);
+    std::string keyword;
+    if (!(words >> keyword)) return;
+    if (keyword == "flag") {
+      for (std::string word; words >> word;) flags_.push_back(word);
+    } else if (keyword == "chromatdir") {
+      setDirectory(settings_.chromatDir, keyword, words);
+    } else if (keyword == "phddir") {
+      setDirectory(settings_.phdDir, keyword, words);
+    } else if (keyword == "polydir") {
+      setDirectory(settings_.polyDir, keyword, words);
+    } else {
+      throw Tessaly::ParseError(path_, lineNumber_, "invalid option: " + keyword);
+    }
+  }
+
+  const std::vector<std::string>& flags() const { return flags_; }
+
+ private:
+  void setDirectory(std::string& directory, const std::string& keyword,
+                    std::istringstream& words) const {
+    std::string word;
+    if (!(words >> word)) {
+      throw Tessaly::ParseError(path_, lineNumber_, "`" + keyword + "' requires an argument");
+    }
+    directory = word;
+    ensureTrailingSlash(directory);
+  }
+
+  Settings& settings_;
+  std::string path_;
+  std::int32_t lineNumber_ = 0;
+  std::vector<std::string> flags_;
+};
+
+}  // namespace
+
+void readResourceFile(Settings& settings) {
+  std::ifstream stream;
+  Tessaly::String path;
+  if (!openResourceFile(stream, path)) return;
+
+  std::cerr << "Reading file " << path << '\n';
+  ResourceLines lines(settings, path);
+  for (std::string line; std::getline(stream, line);) lines.apply(line);
+  stream.close();
+
+  if (!lines.flags().empty()) applyFlags(settings, lines.flags(), flagSource);
+}
+
+}  // namespace Quillet
