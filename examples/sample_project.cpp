@@ -1,0 +1,62 @@
+// Makes the project that tools/demo converts: believable traces, some of them gzipped, one without
+// qualities where they are needed, one damaged.
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+
+#include "tests/support/trace_generator.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void writeFile(const fs::path& path, const std::string& bytes) {
+  std::ofstream stream(path, std::ios::binary);
+  stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  stream.close();
+  if (!stream) throw std::runtime_error("can not write " + path.string());
+}
+
+/// The whole file of one sample, with further entries as instruments write them.
+std::string traceFile(const TraceContents& contents) {
+  return contents.abif().callerName("KB 1.4").otherEntries(100).build();
+}
+
+void makeProject(const fs::path& root, int traceCount) {
+  for (const char* name : {"chromat_dir", "phd_dir", "poly_dir", "edit_dir"}) {
+    fs::create_directories(root / name);
+  }
+  const fs::path chromats = root / "chromat_dir";
+  for (int i = 1; i <= traceCount; ++i) {
+    const std::string number = (i < 10 ? "0" : "") + std::to_string(i);
+    const fs::path file      = chromats / ("clone" + number + ".ab1");
+    const auto seed          = static_cast<std::uint32_t>(i);
+    writeFile(file, traceFile(believableTrace(seed, 600 + (i * 137) % 301)));
+    if (i % 3 == 0 && std::system(("gzip -f -n '" + file.string() + "'").c_str()) != 0) {
+      throw std::runtime_error("can not gzip " + file.string());
+    }
+  }
+  writeFile(chromats / "doubtful.ab1", traceFile(doubtfulTrace(1001, 700)));
+  writeFile(chromats / "damaged.ab1", traceFile(believableTrace(1002, 650)).substr(0, 3000));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2 || argc > 3) {
+    std::cerr << "usage: sample_project FOLDER [NUMBER OF TRACES]\n";
+    return 2;
+  }
+  try {
+    makeProject(argv[1], argc == 3 ? std::stoi(argv[2]) : 12);
+  } catch (const std::exception& problem) {
+    std::cerr << "sample_project: " << problem.what() << '\n';
+    return 1;
+  }
+  return 0;
+}
