@@ -1,9 +1,9 @@
 #include "foundation/clock.h"
 
 #include <cstring>
-#include <iterator>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace Tessaly {
 
@@ -23,7 +23,8 @@ String nameAt(const char* const (&names)[count], int index) {
   return static_cast<unsigned>(index) < count ? String(names[index]) : String();
 }
 
-// `value` past the range of one digit gives some other character, never more than one.
+// `value` past the range of one digit gives some other character, never more than one: the cast
+// keeps the lowest byte of the sum.
 char digit(int value) { return static_cast<char>('0' + value); }
 
 // The text of format() while it grows, in steps of 1024 bytes.
@@ -60,6 +61,7 @@ class PatternText {
 
   String text() const {
     String result;
+    // The length fits: patterns are a few characters long.
     if (length_ > 0) result.append(characters_.get(), static_cast<std::int32_t>(length_));
     return result;
   }

@@ -9,9 +9,11 @@ namespace Tessaly {
 /// One moment of local time, read when the object is made.
 ///
 /// The moment is a `time_t`; its broken-down form is local time in the zone of the environment
-/// variable TZ. A moment that has no broken-down form (a year beyond `int`) is unknown: numbers are
-/// then -1 and texts empty. A plain value: owns nothing, prints nothing.
-/// Errors: only format() throws, the integer 1, when there is no memory for its result.
+/// variable TZ, or in the system's zone where TZ is not set. A moment that has no broken-down form
+/// (a year beyond `int`) is unknown: numbers are then -1 and texts empty. A plain value: owns
+/// nothing, prints nothing.
+/// Errors: where memory is out, format() throws the integer 1 for its buffer, and the Strings that
+/// are handed out throw as Strings do. Nothing else fails.
 class Clock {
  public:
   /// Now.
@@ -35,7 +37,8 @@ class Clock {
   String dayName() const;
   static String dayName(int index);
 
-  /// The 24 characters of the C library's date text, as in "Sun Nov 15 12:04:40 2026".
+  /// The C library's date text without its line feed, as in "Sun Nov 15 12:04:40 2026": 24
+  /// characters when the year has four digits.
   String asText() const;
 
   /// Copies `pattern`, putting numbers for %y (year, 2 digits), %Y (year, 4 digits), %M (month),

@@ -6,7 +6,6 @@
 #include <cstring>
 #include <dirent.h>
 #include <iostream>
-#include <limits.h>
 #include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -26,8 +25,10 @@ constexpr mode_t ownerWriteBit = 0200;
 
 std::size_t workingDirectorySize = 256;  // bytes for getcwd; grows, and stays grown for later calls
 
-void addFinalSlash(String& path) {
-  if (!path.endsWith('/')) path.append('/');
+String withFinalSlash(const char* path) {
+  String result(path);
+  if (!result.endsWith('/')) result.append('/');
+  return result;
 }
 
 // The working directory as the system knows it; empty, after a warning, when it does not.
@@ -54,26 +55,6 @@ EntryKind kindByOpening(const std::string& path) {
   return errno == ENOTDIR ? EntryKind::file : EntryKind::neither;
 }
 
-// Sorts entries of one directory into kinds, given their paths ("directory/name").
-//
-// A regular file always fails to open as a directory with "not a directory", whatever its own
-// permissions, once its path can be walked and a file handle is free. Both are settled by opening
-// "directory/." once; after that regular files, nearly all of a batch, need no system call of their
-// own. Links, unknown kinds and paths near the system's length limit are always opened.
-class EntryClassifier {
- public:
-  explicit EntryClassifier(const std::string& directory)
-      : regularFilesAreKnown_(kindByOpening(directory + ".") == EntryKind::subdirectory) {}
-
-  EntryKind kindOf(const dirent& entry, const std::string& path) const {
-    const bool known = regularFilesAreKnown_ && entry.d_type == DT_REG && path.size() < PATH_MAX;
-    return known ? EntryKind::file : kindByOpening(path);
-  }
-
- private:
-  bool regularFilesAreKnown_;
-};
-
 }  // namespace
 
 Directory::Exception::Exception(const char* path) : path_(path) {}
@@ -91,22 +72,19 @@ const char* Directory::NotWriteable::message() const { return "could not write t
 Directory::Directory(const char* path) { read(path, false); }
 
 bool Directory::read(const char* path, bool includeHidden) {
-  std::string entryPath(path);
-  if (entryPath.empty() || entryPath.back() != '/') entryPath += '/';
-
-  const DirectoryHandle handle(opendir(entryPath.c_str()));
+  std::string entryPath(withFinalSlash(path).text());
+  DirectoryHandle handle(opendir(entryPath.c_str()));
   if (handle == nullptr) return false;
   subdirectories_.clear();
   files_.clear();
 
-  const EntryClassifier classifier(entryPath);
   const std::size_t nameOffset = entryPath.size();
   while (const dirent* entry = readdir(handle.get())) {
     const char* name = entry->d_name;
     if (name[0] == '.' && !includeHidden) continue;
     entryPath.resize(nameOffset);
     entryPath += name;
-    switch (classifier.kindOf(*entry, entryPath)) {
+    switch (kindByOpening(entryPath)) {
       case EntryKind::subdirectory:
         subdirectories_.emplace_back(name);
         break;
@@ -118,6 +96,7 @@ bool Directory::read(const char* path, bool includeHidden) {
     }
   }
 
+  handle.reset();  // sorting needs no open directory
   std::sort(subdirectories_.begin(), subdirectories_.end());
   std::sort(files_.begin(), files_.end());
   return true;
@@ -129,22 +108,14 @@ bool Directory::readCurrent(bool includeHidden) {
 
 String Directory::homeDirectory() {
   const char* home = std::getenv("HOME");
-  if (home == nullptr) return String();
-  String path(home);
-  addFinalSlash(path);
-  return path;
+  return home == nullptr ? String() : withFinalSlash(home);
 }
 
 String Directory::currentDirectory() {
   const char* noted = std::getenv("PWD");
-  String path;
-  if (noted != nullptr && *noted != '\0') {
-    path = noted;
-  } else {
-    path = systemWorkingDirectory();
-  }
-  addFinalSlash(path);  // Deliberate: an unknown working directory becomes "/".
-  return path;
+  if (noted != nullptr && *noted != '\0') return withFinalSlash(noted);
+  // Deliberate: an unknown working directory becomes "/".
+  return withFinalSlash(systemWorkingDirectory().text());
 }
 
 void Directory::check(const char* path, bool mustBeReadable, bool mustBeWriteable) {

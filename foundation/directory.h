@@ -14,7 +14,8 @@ namespace Tessaly {
 /// The lists hold names, not paths, each sorted by bytes (as unsigned characters, a prefix first).
 /// They belong to the object; whoever walks them borrows them until the next read().
 /// Errors: check() throws a child of Exception; everything else answers with an empty or false
-/// result. Only currentDirectory() may print: a warning on the standard error stream.
+/// result, unless memory is out. Only asking for the working directory may print: a warning on the
+/// standard error stream.
 class Directory {
  public:
   /// Root of what check() throws. It keeps the path as it was given and derives from nothing.
@@ -49,7 +50,7 @@ class Directory {
     const char* message() const override;
   };
 
-  /// The path exists and is something else.
+  /// The path exists and lacks the directory bit; see check().
   class NotADirectory : public Exception {
    public:
     explicit NotADirectory(const char* path) : Exception(path) {}
@@ -93,7 +94,9 @@ class Directory {
   /// The value of PWD, or else what the system says, ending in "/"; "/" when neither is known.
   static String currentDirectory();
 
-  /// Returns when `path` is a directory whose owner has the permissions asked for.
+  /// Returns when `path` is a directory whose owner has the permissions asked for, whoever runs the
+  /// program. Deliberate: a kind is a directory when its code holds the directory bit, as those of
+  /// sockets and block devices do, so that these pass, too.
   static void check(const char* path, bool mustBeReadable, bool mustBeWriteable);
   /// True for files of every kind.
   static bool exists(const String& path);

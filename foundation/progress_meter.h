@@ -9,7 +9,9 @@ namespace Tessaly {
 /// Counts items; the percentage is whole and rounded up, so 0 is shown only before the first item.
 /// On a terminal each drawing replaces the last one; elsewhere each is a line of its own, so that a
 /// log stays readable. Numbers are 64 bits wide, since 100 times an item count may pass 32 bits.
-/// A plain value: owns nothing and never fails.
+/// A plain value that owns nothing.
+/// Errors: a line that can not be written is lost in silence, like whatever follows it on the
+/// stream; without memory for the line, drawing throws std::bad_alloc.
 /// Use: construct, start() once, step() once for each item.
 class ProgressMeter {
  public:

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-// The Standard Chromatogram Format, as the Staden group's description of versions 2 and 3 gives it.
-// All numbers in a file are big-endian. The reader and the writer share this one table.
+// The Standard Chromatogram Format, as the published description of versions 2 and 3 gives it. All
+// numbers in a file are big-endian. The reader and the writer share this one table.
 namespace Quillet::ScfLayout {
 
 // Header: byte offsets from the start of the file.

@@ -7,6 +7,7 @@
 #include <limits>
 #include <new>
 #include <ostream>
+#include <string>
 #include <utility>
 
 namespace Tessaly {
@@ -43,7 +44,7 @@ std::int32_t lengthOf(const char* text) {
   return static_cast<std::int32_t>(length);  // fits: tested above
 }
 
-/// memmove for a length that is never negative; the regions may overlap.
+/// The regions may overlap; for a count of 0 there may be none.
 void copyRun(char* destination, const char* run, std::int32_t count) {
   if (count > 0) {
     std::memmove(destination, run, static_cast<std::size_t>(count));
@@ -53,8 +54,6 @@ void copyRun(char* destination, const char* run, std::int32_t count) {
 void fillRun(char* destination, char character, std::int32_t count) {
   std::memset(destination, static_cast<unsigned char>(character), static_cast<std::size_t>(count));
 }
-
-bool isSpace(char character) { return std::isspace(static_cast<unsigned char>(character)) != 0; }
 
 String joined(const String& left, const char* right, std::int32_t rightLength) {
   const std::int64_t length = std::int64_t{left.length()} + rightLength;
@@ -90,11 +89,12 @@ String::String(char character) : String(character, 1) {}
 
 String::String(char character, std::int32_t count) : String(checkedCount(count)) {
   fillRun(text_.get(), character, count);
-  shortenTo(count);
+  setLength(count);
 }
 
 String::~String() = default;
 
+// Deliberate: assignments shrink the buffer too, so that texts that are kept stay tight.
 String& String::operator=(const String& other) {
   store(other.text_.get(), other.length_, std::int64_t{other.length_} + 1);
   return *this;
@@ -154,11 +154,11 @@ void String::append(const char* run, std::int32_t count) {
   } else {
     copyRun(text_.get() + length_, run, count);
   }
-  shortenTo(static_cast<std::int32_t>(newLength));  // fits: below the capacity
+  setLength(static_cast<std::int32_t>(newLength));  // fits: below the capacity
 }
 
 void String::removeLast(std::int32_t count) {
-  shortenTo(length_ - std::min(checkedCount(count), length_));
+  setLength(length_ - std::min(checkedCount(count), length_));
 }
 
 void String::cut(std::int32_t position) {
@@ -166,10 +166,10 @@ void String::cut(std::int32_t position) {
   if (position < 0 || position >= length_) {
     throw stringPositionError;
   }
-  shortenTo(position);
+  setLength(position);
 }
 
-void String::clear() { shortenTo(0); }
+void String::clear() { setLength(0); }
 
 void String::setCapacity(std::int32_t bytes) {
   if (bytes < 1) {
@@ -189,7 +189,7 @@ void String::fill(char character, std::int32_t count) {
     capacity_ = static_cast<std::int32_t>(doubled);  // fits: newBuffer refuses more
   }
   fillRun(text_.get(), character, count);
-  shortenTo(count);
+  setLength(count);
 }
 
 void String::upperCase() {
@@ -206,18 +206,18 @@ void String::lowerCase() {
 
 void String::stripLeading() {
   char* end         = text_.get() + length_;
-  const char* first = std::find_if_not(text_.get(), end, isSpace);
+  const char* first = std::find_if_not(text_.get(), end, isWhiteSpace);
   const auto kept   = static_cast<std::int32_t>(end - first);  // fits: at most the length
   copyRun(text_.get(), first, kept);
-  shortenTo(kept);
+  setLength(kept);
 }
 
 void String::stripTrailing() {
   std::int32_t kept = length_;
-  while (kept > 0 && isSpace((*this)[kept - 1])) {
+  while (kept > 0 && isWhiteSpace((*this)[kept - 1])) {
     --kept;
   }
-  shortenTo(kept);
+  setLength(kept);
 }
 
 void String::strip() {
@@ -226,7 +226,7 @@ void String::strip() {
 }
 
 bool String::isNotBlank() const {
-  return !std::all_of(text_.get(), text_.get() + length_, isSpace);
+  return !std::all_of(text_.get(), text_.get() + length_, isWhiteSpace);
 }
 
 void String::store(const char* run, std::int32_t count, std::int64_t bytes) {
@@ -238,14 +238,14 @@ void String::store(const char* run, std::int32_t count, std::int64_t bytes) {
     text_     = std::move(buffer);                 // only now: `run` may lie in the old buffer
     capacity_ = static_cast<std::int32_t>(bytes);  // fits: newBuffer refuses more
   }
-  shortenTo(count);
+  setLength(count);
 }
 
 void String::keepOrStore(const char* run, std::int32_t count) {
   store(run, count, capacity_ <= count ? std::int64_t{count} + 1 : capacity_);
 }
 
-void String::shortenTo(std::int32_t count) {
+void String::setLength(std::int32_t count) {
   length_                                = count;
   text_[static_cast<std::size_t>(count)] = '\0';
 }
@@ -266,19 +266,18 @@ bool readLine(std::istream& stream, String& line) {
   char piece[512];
   bool found = false;
   line.clear();
-  for (;;) {
-    stream.getline(piece, sizeof piece);
-    const bool newlineTaken = stream.good();
-    const auto taken        = static_cast<std::int32_t>(stream.gcount());  // at most the piece
-    line.append(piece, newlineTaken ? taken - 1 : taken);
-    found = found || taken > 0;
-    if (newlineTaken || stream.eof() || stream.bad() || taken == 0) {
+  while (stream.good()) {
+    const int next = stream.peek();  // so that get() never fails for want of a character
+    if (next == std::char_traits<char>::eof()) {
       break;
     }
-    stream.clear();  // the piece was full: the line goes on
-  }
-  if (found && !stream.bad()) {
-    stream.clear(stream.rdstate() & ~std::ios::failbit);  // a line was there, its end is no failure
+    found = true;
+    if (next == '\n') {
+      stream.ignore();
+      break;
+    }
+    stream.get(piece, sizeof piece);
+    line.append(piece, static_cast<std::int32_t>(stream.gcount()));  // at most the piece
   }
   return found;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
@@ -11,15 +12,23 @@ inline constexpr const char* stringAllocationError = "ERROR: String can not be a
 inline constexpr const char* stringPositionError   = "ERROR: String position is out of range";
 inline constexpr const char* stringParameterError  = "ERROR: String parameter is invalid";
 
+/// Whether the C locale counts the character as white space, whatever locale is set.
+inline bool isWhiteSpace(char character) {
+  return character == ' ' || (character >= '\t' && character <= '\r');
+}
+
 /// A run of single bytes with a zero byte behind it: names, paths and the text of numbers.
 ///
-/// Every String owns its buffer and copying copies the characters. `length` does not count the
-/// final zero byte; the bytes of the text may be zero themselves, since the stored length rules.
-/// Positions and lengths count bytes from 0. `capacity` is the size of the buffer in bytes, always
-/// at least length + 1. Comparisons are byte-exact; letter and white-space classes are those of the
-/// C locale. A piece of the String's own text may be given to every operation.
+/// Every String owns its buffer and copying copies the characters, which are single bytes.
+/// `length` does not count the final zero byte; characters may be zero bytes themselves, since the
+/// stored length rules. Positions and counts are in characters, positions from 0. `capacity` is the
+/// size of the buffer in bytes, always at least length + 1. Comparisons are byte-exact. White space
+/// is that of the C locale; so are the letters, as long as the program sets no other locale. A
+/// piece of the String's own text may be given to every operation.
 /// Errors: throws one of the three texts above and leaves the String as it was; nothing is printed.
-/// A null text is a parameter error, a text that 2^31 - 1 bytes cannot hold an allocation error.
+/// A null text is a parameter error; a run that is given with its count is not examined. No buffer
+/// has more than 2^31 - 1 bytes: as growth doubles, growing to 2^30 characters or more is an
+/// allocation error, however much memory there is.
 class String {
  public:
   String();
@@ -44,7 +53,7 @@ class String {
 
   /// The first `count` characters of the source; 0, or more than there are, means all of it.
   /// The source text is read up to its first zero byte and, for a positive count, no further than
-  /// `count` bytes, so that a run without a final zero byte may be given.
+  /// `count` characters, so that a run without a final zero byte may be given.
   void setPrefix(const String& source, std::int32_t count);
   void setPrefix(const char* source, std::int32_t count);
   /// The characters of `source` from `position` (0..length inclusive) to its end.
@@ -54,7 +63,7 @@ class String {
   void append(const String& other);
   void append(const char* text);
   void append(char character);
-  /// `count` bytes as they stand, zero bytes included.
+  /// `count` characters as they stand, zero bytes included.
   void append(const char* run, std::int32_t count);
 
   void removeLast(std::int32_t count);
@@ -108,13 +117,13 @@ class String {
   /// Writes the decimal text of `value`, without a zero byte, and returns its length.
   static std::int32_t writeInteger(std::int32_t value, char* destination);
   static String textOf(std::int32_t value);
-  /// Up to 15 significant digits; exponent notation below 1e-6 and from 1e16 on. What is no finite
-  /// number is "nan", "inf" or "-inf".
+  /// Up to 15 significant digits; exponent notation for what is, after rounding to them, below 1e-6
+  /// or at least 1e16. What is no finite number is "nan", "inf" or "-inf".
   static String textOf(double value);
 
-  // Formatted fields: `width` bytes of the fill character, or as many as a longer value needs, with
-  // the value placed in them. A negative width is a parameter error. The format's letters; other
-  // characters are ignored:
+  // Formatted fields: `width` fill characters, or as many as a longer value needs, with the value
+  // placed in them. A negative width is a parameter error. The format's letters; other characters
+  // are ignored:
   //   JR, JC     right-justified, centred (otherwise at the left)
   //   A<digits>  distance from that place: inwards from the edge, to the right when centred; never
   //              so far that the value would leave the field
@@ -144,8 +153,9 @@ class String {
   void store(const char* run, std::int32_t count, std::int64_t bytes);
   /// As store(), but any buffer that is large enough is kept.
   void keepOrStore(const char* run, std::int32_t count);
-  /// Moves the end of the text forward; the capacity stays.
-  void shortenTo(std::int32_t count);
+  /// Ends the text behind its first `count` characters, which the buffer holds already; the
+  /// capacity, larger than `count`, stays.
+  void setLength(std::int32_t count);
 
   std::unique_ptr<char[]> text_;
   std::int32_t length_   = 0;
@@ -156,9 +166,12 @@ String operator+(const String& left, const String& right);
 String operator+(const String& left, const char* right);
 bool operator==(const String& left, const String& right);
 bool operator==(const String& left, const char* right);
+/// Writes the characters and nothing else: the stream's width is neither used nor reset.
 std::ostream& operator<<(std::ostream& stream, const String& text);
 
-/// Reads up to a newline, which is taken and not stored; false when nothing was left to read.
+/// Reads up to a newline, which is taken and not stored, or to the end of the stream. False, with
+/// an empty line, when the stream has failed or nothing is left to read; that alone sets no
+/// failbit. After an allocation error the line holds what was read before it.
 bool readLine(std::istream& stream, String& line);
 
 }  // namespace Tessaly

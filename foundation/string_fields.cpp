@@ -1,11 +1,10 @@
+#include "foundation/string.h"
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <string_view>
-
-#include "foundation/string.h"
 
 namespace Tessaly {
 namespace {
@@ -80,39 +79,35 @@ std::int32_t placeOf(const FieldFormat& format, std::int32_t room) {
   return format.justify == Justify::right ? room - shift : start + shift;
 }
 
-/// `width` bytes, or as many as the value needs; the first `signCount` bytes of it are its sign.
-String fieldOf(std::string_view value, std::size_t signCount, std::int32_t width,
+/// `width` characters, or as many as the value needs; its first `signCount` ones (0 or 1) are its
+/// sign.
+String fieldOf(const String& value, std::int32_t signCount, std::int32_t width,
                const FieldFormat& format) {
   if (width < 0) {
     throw stringParameterError;
   }
-  const auto length        = static_cast<std::int32_t>(value.size());  // came from an int32
-  const std::int32_t room  = std::max(width, length) - length;
-  const std::int32_t start = placeOf(format, room);
-  const auto early         = static_cast<std::int32_t>(format.signAtRim ? signCount : 0);  // 0 or 1
+  const std::int32_t length = value.length();
+  const std::int32_t room   = std::max(width, length) - length;
+  const std::int32_t start  = placeOf(format, room);
+  const std::int32_t early  = format.signAtRim ? signCount : 0;
 
   String field(length + room);
-  field.append(value.data(), early);
+  field.append(value.text(), early);
   field.append(String(format.fillCharacter, start));
-  field.append(value.data() + early, length - early);
+  field.append(value.text() + early, length - early);
   field.append(String(format.fillCharacter, room - start));
   return field;
 }
 
-String textField(std::string_view value, std::int32_t width, const char* format) {
+String textField(const String& value, std::int32_t width, const char* format) {
   return fieldOf(value, 0, width, parsed(format));
-}
-
-std::string_view viewOf(const String& text) {
-  return {text.text(), static_cast<std::size_t>(text.length())};
 }
 
 /// `number` is the text without a "+".
 String numberField(const String& number, bool negative, bool signable, std::int32_t width,
                    const FieldFormat& format) {
   const bool plus = format.alwaysSign && signable && !negative;
-  const String signedNumber(plus ? String('+') + number : number);
-  return fieldOf(viewOf(signedNumber), plus || negative ? 1 : 0, width, format);
+  return fieldOf(plus ? String('+') + number : number, plus || negative ? 1 : 0, width, format);
 }
 
 String integerField(std::int32_t value, std::int32_t width, const char* format) {
@@ -141,7 +136,7 @@ String doubleField(double value, std::int32_t width, const char* format) {
 }  // namespace
 
 void String::setField(const String& value, std::int32_t width, const char* format) {
-  set(textField(viewOf(value), width, format));
+  set(textField(value, width, format));
 }
 
 void String::setField(const char* value, std::int32_t width, const char* format) {
@@ -149,7 +144,7 @@ void String::setField(const char* value, std::int32_t width, const char* format)
 }
 
 void String::setField(char value, std::int32_t width, const char* format) {
-  set(textField({&value, 1}, width, format));
+  setField(String(value), width, format);
 }
 
 void String::setField(std::int32_t value, std::int32_t width, const char* format) {
@@ -161,7 +156,7 @@ void String::setField(double value, std::int32_t width, const char* format) {
 }
 
 void String::appendField(const String& value, std::int32_t width, const char* format) {
-  append(textField(viewOf(value), width, format));
+  append(textField(value, width, format));
 }
 
 void String::appendField(const char* value, std::int32_t width, const char* format) {
@@ -169,7 +164,7 @@ void String::appendField(const char* value, std::int32_t width, const char* form
 }
 
 void String::appendField(char value, std::int32_t width, const char* format) {
-  append(textField({&value, 1}, width, format));
+  appendField(String(value), width, format);
 }
 
 void String::appendField(std::int32_t value, std::int32_t width, const char* format) {

@@ -1,11 +1,11 @@
+#include "foundation/string.h"
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
-
-#include "foundation/string.h"
 
 namespace Tessaly {
 namespace {
@@ -60,7 +60,7 @@ constexpr int doubleTextSize    = 40;  // bytes; the longest text has 1 + 2 + 5 
 
 /// A positive number as digits d[0].d[1]d[2]... times ten to the `exponent`.
 struct Decimal {
-  char digits[highestFixed + 1];
+  char digits[keptDigits + 1];  // the one more decides the rounding
   int digitCount;
   int exponent;
 };
@@ -186,7 +186,7 @@ bool String::isDecimalNumber() const {
     return false;
   }
   place = behindExponent(place, end);
-  return place == end || std::isspace(static_cast<unsigned char>(*place)) != 0;
+  return place == end || isWhiteSpace(*place);
 }
 
 std::int32_t String::hexadecimalValue() const {

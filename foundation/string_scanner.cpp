@@ -1,14 +1,11 @@
 #include "foundation/string_scanner.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <new>
 
 namespace Tessaly {
 namespace {
-
-bool isSpace(char character) { return std::isspace(static_cast<unsigned char>(character)) != 0; }
 
 std::unique_ptr<String> ownedCopy(const char* text) {
   std::unique_ptr<String> copy(new (std::nothrow) String(text));
@@ -63,7 +60,9 @@ bool StringScanner::skipTo(char character) {
   return !atEnd();
 }
 
-void StringScanner::skipWhiteSpace() { position_ = std::find_if_not(position_, end(), isSpace); }
+void StringScanner::skipWhiteSpace() {
+  position_ = std::find_if_not(position_, end(), isWhiteSpace);
+}
 
 bool StringScanner::skipWords(std::int32_t count) {
   for (std::int32_t skipped = 0; skipped < count; ++skipped) {
@@ -71,7 +70,7 @@ bool StringScanner::skipWords(std::int32_t count) {
     if (atEnd()) {
       return false;
     }
-    position_ = std::find_if(position_, end(), isSpace);
+    position_ = std::find_if(position_, end(), isWhiteSpace);
   }
   return count >= 0;
 }
@@ -97,23 +96,15 @@ bool StringScanner::skipLines(std::int32_t count) {
 }
 
 bool StringScanner::readWord(String& target) {
-  skipWhiteSpace();
-  const bool found = !atEnd();
-  take(std::find_if(position_, end(), isSpace), target);
-  return found;
+  const char* const first = std::find_if_not(position_, end(), isWhiteSpace);
+  return take(first, std::find_if(first, end(), isWhiteSpace), target);
 }
 
 bool StringScanner::readUpTo(char character, String& target) {
-  const bool found = !atEnd();
-  take(placeOf(character), target);
-  return found;
+  return take(position_, placeOf(character), target);
 }
 
-bool StringScanner::readRest(String& target) {
-  const bool found = !atEnd();
-  take(end(), target);
-  return found;
-}
+bool StringScanner::readRest(String& target) { return take(position_, end(), target); }
 
 bool StringScanner::matches(const String& pattern) const {
   const auto length = static_cast<std::size_t>(pattern.length());
@@ -134,13 +125,15 @@ const char* StringScanner::placeOf(char character) const {
   return std::find(position_, end(), character);
 }
 
-void StringScanner::take(const char* place, String& target) {
+bool StringScanner::take(const char* first, const char* behind, String& target) {
   if (&target == scanned_) {
     throw stringParameterError;
   }
+  const bool found = first != end();
   target.clear();
-  target.append(position_, static_cast<std::int32_t>(place - position_));  // at most the length
-  position_ = place;
+  target.append(first, static_cast<std::int32_t>(behind - first));  // at most the length
+  position_ = behind;
+  return found;
 }
 
 }  // namespace Tessaly

@@ -10,12 +10,12 @@ namespace Tessaly {
 /// Walks through the text of a String: words, lines and pieces up to a character.
 ///
 /// The position points into the scanned text, from its first character to its zero byte. Words are
-/// separated by what `isspace` accepts, lines by the newline character. The scanner borrows the
-/// String, which must outlive it and stay unchanged meanwhile; built from plain text it owns a copy
-/// for its whole life, also when it is attached to another String later.
-/// Nothing fails by throwing but an allocation, a null text, and a read into the scanned String
-/// itself (a parameter error); everything else is a false result. A negative count moves nothing
-/// and is false.
+/// separated by white space, lines by the newline character. The scanner borrows the String, which
+/// must outlive it and stay unchanged meanwhile; built from plain text it owns a copy for its whole
+/// life, also when it is attached to another String later.
+/// Errors: throws what a String throws, without moving: for an allocation (a target is then empty),
+/// for a null text, and for a read into the scanned String itself (a parameter error). Everything
+/// else is a false result. A negative count moves nothing and is false.
 class StringScanner {
  public:
   explicit StringScanner(const String& text);
@@ -68,8 +68,9 @@ class StringScanner {
   const char* end() const { return scanned_->text() + scanned_->length(); }
   /// The next place of `character` from the position on; the end when there is none.
   const char* placeOf(char character) const;
-  /// Copies the text before `place` into `target` and moves there.
-  void take(const char* place, String& target);
+  /// Copies the text from `first` to before `behind` into `target` and moves there; false where
+  /// `first` is the end.
+  bool take(const char* first, const char* behind, String& target);
 
   std::unique_ptr<String> owned_;
   const String* scanned_;

@@ -1,6 +1,6 @@
-#include <string_view>
-
 #include "foundation/string.h"
+
+#include <string_view>
 
 namespace Tessaly {
 namespace {

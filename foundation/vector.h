@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <limits>
@@ -21,10 +22,12 @@ inline constexpr const char* vectorRangeError = "ERROR: Vector array parameter i
 /// size, and stands behind the last element where it equals size. Only the operations that say so
 /// move it. References stay valid until the next operation that changes the vector. The vector
 /// itself, or elements of it, may be given to every operation.
-/// Growth: where more room is needed than there is, to twice what is needed; assignments take
-/// exactly what they need.
-/// Errors: throws one of the two texts above and leaves the vector as it was. A negative count is
-/// out of range; more than 2^31 - 1 elements are an allocation error.
+/// Growth: where more room is needed than there is, to twice what is needed. An assignment that
+/// needs a larger array takes one for exactly its elements; assignAndCopy() says what it takes.
+/// Errors: throws one of the two texts above and, for elements whose copies can not fail, leaves
+/// the vector as it was. A negative count is out of range. No array has more than 2^31 - 1
+/// elements: as growth doubles, growing to 2^30 elements or more is an allocation error, however
+/// much memory there is.
 template <typename T>
 class Vector {
  public:
@@ -47,6 +50,7 @@ class Vector {
 
   virtual ~Vector() = default;
 
+  /// Keeps the capacity; moves the cursor to the start.
   virtual void clear();
 
   /// The element at the cursor; out of range behind the last one.
@@ -60,10 +64,11 @@ class Vector {
   virtual const T& previous();
   /// Moves the cursor to `index`; replace() leaves it alone.
   virtual void set(std::int32_t index, T value);
-  /// The same as at().
-  virtual const T& elementAt(std::int32_t index);
+  /// The same as at(), but a replacement of that one does not change it.
+  virtual const T& elementAt(std::int32_t index) { return Vector::at(index); }
 
-  /// Takes over the other's capacity too; moves the cursor to the end and returns a copy.
+  /// Takes over the other's capacity too, larger or smaller; moves the cursor to the end and
+  /// returns a copy.
   virtual Vector assignAndCopy(const Vector& other);
   /// Moves the cursor to the end.
   virtual void assign(const Vector& other);
@@ -105,8 +110,8 @@ class Vector {
 
   // Removal: the later elements move down and the cursor moves to the start.
   virtual void remove(std::int32_t index);
-  /// The same as remove().
-  virtual void erase(std::int32_t index);
+  /// The same as remove(), but a replacement of that one does not change it.
+  virtual void erase(std::int32_t index) { Vector::remove(index); }
   virtual void removeRange(std::int32_t index, std::int32_t count);
   /// Keeps `size` elements, fewer than there are; moves the cursor to the start.
   virtual void truncate(std::int32_t size);
@@ -200,6 +205,7 @@ const T& Vector<T>::next() {
 
 template <typename T>
 const T& Vector<T>::previous() {
+  // Deliberate: refused at index 0, so that element 0 is never returned.
   check(cursor_ > 0 && cursor_ < size_);
   return elements_[static_cast<std::size_t>(cursor_--)];
 }
@@ -212,17 +218,11 @@ void Vector<T>::set(std::int32_t index, T value) {
 }
 
 template <typename T>
-const T& Vector<T>::elementAt(std::int32_t index) {
-  checkIndex(index);
-  cursor_ = index;
-  return elements_[static_cast<std::size_t>(index)];
-}
-
-template <typename T>
 Vector<T> Vector<T>::assignAndCopy(const Vector& other) {
+  Vector copy(other);  // what this one becomes; first, so that a failure leaves it as it was
   store(other.data(), other.size_, other.capacity_);
   cursor_ = size_;
-  return Vector(*this);
+  return copy;
 }
 
 template <typename T>
@@ -271,12 +271,6 @@ void Vector<T>::remove(std::int32_t index) {
 }
 
 template <typename T>
-void Vector<T>::erase(std::int32_t index) {
-  checkIndex(index);
-  removeRun(index, 1);
-}
-
-template <typename T>
 void Vector<T>::removeRange(std::int32_t index, std::int32_t count) {
   checkIndex(index);
   check(count >= 0 && count <= size_ - index);
@@ -309,6 +303,9 @@ std::unique_ptr<T[]> Vector<T>::newArray(std::int64_t count) {
 
 template <typename T>
 void Vector<T>::copyRun(const T* values, std::int32_t count, T* destination) {
+  if (count < 1 || values == destination) {
+    return;  // for no elements there may be no array
+  }
   if (std::less<const T*>()(values, destination)) {
     std::copy_backward(values, values + count, destination + count);
   } else {
@@ -362,7 +359,7 @@ void Vector<T>::insertRun(std::int32_t index, const T* values, std::int32_t coun
 template <typename T>
 void Vector<T>::removeRun(std::int32_t index, std::int32_t count) {
   T* const place = elements_.get() + index;
-  std::copy_n(place + count, size_ - index - count, place);
+  copyRun(place + count, size_ - index - count, place);
   size_ -= count;
   cursor_ = 0;
 }

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "tests/support/environment.h"
+#include "tests/support/text_of.h"
 
 namespace {
 
@@ -19,10 +20,6 @@ constexpr std::time_t autumnNoon  = 1794744280;        // 2026-11-15 12:04:40, a
 constexpr std::time_t winterNight = 1044068709;        // 2003-02-01 03:05:09, a Saturday
 constexpr std::time_t lastMoment = 67768036191676799;  // 2147485547-12-31, 2^31 - 1 years past 1900
 constexpr std::time_t noSuchMoment = std::numeric_limits<std::time_t>::max();
-
-std::string textOf(const String& text) {
-  return {text.text(), static_cast<std::size_t>(text.length())};
-}
 
 // `format` in universal time.
 std::string formatted(std::time_t moment, const char* pattern) {

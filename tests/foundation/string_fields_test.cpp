@@ -1,8 +1,10 @@
+#include "foundation/string.h"
+
 #include <gtest/gtest.h>
+#include <initializer_list>
 #include <limits>
 #include <string>
 
-#include "foundation/string.h"
 #include "tests/support/thrown_text.h"
 
 namespace {
@@ -141,6 +143,21 @@ TEST(StringFields, ANegativeWidthIsAParameterError) {
   EXPECT_EQ(thrownText([&] { text.setField(std::int32_t{1}, -1, ""); }), parameterText);
   EXPECT_EQ(thrownText([&] { text.appendField(2.5, -1, ""); }), parameterText);
   EXPECT_EQ(thrownText([&] { text.appendField(String("ab"), -1, ""); }), parameterText);
+
+  EXPECT_EQ(text, "old");
+}
+
+TEST(StringFields, ANullTextOrFormatIsAParameterError) {
+  const char* const parameterText = "ERROR: String parameter is invalid";
+  const char* const missing       = nullptr;
+  String text("old");
+
+  EXPECT_EQ(thrownText([&] { text.setField(missing, 3, ""); }), parameterText);
+  EXPECT_EQ(thrownText([&] { text.appendField(missing, 3, ""); }), parameterText);
+  EXPECT_EQ(thrownText([&] { text.setField("ab", 3, missing); }), parameterText);
+  EXPECT_EQ(thrownText([&] { text.setField('x', 3, missing); }), parameterText);
+  EXPECT_EQ(thrownText([&] { text.appendField(std::int32_t{1}, 3, missing); }), parameterText);
+  EXPECT_EQ(thrownText([&] { text.appendField(2.5, 3, missing); }), parameterText);
 
   EXPECT_EQ(text, "old");
 }

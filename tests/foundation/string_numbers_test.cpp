@@ -1,10 +1,11 @@
+#include "foundation/string.h"
+
 #include <cmath>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <initializer_list>
 #include <limits>
 #include <string>
-
-#include "foundation/string.h"
 
 namespace {
 

@@ -286,11 +286,16 @@ TEST(StringScanner, EveryOperationIsSafeOnAnEmptyText) {
   EXPECT_EQ(scanner.index(), 0);
 }
 
-TEST(StringScanner, ReadingIntoTheScannedStringIsAParameterError) {
+TEST(StringScanner, ReadingIntoTheScannedStringIsAParameterErrorAndMovesNothing) {
+  const char* const parameterText = "ERROR: String parameter is invalid";
   String text("one two");
   StringScanner scanner(text);
+  ASSERT_TRUE(scanner.moveTo(3));  // at white space
 
-  EXPECT_EQ(thrownText([&] { scanner.readWord(text); }), "ERROR: String parameter is invalid");
+  EXPECT_EQ(thrownText([&] { scanner.readWord(text); }), parameterText);
+  EXPECT_EQ(thrownText([&] { scanner.readUpTo('w', text); }), parameterText);
+  EXPECT_EQ(thrownText([&] { scanner.readRest(text); }), parameterText);
 
+  EXPECT_EQ(scanner.index(), 3);
   EXPECT_EQ(text, "one two");
 }
