@@ -5,10 +5,13 @@
 #include <sys/stat.h>
 #include <utility>
 
+#include "foundation/directory.h"
+
 namespace Tessaly {
 namespace {
 
-// A file of up to this many bytes is read whole, with one system read; traces are smaller.
+// A file of up to this many bytes is read whole, with one system read; traces are smaller. Of a
+// file that gives its size as 0, at most this many bytes are looked for.
 constexpr std::int64_t wholeFileLimit = 1 << 20;
 // Larger files are read in windows that start at multiples of this many bytes.
 constexpr std::int64_t windowStep = 1 << 16;
@@ -16,9 +19,7 @@ constexpr std::int64_t windowStep = 1 << 16;
 /// Size of the regular file under the path in bytes; -1 when there is none.
 std::int64_t sizeOfRegularFile(const char* path) {
   struct stat status;
-  if (stat(path, &status) != 0 || !S_ISREG(status.st_mode)) return -1;
-  // Files that the kernel makes up while they are read claim to be empty; the reading tells.
-  return status.st_size == 0 ? wholeFileLimit : status.st_size;
+  return stat(path, &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : -1;
 }
 
 }  // namespace
@@ -50,17 +51,16 @@ bool FileReader::open(const char* path) {
   if (size >= 0) std::ifstream::open(path, std::ios::in | std::ios::binary);
   clear();
   if (!is_open()) return false;
-  fileSize_ = size;
+  // Files that the kernel makes up while they are read claim to be empty, as empty files do: the
+  // limit stands in for the size until the first read finds the end. Without a block none is made.
+  fileSize_ = size == 0 && blockSize_ > 0 ? wholeFileLimit : size;
   if (!showBlock(0)) enterBlock(0, 0);
   return true;
 }
 
-bool FileReader::exists(const String& path) { return exists(path.text()); }
+bool FileReader::exists(const String& path) { return Directory::exists(path); }
 
-bool FileReader::exists(const char* path) {
-  struct stat status;
-  return stat(path, &status) == 0;
-}
+bool FileReader::exists(const char* path) { return Directory::exists(path); }
 
 bool FileReader::seek(std::int32_t position) {
   if (position < 0 || blockSize_ == 0) return false;
@@ -85,12 +85,6 @@ std::int32_t FileReader::tell() const {
                                    static_cast<std::uint32_t>(cursor_));
 }
 
-std::int64_t FileReader::bytesLeft() const {
-  if (blockSize_ == 0) return 0;
-  const std::int64_t behindBlock = atEnd_ || !is_open() ? 0 : fileSize_ - nextOffset_;
-  return unreadCount() + std::max<std::int64_t>(behindBlock, 0);
-}
-
 /// Shows the next block; false when that brings no further byte.
 bool FileReader::refill() {
   if (atEnd_) return false;
@@ -107,24 +101,39 @@ bool FileReader::showBlock(std::int64_t offset) {
   const bool inWindow = offset >= windowOffset_ && wantedEnd <= windowOffset_ + windowBytes_;
   if (offset < wantedEnd && !inWindow && !loadWindow(offset)) return false;
 
-  // Loading may have found the file shorter than it was.
-  const std::int64_t blockEnd = std::min(wantedEnd, fileSize_);
+  // The window may have ended early: the file has become shorter, or can not be read on.
+  const std::int64_t blockEnd = std::min(wantedEnd, windowOffset_ + windowBytes_);
   enterBlock(offset, static_cast<std::int32_t>(std::max<std::int64_t>(blockEnd - offset, 0)));
   return true;
 }
 
 /// Reads the window in which the block at `offset` lies, or as much of it as the file has.
 bool FileReader::loadWindow(std::int64_t offset) {
+  const std::int64_t blockBytes = std::min<std::int64_t>(blockSize_, fileSize_ - offset);
+  if (isDamaged_) return readWindow(offset, blockBytes);
+
   const bool whole          = fileSize_ <= wholeFileLimit;
   const std::int64_t start  = whole ? 0 : offset / windowStep * windowStep;
   const std::int64_t wanted = whole ? fileSize_  // else: room for a block that starts in the window
                                     : std::min(windowStep + blockSize_, fileSize_ - start);
+  if (!readWindow(start, wanted)) return false;
+  // An error anywhere in a window loses all of it, since the library does not tell how far it came.
+  // Blocks without an error of their own must not go with it: each is a window from here on.
+  if (isDamaged_) readWindow(offset, blockBytes);
+  return true;
+}
+
+/// Makes `wanted` bytes from `start` on the window, or as many as can be read. False, with the
+/// window as it was, when there is no memory or no such place.
+bool FileReader::readWindow(std::int64_t start, std::int64_t wanted) {
   std::unique_ptr<char[]> room;
   if (wanted > bufferSize_) {
     room.reset(new (std::nothrow) char[static_cast<std::size_t>(wanted)]);
     if (!room) return false;
   }
-  if (start != windowOffset_ + windowBytes_ && !seekg(start)) {
+  // After an error nobody knows where the stream stands.
+  const bool standsThere = start == windowOffset_ + windowBytes_ && !isDamaged_;
+  if (!standsThere && !seekg(start)) {
     clear();
     return false;
   }
@@ -135,7 +144,11 @@ bool FileReader::loadWindow(std::int64_t offset) {
   read(buffer_.get(), wanted);
   windowOffset_ = start;
   windowBytes_  = gcount();
-  if (windowBytes_ < wanted) fileSize_ = start + windowBytes_;
+  if (bad()) {
+    isDamaged_ = true;
+  } else if (windowBytes_ < wanted) {
+    fileSize_ = start + windowBytes_;
+  }
   clear();
   return true;
 }
@@ -151,6 +164,7 @@ void FileReader::enterBlock(std::int64_t offset, std::int32_t byteCount) {
 
 void FileReader::forgetFile() {
   setBufferSize(blockSize_);
+  isDamaged_ = false;
   block_ = blockBytes_ = lineCount_ = 0;
   nextOffset_ = fileSize_ = windowOffset_ = 0;
 }

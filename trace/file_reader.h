@@ -16,10 +16,14 @@ namespace Tessaly {
 /// values in the byte order of the host. The reader shows the file one block of `blockSize` bytes
 /// at a time; the block is a view into a larger window of the file that the reader owns, so that
 /// moving about in a trace of ordinary size costs one system read. The size of the file is taken
-/// when it is opened. A reader with a block size of 0 finds nothing in any file.
-/// Errors: a false result or a short count; nothing is printed or thrown. A value that the file can
-/// not complete is a false result and leaves the output as it was. Where the block in view is the
-/// last one, the bytes of such a value stay unread; otherwise they are used up.
+/// when it is opened; where the system gives it as 0, as it does for files that the kernel makes up
+/// while they are read, up to 1 MiB is read. A reader with a block size of 0 finds nothing in any
+/// file.
+/// Errors: a false result or a short count; nothing is printed. Nothing is thrown either, except
+/// that the operations which fill a String let pass what it throws when memory is out. A value that
+/// the file can not complete is a false result and leaves the output as it was. Where the block in
+/// view is the last one, the bytes of such a value stay unread; otherwise they are used up. A block
+/// in which the file can not be read is an empty one; others are read all the same.
 /// Use: construct, open, read, close or destroy. Do not mix in reads of the inherited stream.
 class FileReader : public std::ifstream {
  public:
@@ -46,11 +50,10 @@ class FileReader : public std::ifstream {
   bool seek(std::int32_t position);
   /// Block size times `block` plus the place in the block: see seek() for when it is no position.
   std::int32_t tell() const;
-  /// Bytes that reading on from here could still deliver.
-  std::int64_t bytesLeft() const;
 
-  /// Bytes of the file when it was opened; 0 without a file.
-  std::int64_t fileSize() const { return fileSize_; }
+  /// Bytes of the open file: as many as it had when it was opened, or up to where reading has found
+  /// its end since; 0 without an open file.
+  std::int64_t fileSize() const { return is_open() ? fileSize_ : 0; }
   std::int32_t blockSize() const { return blockSize_; }
   std::int32_t block() const { return block_; }
   std::int32_t blockBytes() const { return blockBytes_; }
@@ -119,8 +122,10 @@ class FileReader : public std::ifstream {
   bool refill();
   bool showBlock(std::int64_t offset);
   bool loadWindow(std::int64_t offset);
+  bool readWindow(std::int64_t start, std::int64_t wanted);
   void enterBlock(std::int64_t offset, std::int32_t byteCount);
   void forgetFile();
+  void countLineFeed();
 
   std::int32_t takeBytes(void* destination, std::int32_t count);
   bool takeWhole(void* destination, std::int32_t size);
@@ -143,10 +148,11 @@ class FileReader : public std::ifstream {
 
   const char* blockStart_    = nullptr;  // first byte of the block in view
   std::int64_t nextOffset_   = 0;        // file offset at which the next refill reads
-  std::int64_t fileSize_     = 0;        // bytes; 0 without a file
+  std::int64_t fileSize_     = 0;        // bytes that reading may count on
   std::int64_t windowOffset_ = 0;        // file offset of the window's first byte
   std::int64_t windowBytes_  = 0;        // valid bytes in the window
   std::int64_t bufferSize_   = 0;        // bytes that the window has room for
+  bool isDamaged_            = false;    // reading this file has failed: windows are single blocks
 };
 
 }  // namespace Tessaly

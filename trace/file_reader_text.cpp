@@ -1,17 +1,16 @@
+#include "trace/file_reader.h"
+
+// Texts, lines and words.
+
 #include <algorithm>
 #include <cstring>
 
-#include "trace/file_reader.h"
-
 namespace Tessaly {
-namespace {
 
-/// White space of the C locale, whatever locale is set.
-bool isWhiteSpace(char character) {
-  return character == ' ' || (character >= '\t' && character <= '\r');
+void FileReader::countLineFeed() {
+  // Modulo 2^32, for a file of more lines than that.
+  lineCount_ = static_cast<std::int32_t>(static_cast<std::uint32_t>(lineCount_) + 1);
 }
-
-}  // namespace
 
 /// Appends up to `count` bytes, a block at a time: a count that the file does not back costs
 /// nothing.
@@ -66,7 +65,7 @@ bool FileReader::readLine(String& line) {
   // since only the next block tells that nothing follows.
   if (hasEnded()) return false;
   line.clear();
-  if (appendUntil(line, '\n')) ++lineCount_;
+  if (appendUntil(line, '\n')) countLineFeed();
   return true;
 }
 
@@ -100,7 +99,7 @@ bool FileReader::skipWhiteSpace() {
     for (; cursor_ < end_; ++cursor_) {
       const char character = *unread();
       if (!isWhiteSpace(character)) return true;
-      if (character == '\n') ++lineCount_;
+      if (character == '\n') countLineFeed();
     }
   }
   return false;

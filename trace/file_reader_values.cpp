@@ -1,9 +1,12 @@
+#include "trace/file_reader.h"
+
+// Single values, runs of bytes and arrays.
+
 #include <algorithm>
 #include <concepts>
 #include <cstring>
 
 #include "foundation/big_endian.h"
-#include "trace/file_reader.h"
 
 namespace Tessaly {
 namespace {

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 #include "foundation/big_endian.h"
 #include "foundation/scf_layout.h"
@@ -188,16 +189,13 @@ void TraceFile::readScfSamples3(std::int32_t sampleSize) {
 }
 
 void TraceFile::readScfBases3() {
-  // One run of the A probabilities, then those of C, of G and of T.
+  // One run of the A probabilities, then those of C, of G and of T. What is left of a peak that the
+  // file cuts lands among them, but then no letter calls for it.
   const std::size_t count  = baseCount_;
   const auto probabilities = std::make_unique_for_overwrite<char[]>(4 * count);
-  if (fill(peaks_.get(), count) == count) {
-    fill(probabilities.get(), 4 * count);
-    fill(bases_.get(), count);
-  } else {  // what is left of the peak that the file cuts is no probability
-    std::fill_n(probabilities.get(), 4 * count, '\0');
-    std::fill_n(bases_.get(), count, '\0');
-  }
+  fill(peaks_.get(), count);
+  fill(probabilities.get(), 4 * count);
+  fill(bases_.get(), count);
   for (std::size_t i = 0; i < count; ++i) {
     const std::int32_t channel = channelIndex(bases_[i]);
     qualities_[i] =
@@ -205,14 +203,19 @@ void TraceFile::readScfBases3() {
   }
 }
 
-// Deliberate: the search ends where the file does, not where the comments do.
+// Deliberate: the search ends where the file does, not where the comments do. Of the lines before,
+// none is kept: what follows the comments may be one endless line.
 void TraceFile::readScfComments() {
-  const Tessaly::String label("BCAL=");
-  Tessaly::String line;
-  while (readLine(line)) {
-    if (!line.startsWith(label)) continue;
-    callerName_.setTail(line, label.length());
-    return;
+  constexpr std::string_view label = "BCAL=";
+  std::size_t matched              = 0;  // characters at the start of the line
+  for (std::int8_t character = 0; readInt8(character);) {
+    if (character == label[matched]) {
+      if (++matched < label.size()) continue;
+      readLine(callerName_);
+      return;
+    }
+    matched = 0;
+    if (character != '\n' && !skipUntil('\n')) return;
   }
 }
 

@@ -15,7 +15,7 @@ constexpr signed char largestPlaceholderQuality = 9;
 // Reads through `read(destination, count)`, which takes signed counts and returns how many values
 // it got, and puts zeros into the rest.
 template <typename Value, typename Read>
-std::size_t readThenZero(Value* destination, std::size_t count, Read read) {
+void readThenZero(Value* destination, std::size_t count, Read read) {
   constexpr std::size_t largestRead = std::size_t{1} << 30;
   std::size_t held                  = 0;
   while (held < count) {
@@ -26,7 +26,6 @@ std::size_t readThenZero(Value* destination, std::size_t count, Read read) {
     if (got < wanted) break;
   }
   std::fill(destination + held, destination + count, Value{0});
-  return held;
 }
 
 }  // namespace
@@ -100,19 +99,18 @@ bool TraceFile::isBacked(std::uint32_t count, std::int64_t offset, std::int64_t 
   return count <= unbackedCountLimit || (offset >= 0 && offset + byteCount <= fileSize());
 }
 
-std::size_t TraceFile::fill(char* destination, std::size_t count) {
-  return readThenZero(destination, count,
-                      [this](char* to, std::int32_t n) { return readBytes(to, n); });
+void TraceFile::fill(char* destination, std::size_t count) {
+  readThenZero(destination, count, [this](char* to, std::int32_t n) { return readBytes(to, n); });
 }
 
-std::size_t TraceFile::fill(std::uint16_t* destination, std::size_t count) {
-  return readThenZero(destination, count,
-                      [this](std::uint16_t* to, std::int32_t n) { return readUInt16Array(to, n); });
+void TraceFile::fill(std::uint16_t* destination, std::size_t count) {
+  readThenZero(destination, count,
+               [this](std::uint16_t* to, std::int32_t n) { return readUInt16Array(to, n); });
 }
 
-std::size_t TraceFile::fill(std::uint32_t* destination, std::size_t count) {
-  return readThenZero(destination, count,
-                      [this](std::uint32_t* to, std::int32_t n) { return readUInt32Array(to, n); });
+void TraceFile::fill(std::uint32_t* destination, std::size_t count) {
+  readThenZero(destination, count,
+               [this](std::uint32_t* to, std::int32_t n) { return readUInt32Array(to, n); });
 }
 
 }  // namespace Quillet

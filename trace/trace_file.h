@@ -80,11 +80,10 @@ class TraceFile : public Tessaly::FileReader {
   /// Whether `count` entries may be taken for true: few, or `byteCount` bytes from `offset` on.
   bool isBacked(std::uint32_t count, std::int64_t offset, std::int64_t byteCount) const;
 
-  // Read `count` values from where the reader stands, with zeros from where the file ends; the
-  // result is the number of values that the file held.
-  std::size_t fill(char* destination, std::size_t count);
-  std::size_t fill(std::uint16_t* destination, std::size_t count);
-  std::size_t fill(std::uint32_t* destination, std::size_t count);
+  // Read `count` values from where the reader stands, with zeros from where the file ends.
+  void fill(char* destination, std::size_t count);
+  void fill(std::uint16_t* destination, std::size_t count);
+  void fill(std::uint32_t* destination, std::size_t count);
 
   std::uint32_t pointCount_ = 0;
   std::unique_ptr<std::uint16_t[]> channels_[4];

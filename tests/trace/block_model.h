@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -33,11 +32,6 @@ class BlockModel {
   bool atEnd() const { return atEnd_; }
   std::int32_t tell() const {  // modulo 2^32
     return static_cast<std::int32_t>(std::int64_t{blockSize_} * block_ + cursor_);
-  }
-  /// How often reading a single byte would succeed from here.
-  std::int64_t bytesLeft() const {
-    const std::int64_t inBlock = std::max<std::int64_t>(end() - cursor_, 0);
-    return inBlock + (atEnd_ ? 0 : std::max<std::int64_t>(fileSize() - stream_, 0));
   }
 
   bool seek(std::int32_t position) {

@@ -306,7 +306,6 @@ void compareWithBlockModel(const Tessaly::String& path, const std::string& file,
     ASSERT_EQ(subject.reader.blockBytes(), model.blockBytes());
     ASSERT_EQ(subject.reader.atEnd(), model.atEnd());
     ASSERT_EQ(subject.reader.lineCount(), model.lineCount());
-    ASSERT_EQ(subject.reader.bytesLeft(), model.bytesLeft());
     ASSERT_TRUE(subject.reader.good());
     if (dice.below(200) == 0) {
       const std::int32_t size = sizeNumber(1 + dice.below(sizeNumbers));

@@ -1,11 +1,17 @@
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <string>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "tests/support/scratch_folder.h"
+#include "tests/support/text_of.h"
+#include "tests/trace/counting_bytes.h"
+#include "tests/trace/single_bytes.h"
 #include "trace/file_reader.h"
 
 // Opening and closing, and files that change while they are open.
@@ -14,26 +20,35 @@ namespace {
 
 using Tessaly::FileReader;
 
-/// `size` bytes that count upwards and start again at `cycle`, so that each tells where it stands.
-std::string countingBytes(int size, int cycle) {
-  std::string bytes;
-  for (int i = 0; i < size; ++i) bytes += static_cast<char>(i % cycle);
-  return bytes;
-}
+/// This process's memory as a file. Its size is given as 0, and it can be read where memory is.
+const char* const ownMemory     = "/proc/self/mem";
+constexpr std::int32_t mebibyte = 1'048'576;  // bytes
 
-int byteAt(FileReader& reader, std::int32_t position) {
-  std::uint8_t value = 0;
-  return reader.readUInt8At(position, value) ? value : -1;
-}
+/// Memory of zeros at a given address, if the system gives it; where it ends, none follows.
+class Memory {
+ public:
+  Memory(std::uintptr_t address, std::int32_t size)
+      : wanted_(reinterpret_cast<void*>(address)),
+        size_(static_cast<std::size_t>(size)),
+        start_(mmap(wanted_, size_, PROT_READ,
+                    MAP_PRIVATE | MAP_ANONYMOUS | (address == 0 ? MAP_FIXED : 0), -1, 0)) {}
+  ~Memory() {
+    if (start_ != MAP_FAILED) munmap(start_, size_);
+  }
+  Memory(const Memory&)            = delete;
+  Memory& operator=(const Memory&) = delete;
 
-int nextByte(FileReader& reader) {
-  std::uint8_t value = 0;
-  return reader.readUInt8(value) ? value : -1;
-}
+  bool isReadable() const {
+    return start_ == wanted_ && std::ifstream(ownMemory, std::ios::binary).is_open();
+  }
 
-std::string textOf(const Tessaly::String& text) {
-  return {text.text(), static_cast<std::size_t>(text.length())};
-}
+ private:
+  void* wanted_;
+  std::size_t size_;
+  void* start_;
+};
+
+std::int32_t pageSize() { return static_cast<std::int32_t>(sysconf(_SC_PAGESIZE)); }
 
 TEST(FileReaderOpen, OpenTakesCharacterTextToo) {
   ScratchFolder folder;
@@ -55,7 +70,6 @@ TEST(FileReaderOpen, AFailedOpenLeavesNothingToReadAndAClearState) {
   EXPECT_FALSE(reader.is_open());
   EXPECT_EQ(nextByte(reader), -1);
   EXPECT_FALSE(reader.seek(5000));
-  EXPECT_EQ(reader.bytesLeft(), 0);
 }
 
 TEST(FileReaderOpen, OpenRefusesADirectory) {
@@ -110,7 +124,6 @@ TEST(FileReaderOpen, AnEmptyFileOpensAndHoldsNothing) {
   EXPECT_TRUE(reader.atEnd());
   EXPECT_EQ(nextByte(reader), -1);
   EXPECT_EQ(byteAt(reader, 0), -1);
-  EXPECT_EQ(reader.bytesLeft(), 0);
 }
 
 TEST(FileReaderOpen, AReaderCanOpenASecondFile) {
@@ -136,6 +149,45 @@ TEST(FileReaderOpen, AFailedOpenGivesUpTheFormerFile) {
   EXPECT_FALSE(reader.open(folder.at("missing")));
 
   EXPECT_EQ(nextByte(reader), -1);
+}
+
+TEST(FileReaderOpen, AFailedOpenCountsLinesAfreshToo) {
+  ScratchFolder folder;
+  FileReader reader;
+  ASSERT_TRUE(reader.open(folder.write("first", "a\nb\n")));
+  Tessaly::String line;
+  ASSERT_TRUE(reader.readLine(line));
+  ASSERT_EQ(reader.lineCount(), 1);
+
+  EXPECT_FALSE(reader.open(folder.at("missing")));
+
+  EXPECT_EQ(reader.lineCount(), 0);
+}
+
+TEST(FileReaderOpen, TheFileSizeIsThatOfTheOpenFile) {
+  ScratchFolder folder;
+  FileReader reader;
+  EXPECT_EQ(reader.fileSize(), 0);
+
+  ASSERT_TRUE(reader.open(folder.write("file", "abcdefgh")));
+  EXPECT_EQ(reader.fileSize(), 8);
+  reader.close();
+  EXPECT_EQ(reader.fileSize(), 0);
+
+  ASSERT_TRUE(reader.open(folder.at("file")));
+  EXPECT_FALSE(reader.open(folder.at("missing")));
+  EXPECT_EQ(reader.fileSize(), 0);
+}
+
+TEST(FileReaderOpen, AnEmptyFileHasASizeOfZeroWhateverTheBlockSize) {
+  ScratchFolder folder;
+  const Tessaly::String path = folder.write("empty", "");
+  for (const std::int32_t blockSize : {0, 1, 1024}) {
+    FileReader reader(blockSize);
+    ASSERT_TRUE(reader.open(path));
+
+    EXPECT_EQ(reader.fileSize(), 0) << blockSize;
+  }
 }
 
 TEST(FileReaderOpen, AClosedReaderStillShowsItsBlockAndNoMore) {
@@ -178,22 +230,24 @@ TEST(FileReaderOpen, AFileOfOrdinarySizeIsReadOnceWhateverTheMoves) {
 
 TEST(FileReaderOpen, AFileThatShrinksWhileItIsReadEndsWhereItEndsNow) {
   ScratchFolder folder;
-  const Tessaly::String path = folder.write("file", countingBytes(2'000'000, 251));
+  const Tessaly::String path = folder.write("file", countingBytes(2'000'000));
   FileReader reader;
   ASSERT_TRUE(reader.open(path));
 
   std::filesystem::resize_file(path.text(), 1'000'000);
 
+  EXPECT_EQ(reader.fileSize(), 2'000'000);
   EXPECT_EQ(byteAt(reader, 1'900'000), -1);
   EXPECT_EQ(byteAt(reader, 1'000'000), -1);
-  EXPECT_EQ(byteAt(reader, 999'999), 15);  // 3984 x 251 = 999984
+  EXPECT_EQ(reader.fileSize(), 1'000'000);  // found out by reading
+  EXPECT_EQ(byteAt(reader, 999'999), 15);   // 3984 x 251 = 999984
   EXPECT_EQ(nextByte(reader), -1);
   EXPECT_TRUE(reader.good());
 }
 
 TEST(FileReaderOpen, WhatIsAddedToAnOpenFileIsNotRead) {
   ScratchFolder folder;
-  const Tessaly::String path = folder.write("file", countingBytes(2'000'000, 251));
+  const Tessaly::String path = folder.write("file", countingBytes(2'000'000));
   FileReader reader;
   ASSERT_TRUE(reader.open(path));
 
@@ -214,6 +268,64 @@ TEST(FileReaderOpen, AFileThatClaimsToBeEmptyIsReadForWhatItHolds) {
   Tessaly::String word;
   EXPECT_TRUE(reader.readWord(word));
   EXPECT_EQ(textOf(word), "Name:");
+}
+
+TEST(FileReaderOpen, TheSizeOfAFileThatClaimsToBeEmptyIsWhatItHolds) {
+  const char* const madeUp = "/proc/self/cmdline";
+  std::ifstream stream(madeUp, std::ios::binary);
+  if (!stream.is_open()) GTEST_SKIP() << "no such file system here";
+  const std::string contents{std::istreambuf_iterator<char>(stream), {}};
+
+  FileReader reader;
+  ASSERT_TRUE(reader.open(madeUp));
+
+  EXPECT_EQ(reader.fileSize(), static_cast<std::int64_t>(contents.size()));
+}
+
+TEST(FileReaderOpen, AFileThatClaimsToBeEmptyIsReadUpToAMebibyte) {
+  const std::int32_t start = mebibyte - pageSize();
+  const Memory memory(static_cast<std::uintptr_t>(start), 2 * pageSize());
+  if (!memory.isReadable()) GTEST_SKIP() << "no memory at the address, or no such file";
+
+  FileReader reader;
+  ASSERT_TRUE(reader.open(ownMemory));
+  std::string bytes(static_cast<std::size_t>(2 * pageSize()), '?');
+  const std::int32_t count = reader.readBytesAt(start, bytes.data(), 2 * pageSize());
+
+  EXPECT_EQ(count, pageSize());
+}
+
+TEST(FileReaderOpen, BlocksBehindAnErrorAreRead) {
+  constexpr std::int32_t start = 0x40000;  // nothing can be read before it
+  const Memory memory(start, pageSize());
+  if (!memory.isReadable()) GTEST_SKIP() << "no memory at the address, or no such file";
+
+  FileReader reader;
+  ASSERT_TRUE(reader.open(ownMemory));
+  EXPECT_TRUE(reader.good());
+  EXPECT_EQ(nextByte(reader), -1);
+  std::string bytes(static_cast<std::size_t>(2 * pageSize()), '?');
+  const std::int32_t count = reader.readBytesAt(start, bytes.data(), 2 * pageSize());
+
+  EXPECT_EQ(count, pageSize());
+  EXPECT_EQ(bytes.find_first_not_of('\0'), static_cast<std::size_t>(pageSize()));
+  EXPECT_EQ(byteAt(reader, start - 1), -1);
+  EXPECT_EQ(byteAt(reader, start + 5), 0);  // and once more
+}
+
+// Only a superuser may have memory at address 0.
+TEST(FileReaderOpen, BlocksBeforeAnErrorAreRead) {
+  const Memory memory(0, pageSize());
+  if (!memory.isReadable()) GTEST_SKIP() << "no memory at the address, or no such file";
+
+  FileReader reader;
+  ASSERT_TRUE(reader.open(ownMemory));
+  std::string bytes(static_cast<std::size_t>(2 * pageSize()), '?');
+  const std::int32_t count = reader.readBytes(bytes.data(), 2 * pageSize());
+
+  EXPECT_EQ(count, pageSize());
+  EXPECT_EQ(bytes.find_first_not_of('\0'), static_cast<std::size_t>(pageSize()));
+  EXPECT_TRUE(reader.good());
 }
 
 }  // namespace

@@ -5,33 +5,15 @@
 #include <string>
 
 #include "tests/support/scratch_folder.h"
+#include "tests/support/text_of.h"
+#include "tests/trace/counting_bytes.h"
+#include "tests/trace/single_bytes.h"
 
 // Blocks and positions. Opening, values and texts have tests of their own.
 
 namespace {
 
 using Tessaly::FileReader;
-
-/// `size` bytes that count upwards and start again at `cycle`, so that each tells where it stands.
-std::string countingBytes(int size, int cycle) {
-  std::string bytes;
-  for (int i = 0; i < size; ++i) bytes += static_cast<char>(i % cycle);
-  return bytes;
-}
-
-int byteAt(FileReader& reader, std::int32_t position) {
-  std::uint8_t value = 0;
-  return reader.readUInt8At(position, value) ? value : -1;
-}
-
-int nextByte(FileReader& reader) {
-  std::uint8_t value = 0;
-  return reader.readUInt8(value) ? value : -1;
-}
-
-std::string textOf(const Tessaly::String& text) {
-  return {text.text(), static_cast<std::size_t>(text.length())};
-}
 
 TEST(FileReader, ANewReaderHasAKilobyteBlockAndNothingRead) {
   FileReader reader;
@@ -46,7 +28,7 @@ TEST(FileReader, ANewReaderHasAKilobyteBlockAndNothingRead) {
 
 TEST(FileReader, OpenShowsBlockZero) {
   ScratchFolder folder;
-  const Tessaly::String path = folder.write("file", countingBytes(10, 251));
+  const Tessaly::String path = folder.write("file", countingBytes(10));
 
   FileReader reader(4);
   ASSERT_TRUE(reader.open(path));
@@ -61,7 +43,7 @@ TEST(FileReader, OpenShowsBlockZero) {
 TEST(FileReader, ASeekToANegativePositionFailsAndLeavesThePosition) {
   ScratchFolder folder;
   FileReader reader(4);
-  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(40, 251))));
+  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(40))));
   ASSERT_TRUE(reader.seek(9));
 
   EXPECT_FALSE(reader.seek(-1));
@@ -73,7 +55,7 @@ TEST(FileReader, ASeekToANegativePositionFailsAndLeavesThePosition) {
 TEST(FileReader, SeekMovesForwardsBackwardsAndWithinABlock) {
   ScratchFolder folder;
   FileReader reader;
-  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(5000, 251))));
+  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(5000))));
 
   EXPECT_EQ(byteAt(reader, 4999), 230);  // 19 x 251 = 4769
   EXPECT_EQ(byteAt(reader, 0), 0);
@@ -85,13 +67,12 @@ TEST(FileReader, SeekMovesForwardsBackwardsAndWithinABlock) {
 TEST(FileReader, ASeekBehindTheEndIsAMoveAndThereIsNothingToRead) {
   ScratchFolder folder;
   FileReader reader(8);
-  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(10, 251))));
+  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(10))));
 
   EXPECT_TRUE(reader.seek(13));  // in the last block, behind its two bytes
   EXPECT_EQ(nextByte(reader), -1);
   EXPECT_TRUE(reader.seek(std::numeric_limits<std::int32_t>::max()));
   EXPECT_EQ(nextByte(reader), -1);
-  EXPECT_EQ(reader.bytesLeft(), 0);
 
   EXPECT_EQ(byteAt(reader, 9), 9);  // and the way back is open
 }
@@ -99,7 +80,7 @@ TEST(FileReader, ASeekBehindTheEndIsAMoveAndThereIsNothingToRead) {
 TEST(FileReader, AfterASeekTheBlockNumberIsTheBytePositionOfTheBlock) {
   ScratchFolder folder;
   FileReader reader(4);
-  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(64, 251))));
+  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(64))));
 
   ASSERT_TRUE(reader.seek(9));  // block 2 starts at byte 8
 
@@ -111,7 +92,7 @@ TEST(FileReader, AfterASeekTheBlockNumberIsTheBytePositionOfTheBlock) {
 TEST(FileReader, ASeekToTheBlockWhoseNumberEqualsTheStoredPositionKeepsTheOldBlock) {
   ScratchFolder folder;
   FileReader reader(4);
-  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(64, 251))));
+  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(64))));
   ASSERT_TRUE(reader.seek(4));  // bytes 4 to 7, stored as block 4
 
   EXPECT_EQ(byteAt(reader, 17), 5);   // block 4 by number: bytes 4 to 7 stay in view
@@ -122,7 +103,7 @@ TEST(FileReader, ASeekToTheBlockWhoseNumberEqualsTheStoredPositionKeepsTheOldBlo
 TEST(FileReader, TheRefillAfterAKeptBlockGoesOnBehindTheBlockThatWasReadLast) {
   ScratchFolder folder;
   FileReader reader(4);
-  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(64, 251))));
+  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(64))));
   ASSERT_TRUE(reader.seek(4));
   ASSERT_TRUE(reader.seek(19));  // kept: stands on byte 7
 
@@ -134,7 +115,7 @@ TEST(FileReader, TheRefillAfterAKeptBlockGoesOnBehindTheBlockThatWasReadLast) {
 TEST(FileReader, AFileOverAMebibyteShowsTheOldBlockWhereNumberAndPositionMeet) {
   ScratchFolder folder;
   FileReader reader;
-  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(1'100'000, 251))));
+  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(1'100'000))));
   ASSERT_TRUE(reader.seek(1024));
 
   EXPECT_EQ(byteAt(reader, 1'048'581), 25);  // in block 1024: byte 1029 = 4 x 251 + 25 is shown
@@ -146,7 +127,7 @@ TEST(FileReader, AFileOverAMebibyteShowsTheOldBlockWhereNumberAndPositionMeet) {
 TEST(FileReader, WithoutASeekTellIsTheFilePosition) {
   ScratchFolder folder;
   FileReader reader(4);
-  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(64, 251))));
+  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(64))));
 
   char bytes[6];
   ASSERT_EQ(reader.readBytes(bytes, 6), 6);
@@ -174,7 +155,7 @@ TEST(FileReader, AFullLastBlockIsNotYetTheEnd) {
 TEST(FileReader, SetBufferSizeGivesUpTheBlockAndReadsNothing) {
   ScratchFolder folder;
   FileReader reader(4);
-  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(11, 251))));
+  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(11))));
   EXPECT_EQ(nextByte(reader), 0);
 
   reader.setBufferSize(3);
@@ -223,7 +204,6 @@ TEST(FileReader, AReaderWithoutABufferFindsNothing) {
     EXPECT_FALSE(reader.skipUntil('s'));
     EXPECT_FALSE(reader.skipWhiteSpace());
     EXPECT_EQ(reader.tell(), 0);
-    EXPECT_EQ(reader.bytesLeft(), 0);
 
     EXPECT_EQ(value, 7u);
     EXPECT_EQ(textOf(text), "kept");
@@ -252,20 +232,6 @@ TEST(FileReader, AGiantBlockSizeShowsTheWholeFile) {
   EXPECT_EQ(reader.blockBytes(), 3);
   EXPECT_TRUE(reader.atEnd());
   EXPECT_EQ(byteAt(reader, 2), 'c');
-}
-
-TEST(FileReader, BytesLeftCountsFromThePositionAcrossBlocks) {
-  ScratchFolder folder;
-  FileReader reader(4);
-  ASSERT_TRUE(reader.open(folder.write("file", countingBytes(30, 251))));
-  EXPECT_EQ(reader.bytesLeft(), 30);
-
-  ASSERT_TRUE(reader.seek(9));
-  EXPECT_EQ(reader.bytesLeft(), 21);
-  ASSERT_TRUE(reader.seek(29));
-  EXPECT_EQ(reader.bytesLeft(), 1);
-  ASSERT_TRUE(reader.seek(31));
-  EXPECT_EQ(reader.bytesLeft(), 0);
 }
 
 }  // namespace

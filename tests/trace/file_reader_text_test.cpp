@@ -3,16 +3,13 @@
 #include <string>
 
 #include "tests/support/scratch_folder.h"
+#include "tests/support/text_of.h"
 #include "trace/file_reader.h"
 
 namespace {
 
 using Tessaly::FileReader;
 using namespace std::string_literals;
-
-std::string textOf(const Tessaly::String& text) {
-  return {text.text(), static_cast<std::size_t>(text.length())};
-}
 
 class FileReaderText : public testing::Test {
  protected:

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tests/support/scratch_folder.h"
+#include "tests/trace/counting_bytes.h"
 #include "trace/file_reader.h"
 
 namespace {
@@ -17,13 +18,6 @@ using testing::ElementsAre;
 std::string bytes(std::initializer_list<int> values) {
   std::string text;
   for (const int value : values) text += static_cast<char>(value);
-  return text;
-}
-
-/// `size` bytes 0, 1, ... 250, 0, 1, ...: each tells where it stands.
-std::string countingBytes(int size) {
-  std::string text;
-  for (int i = 0; i < size; ++i) text += static_cast<char>(i % 251);
   return text;
 }
 

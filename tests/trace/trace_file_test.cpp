@@ -1,6 +1,10 @@
 #include "trace/trace_file.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "foundation/clock.h"
 #include "tests/support/scratch_folder.h"

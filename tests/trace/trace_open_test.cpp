@@ -2,7 +2,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <string>
 #include <sys/stat.h>
+#include <vector>
 
 #include "tests/support/environment.h"
 #include "tests/support/scratch_folder.h"

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+/// `size` bytes 0, 1, ... 250, 0, 1, ...: each tells where it stands, since 251 divides no block
+/// size.
+inline std::string countingBytes(int size) {
+  std::string bytes;
+  for (int i = 0; i < size; ++i) bytes += static_cast<char>(i % 251);
+  return bytes;
+}
