@@ -1,8 +1,8 @@
 #include "output/file_writer.h"
 
 #include <algorithm>
-#include <cctype>
-#include <sys/stat.h>
+
+#include "foundation/directory.h"
 
 // Opening, closing, and the rules of the buffer.
 
@@ -15,12 +15,14 @@ FileWriter::FileWriter(std::int32_t size) { setBufferSize(size); }
 FileWriter::~FileWriter() = default;
 
 void FileWriter::setBufferSize(std::int32_t size) {
-  bufferSize = std::max(size, 0);
-  // Zero-filled, because trimTrailingSpace() may read bytes that no write has reached yet.
+  const std::int32_t newSize = std::max(size, 0);
+  // Zero-filled, because trimTrailingSpace() may read bytes that no write has reached yet. The
+  // fields follow the allocation, so that they still describe the old buffer when it throws.
   bufferStart =
-      bufferSize == 0 ? nullptr : std::make_unique<char[]>(static_cast<std::size_t>(bufferSize));
-  bufferPos = bufferStart.get();
-  bufferEnd = bufferStart.get() + bufferSize;
+      newSize == 0 ? nullptr : std::make_unique<char[]>(static_cast<std::size_t>(newSize));
+  bufferSize = newSize;
+  bufferPos  = bufferStart.get();
+  bufferEnd  = bufferStart.get() + bufferSize;
 }
 
 bool FileWriter::openFile(const char* path, std::ios_base::openmode mode) {
@@ -53,12 +55,9 @@ void FileWriter::close() {
   if (stream.rdbuf()->close() == nullptr) stream.setstate(std::ios_base::failbit);
 }
 
-bool FileWriter::exists(const String& path) { return exists(path.text()); }
+bool FileWriter::exists(const String& path) { return FileWriter::exists(path.text()); }
 
-bool FileWriter::exists(const char* path) {
-  struct stat information;
-  return stat(path, &information) == 0;
-}
+bool FileWriter::exists(const char* path) { return Directory::exists(path); }
 
 void FileWriter::flush() {
   // In two halves: libstdc++ passes a run of 1024 bytes or more to the system at once, but gathers
@@ -116,10 +115,9 @@ void FileWriter::storeInBlocks(const char* bytes, std::size_t count) {
 void FileWriter::trimTrailingSpace() {
   if (bufferPos == bufferStart.get()) return;
 
-  const auto isSpace = [](char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; };
   do {
     --bufferPos;
-  } while (bufferPos > bufferStart.get() && isSpace(*bufferPos));
+  } while (bufferPos > bufferStart.get() && isWhiteSpace(*bufferPos));
   ++bufferPos;
 
   // Deliberate: the search for a line feed is not bounded by the bytes that were pending. When the

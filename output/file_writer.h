@@ -11,16 +11,19 @@
 namespace Tessaly {
 
 /// The one class that writes files: text, decimal numbers, raw bytes and big-endian binary values,
-/// gathered in a buffer of its own and handed to the stream in blocks of exactly `bufferSize`
-/// bytes.
+/// gathered in a buffer of its own. It is flushed in blocks of exactly `bufferSize` bytes, each
+/// handed over as two stream writes so that the stream gathers several blocks into one system
+/// write: a single write of 1024 bytes or more would go to the system at once.
 ///
 /// Sizes, widths and counts are bytes (array counts: elements); a count of 0 or less writes
 /// nothing. The file's bytes do not depend on the buffer size, as long as that is 1 or more and
 /// trimTrailingSpace() is not used. A number text costs least when the buffer is larger than it. A
 /// writer with a size of 0 (or less, taken as 0) has no buffer: every write is dropped.
 /// Owns the file and the buffer.
-/// Errors: nothing is thrown or printed. open() and openAppend() return false; the stream's state
-/// is never cleared, so that after one failed open, write or close every later open returns false.
+/// Errors: nothing but an allocation failure is thrown, and nothing is printed. open() and
+/// openAppend() return false; the stream's state is never cleared, so that after one failed open,
+/// write or close every later open returns false. That does not mean that the file was left alone:
+/// it is still made or emptied as ever, and only what is written to it is dropped.
 /// Use: open, write, close; then open again if wanted. Without close() the pending bytes are lost.
 class FileWriter {
  public:
@@ -41,7 +44,7 @@ class FileWriter {
   virtual bool openAppend(const String& path);
   virtual bool openAppend(const char* path);
   virtual void close();
-  /// Whether there is anything, of whatever type, at `path`.
+  /// Whether `path` can be stat-ed, whatever its type; a link is followed.
   virtual bool exists(const String& path);
   virtual bool exists(const char* path);
 
@@ -105,12 +108,14 @@ class FileWriter {
   virtual FileWriter& operator<<(std::int32_t value);
   virtual FileWriter& operator<<(double value);
 
-  /// Discards pending bytes.
+  /// Discards pending bytes. When the allocation throws, the writer is as it was.
   void setBufferSize(std::int32_t size);
   void writeRepeated(char character, std::int32_t count);
-  /// Ends the pending bytes behind the first line feed of the white space that they end in; blanks
-  /// before that line feed stay. The first byte of the buffer always stays, and what is already
-  /// flushed is out of reach. Without a line feed there, see the source.
+  /// Ends the pending bytes behind the first line feed in the white space at their end; blanks
+  /// before that line feed stay. Deliberate: without one there, the search runs on over stale bytes
+  /// of the buffer, and all of them up to the line feed, or to the buffer's end, become pending.
+  /// The first byte of the buffer always stays and is not examined, be it white space or a line
+  /// feed; what is already flushed is out of reach.
   void trimTrailingSpace();
 
  private:
@@ -119,9 +124,12 @@ class FileWriter {
   void flush();
   std::size_t fillUpAndFlush(const char* bytes);
 
-  // There are two ways into the buffer. What is *placed* (text and raw bytes) never leaves the
-  // buffer full: it is flushed in the moment it fills up. What is *stored* (single bytes and binary
-  // values) may leave it full, and the next bytes, placed or stored, flush it first.
+  // There are two ways into the buffer. What is *placed* never leaves it full: it is flushed in the
+  // moment it fills up. These are texts, number texts, runs of raw bytes, and the characters of
+  // newline(), writeLine, writeWord, writeWithSeparator and operator<<(char). What is *stored* may
+  // leave it full: write(char), writeByte and the binary values. Whatever comes next, placed or
+  // stored, flushes a full buffer first; so does a text or run of length 0.
+  // Deliberate: write(char) stores, and operator<<(char) places.
   void place(const char* bytes, std::size_t count) {
     if (count < room()) {
       std::memcpy(bufferPos, bytes, count);

@@ -1,14 +1,17 @@
-#include "foundation/big_endian.h"
 #include "output/file_writer.h"
 
 // Raw bytes, big-endian numbers, floating-point numbers as they lie in memory, terminated text.
+
+#include "foundation/big_endian.h"
 
 namespace Tessaly {
 
 void FileWriter::writeByte(char byte) { store({byte}); }
 
 void FileWriter::writeBytes(const char* data, std::int32_t count) {
-  if (count > 0) place(data, static_cast<std::size_t>(count));
+  if (count < 0) return;
+  // No bytes may come with a null pointer, which memcpy does not take even then.
+  place(count == 0 ? "" : data, static_cast<std::size_t>(count));
 }
 
 void FileWriter::writeByte(unsigned char byte) {

@@ -1,8 +1,8 @@
-#include <algorithm>
-
 #include "output/file_writer.h"
 
 // Text: strings, characters, and numbers in decimal, bare, ended, or in fields.
+
+#include <algorithm>
 
 namespace Tessaly {
 
@@ -101,7 +101,7 @@ void FileWriter::writeWithSeparator(double value, char separator) {
 }
 
 void FileWriter::writeRepeated(char character, std::int32_t count) {
-  if (count > 0) placeRepeated(character, static_cast<std::size_t>(count));
+  if (count >= 0) placeRepeated(character, static_cast<std::size_t>(count));
 }
 
 void FileWriter::placeField(const char* text, std::size_t length, std::int32_t width) {

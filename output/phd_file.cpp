@@ -18,7 +18,7 @@ void writeHeader(Tessaly::FileWriter& writer, const PhdRecord& record) {
   writer.write("\nQUALITY_LEVELS: 99\nTIME: ");
   writer.write(record.timeText);
   writer.write("\nTRACE_ARRAY_MIN_INDEX: 0\nTRACE_ARRAY_MAX_INDEX: ");
-  // The subtraction wraps: no samples give -1. 2^31 samples and more give a negative index.
+  // The subtraction wraps: no samples give -1. From 2^31 + 1 samples on the index is negative.
   writer.write(static_cast<std::int32_t>(record.pointCount - 1));
   writer.write("\nCHEM: term\nDYE: big\nEND_COMMENT\n\nBEGIN_DNA\n");
 }

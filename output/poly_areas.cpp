@@ -19,18 +19,27 @@ void normaliseAreas(const std::uint16_t* samples, std::uint32_t pointCount, floa
   // What no run reaches stays 0.
   std::fill_n(normAmp, baseCount, 0);
 
-  std::int32_t base = 0;  // only moves forward, whatever the order of the positions
-  for (std::uint32_t end = 0; end < pointCount && base < baseCount;) {
-    while (end < pointCount && samples[end] == 0) ++end;
-    const std::uint32_t start = end;
-    std::uint32_t area        = 0;  // wraps modulo 2^32
+  // Bases and samples are passed once, in order; only runs that hold a peak need be looked at.
+  std::int64_t passed = 0;  // samples: what lies before is done with
+  for (std::int32_t base = 0; base < baseCount && peakPos[base] < std::int64_t{pointCount};) {
+    const std::int64_t position = peakPos[base];
+    // Deliberate: a peak that lies before one already passed gets nothing, nor does one in a gap.
+    if (position < passed || samples[position] == 0) {
+      passed = std::max(passed, position);
+      ++base;
+      continue;
+    }
+
+    std::uint32_t area = 0;  // wraps modulo 2^32
+    for (std::int64_t k = position - 1; k >= passed && samples[k] != 0; --k) area += samples[k];
+    std::int64_t end = position;
     while (end < pointCount && samples[end] != 0) area += samples[end++];
+    passed = end;
 
-    while (base < baseCount && std::int64_t{peakPos[base]} < start) ++base;
-
+    // Deliberate: a peak that comes after one of this run and lies before it shares in it.
     const std::int32_t first = base;
     std::uint16_t heightSum  = 0;
-    for (; base < baseCount && std::int64_t{peakPos[base]} < end; ++base) {
+    for (; base < baseCount && peakPos[base] < end; ++base) {
       // Deliberate: wraps modulo 65536, and a sum that wraps to 0 counts as 0.
       heightSum = static_cast<std::uint16_t>(heightSum + peakAmp[base]);
     }

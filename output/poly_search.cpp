@@ -82,8 +82,10 @@ class MaximumTree {
     for (std::size_t k = blockCount_; k-- > 1;) keys_[k] = std::max(keys_[2 * k], keys_[2 * k + 1]);
   }
 
-  Peak find(std::size_t first, std::size_t last) const {
-    const std::size_t end        = last + 1;
+  Peak find(const SearchRange& range) const {
+    if (range.first > range.last) return {};
+    const auto first             = static_cast<std::size_t>(range.first);
+    const auto end               = static_cast<std::size_t>(range.last + 1);
     const std::size_t firstBlock = (first + blockSize - 1) / blockSize;
     const std::size_t endBlock   = end / blockSize;
     if (firstBlock >= endBlock) return peakOf(scan(first, end));
@@ -166,9 +168,7 @@ void searchByTree(const CalledTrace& trace, std::int32_t firstBase,
     tree.build(maxima[channel]);
     for (std::int32_t i = firstBase; i < trace.bases.length(); ++i) {
       const SearchRange range = searchRange(trace, i);
-      const Peak peak         = range.first > range.last ? Peak{}
-                                                         : tree.find(static_cast<std::size_t>(range.first),
-                                                                     static_cast<std::size_t>(range.last));
+      const Peak peak         = tree.find(range);
       peakAmp[channel][i]     = peak.height;
       peakPos[channel][i]     = peak.position;
     }

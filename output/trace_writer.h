@@ -12,7 +12,8 @@ namespace Quillet {
 ///
 /// The channels stand in the file in the order in which they are given; which base each holds is
 /// the caller's choice. They are borrowed for the call. Errors: a file that can not be created is
-/// skipped in silence. Use: construct, then writeTrace as often as wanted.
+/// skipped in silence; after one failure every later file is made, and stays empty, so that a new
+/// TraceWriter is needed. Use: construct, then writeTrace as often as wanted.
 class TraceWriter : public Tessaly::FileWriter {
  public:
   TraceWriter();

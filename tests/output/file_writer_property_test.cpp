@@ -1,6 +1,4 @@
-#include <bit>
 #include <cstdint>
-#include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
 #include <random>
@@ -8,6 +6,7 @@
 #include <vector>
 
 #include "output/file_writer.h"
+#include "tests/output/written_bytes.h"
 #include "tests/support/scratch_folder.h"
 
 // Random runs of operations, against a model that only appends to a std::string.
@@ -213,13 +212,6 @@ class StepMaker {
     for (int shift = 8 * (static_cast<int>(sizeof value) - 1); shift >= 0; shift -= 8) {
       result += static_cast<char>((static_cast<std::uint32_t>(value) >> shift) & 0xFF);
     }
-    return result;
-  }
-
-  template <typename Value>
-  static std::string memoryOf(Value value) {
-    std::string result(sizeof value, '\0');
-    std::memcpy(result.data(), &value, sizeof value);
     return result;
   }
 

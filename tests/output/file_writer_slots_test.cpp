@@ -22,6 +22,17 @@ std::size_t slotOf(Signature FileWriter::*operation) {
   return word / sizeof(void*);
 }
 
+constexpr std::size_t destructorSlots = 2;  // the destructor stands first, in two entries
+constexpr std::size_t operationCount  = 58;
+
+/// What the entries behind the destructor's lead to. In the same ABI an object with virtual
+/// operations begins with a pointer to its table.
+std::vector<std::uintptr_t> operationsOf(const FileWriter& writer) {
+  const std::uintptr_t* table = nullptr;
+  std::memcpy(&table, static_cast<const void*>(&writer), sizeof table);
+  return {table + destructorSlots, table + destructorSlots + operationCount};
+}
+
 TEST(FileWriter, VirtualOperationsStandInTheirFixedOrder) {
   using W                              = FileWriter;
   const std::vector<std::size_t> slots = {
@@ -85,8 +96,14 @@ TEST(FileWriter, VirtualOperationsStandInTheirFixedOrder) {
       slotOf<W&(double)>(&W::operator<<),
   };
 
-  // The destructor stands first; it takes two entries of the table.
-  for (std::size_t i = 0; i < slots.size(); ++i) EXPECT_EQ(slots[i], i + 2) << "operation " << i;
+  ASSERT_EQ(slots.size(), operationCount);
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    EXPECT_EQ(slots[i], destructorSlots + i) << "operation " << i;
+  }
+}
+
+TEST(TraceWriter, InheritsEveryVirtualOperationButTheDestructor) {
+  EXPECT_EQ(operationsOf(Quillet::TraceWriter()), operationsOf(FileWriter()));
 }
 
 }  // namespace

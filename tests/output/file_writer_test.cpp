@@ -1,10 +1,13 @@
 #include "output/file_writer.h"
 
-#include <functional>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <limits>
 #include <string>
 #include <vector>
 
+#include "tests/output/file_writer_operations.h"
+#include "tests/output/written_bytes.h"
 #include "tests/support/scratch_folder.h"
 
 // Opening, closing, and when the buffer is handed to the stream.
@@ -13,32 +16,24 @@ namespace {
 
 using Tessaly::FileWriter;
 using Tessaly::String;
-using Action = std::function<void(FileWriter&)>;
 
-/// The file after `action` and close().
-std::string written(std::int32_t bufferSize, const Action& action) {
-  ScratchFolder folder;
-  FileWriter writer(bufferSize);
-  EXPECT_TRUE(writer.open("out"));
-  action(writer);
-  writer.close();
-  return folder.read("out");
+constexpr std::int32_t bufferSize = 8;  // bytes of the buffer: the longest operation just fits
+
+/// Fills that many bytes of an empty buffer, the last of them too, without a flush.
+void fill(FileWriter& writer, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) writer.writeByte('.');
 }
 
-/// The file after `action` and destruction without close(): only the bytes that were flushed.
-std::string flushed(std::int32_t bufferSize, const Action& action) {
-  ScratchFolder folder;
-  {
-    FileWriter writer(bufferSize);
-    EXPECT_TRUE(writer.open("out"));
-    action(writer);
-  }
-  return folder.read("out");
+/// The operation, in a buffer that leaves it just the room that it needs.
+Action exactlyFilling(const Operation& row) {
+  return [&row](FileWriter& writer) {
+    fill(writer, bufferSize - row.bytes.size());
+    row.action(writer);
+  };
 }
 
-/// Fills an empty buffer of 4 bytes to the brim without a flush.
-void fillFour(FileWriter& writer) {
-  for (const char byte : {'w', 'x', 'y', 'z'}) writer.writeByte(byte);
+std::string fillingFor(const Operation& row) {
+  return std::string(bufferSize - row.bytes.size(), '.');
 }
 
 TEST(FileWriter, AFullDefaultBufferIsFlushedAtOnceAndThenEmpty) {
@@ -71,92 +66,104 @@ TEST(FileWriter, DestructionWithoutCloseLosesWhatWasNeverFlushed) {
 }
 
 TEST(FileWriter, PlacedBytesThatFillTheBufferAreFlushedAtOnce) {
+  for (const Operation& row : placing) {
+    EXPECT_EQ(flushed(bufferSize, exactlyFilling(row)), fillingFor(row) + row.bytes) << row.name;
+    EXPECT_EQ(flushed(bufferSize + 1, exactlyFilling(row)), "")
+        << row.name << ", one byte left free";
+  }
+}
+
+TEST(FileWriter, StoredBytesMayLeaveTheBufferFull) {
+  for (const Operation& row : storing) {
+    EXPECT_EQ(flushed(bufferSize, exactlyFilling(row)), "") << row.name;
+    EXPECT_EQ(written(bufferSize, exactlyFilling(row)), fillingFor(row) + row.bytes) << row.name;
+  }
+}
+
+TEST(FileWriter, ACharacterIsStoredByWriteAndPlacedByTheOperator) {
+  EXPECT_EQ(flushed(2, [](FileWriter& w) { w << 'a', w.write('b'); }), "");
+  EXPECT_EQ(flushed(2, [](FileWriter& w) { w.write('a'), w << 'b'; }), "ab");
+}
+
+TEST(FileWriter, EveryOperationOnAFullBufferFlushesItFirst) {
+  const std::string full(bufferSize, '.');
+  const auto expectFlushFirst = [&full](const Operation& row) {
+    const Action onFullBuffer = [&row](FileWriter& writer) {
+      fill(writer, bufferSize);
+      row.action(writer);
+    };
+    EXPECT_EQ(flushed(bufferSize, onFullBuffer), full) << row.name;
+    EXPECT_EQ(written(bufferSize, onFullBuffer), full + row.bytes) << row.name;
+  };
+
+  for (const Operation& row : placing) expectFlushFirst(row);
+  for (const Operation& row : storing) expectFlushFirst(row);
+}
+
+TEST(FileWriter, OfLengthZeroATextOrRunFlushesAFullBufferAndAnArrayDoesNot) {
   struct Case {
     const char* name;
     Action action;
     const char* expected;
   };
-  const std::vector<Case> cases = {
-      {"String", [](FileWriter& w) { w.write(String("abcd")); }, "abcd"},
-      {"text", [](FileWriter& w) { w.write("abcd"); }, "abcd"},
-      {"integer", [](FileWriter& w) { w.write(-123); }, "-123"},
-      {"double", [](FileWriter& w) { w.write(12.5); }, "12.5"},
-      {"newline", [](FileWriter& w) { w.write("abc"), w.newline(); }, "abc\n"},
-      {"line", [](FileWriter& w) { w.writeLine("abc"); }, "abc\n"},
-      {"line of a character", [](FileWriter& w) { w.write("ab"), w.writeLine('c'); }, "abc\n"},
-      {"word", [](FileWriter& w) { w.writeWord(123); }, "123 "},
-      {"word of a character", [](FileWriter& w) { w.write("ab"), w.writeWord('c'); }, "abc "},
-      {"separator", [](FileWriter& w) { w.writeWithSeparator("abc", ';'); }, "abc;"},
-      {"bytes", [](FileWriter& w) { w.writeBytes("abcd", 4); }, "abcd"},
-      {"repeated", [](FileWriter& w) { w.writeRepeated('a', 4); }, "aaaa"},
-      {"field", [](FileWriter& w) { w.writeField("ab", 4); }, "ab  "},
-      {"aligned left", [](FileWriter& w) { w.writeAligned("ab", 4, false); }, "ab  "},
-      {"aligned right", [](FileWriter& w) { w.writeAligned(7, 4, true); }, "   7"},
-      {"aligned character", [](FileWriter& w) { w.writeAligned('c', 4, true); }, "   c"},
-      {"operator on a text", [](FileWriter& w) { w << "abcd"; }, "abcd"},
-      {"operator on a character", [](FileWriter& w) { w << 'a' << 'b' << 'c' << 'd'; }, "abcd"},
-  };
-
-  for (const Case& row : cases) EXPECT_EQ(flushed(4, row.action), row.expected) << row.name;
-  const Action terminated = [](FileWriter& w) { w.writeTerminated("abc"); };
-  EXPECT_EQ(flushed(4, terminated), std::string("abc\0", 4));
-}
-
-TEST(FileWriter, StoredBytesMayLeaveTheBufferFull) {
-  struct Case {
-    const char* name;
-    Action action;
-  };
-  const std::vector<Case> cases = {
-      {"char bytes", [](FileWriter& w) { fillFour(w); }},
-      {"unsigned char bytes",
-       [](FileWriter& w) {
-         for (unsigned char byte = 'w'; byte <= 'z'; ++byte) w.writeByte(byte);
-       }},
-      {"characters", [](FileWriter& w) { w.write('w'), w.write('x'), w.write('y'), w.write('z'); }},
-      {"16-bit values",
-       [](FileWriter& w) {
-         w.writeBigEndian(static_cast<std::int16_t>(0x7778));
-         w.writeBigEndian(static_cast<std::uint16_t>(0x797A));
-       }},
-      {"32-bit value", [](FileWriter& w) { w.writeBigEndian(std::int32_t{0x7778797A}); }},
-      {"unsigned 32-bit value", [](FileWriter& w) { w.writeBigEndian(0x7778797Au); }},
-  };
-
-  for (const Case& row : cases) {
-    EXPECT_EQ(flushed(4, row.action), "") << row.name;
-    EXPECT_EQ(written(4, row.action), "wxyz") << row.name;
-  }
-}
-
-TEST(FileWriter, EveryOperationOnAFullBufferFlushesItFirst) {
-  struct Case {
-    const char* name;
-    Action action;
-    std::string expected;
-  };
-  const std::vector<Case> cases = {
-      {"text", [](FileWriter& w) { w.write("a"); }, "a"},
-      {"character", [](FileWriter& w) { w.write('a'); }, "a"},
-      {"integer", [](FileWriter& w) { w.write(5); }, "5"},
-      {"double", [](FileWriter& w) { w.write(0.5); }, "0.5"},
-      {"newline", [](FileWriter& w) { w.newline(); }, "\n"},
-      {"line of a character", [](FileWriter& w) { w.writeLine('a'); }, "a\n"},
-      {"byte", [](FileWriter& w) { w.writeByte('a'); }, "a"},
-      {"16-bit value", [](FileWriter& w) { w.writeBigEndian(std::int16_t{0x6162}); }, "ab"},
-      {"repeated", [](FileWriter& w) { w.writeRepeated('a', 2); }, "aa"},
-      {"field", [](FileWriter& w) { w.writeField("a", 2); }, "a "},
-      {"aligned", [](FileWriter& w) { w.writeAligned("a", 2, true); }, " a"},
-      {"operator on a character", [](FileWriter& w) { w << 'a'; }, "a"},
+  const char* const noCharacters     = nullptr;
+  const unsigned char* const noBytes = nullptr;
+  const Case cases[]                 = {
+                      {"String", [](FileWriter& w) { w.write(String()); }, "...."},
+                      {"text", [](FileWriter& w) { w.write(""); }, "...."},
+                      {"operator", [](FileWriter& w) { w << ""; }, "...."},
+                      {"char run", [](FileWriter& w) { w.writeBytes(characters, 0); }, "...."},
+                      {"unsigned char run", [](FileWriter& w) { w.writeBytes(octets, 0); }, "...."},
+                      {"char run, null", [&](FileWriter& w) { w.writeBytes(noCharacters, 0); }, "...."},
+                      {"unsigned char run, null", [&](FileWriter& w) { w.writeBytes(noBytes, 0); }, "...."},
+                      {"repeated", [](FileWriter& w) { w.writeRepeated('a', 0); }, "...."},
+                      {"field", [](FileWriter& w) { w.writeField("ab", 0); }, "...."},
+                      {"aligned", [](FileWriter& w) { w.writeAligned("", 0, true); }, "...."},
+                      {"char run of -1", [](FileWriter& w) { w.writeBytes(characters, -1); }, ""},
+                      {"repeated, -1", [](FileWriter& w) { w.writeRepeated('a', -1); }, ""},
+                      {"int16 array", [](FileWriter& w) { w.writeBigEndian(int16s, 0); }, ""},
+                      {"double array", [](FileWriter& w) { w.writeNative(doubles, 0); }, ""},
   };
 
   for (const Case& row : cases) {
     const Action onFullBuffer = [&row](FileWriter& writer) {
-      fillFour(writer);
+      fill(writer, 4);
       row.action(writer);
     };
-    EXPECT_EQ(flushed(4, onFullBuffer), "wxyz") << row.name;
-    EXPECT_EQ(written(4, onFullBuffer), "wxyz" + row.expected) << row.name;
+    EXPECT_EQ(flushed(4, onFullBuffer), row.expected) << row.name;
+    EXPECT_EQ(written(4, onFullBuffer), "....") << row.name;
+  }
+}
+
+TEST(FileWriter, AnIntegerOf11CharactersFills11FreeBytesExactly) {
+  constexpr std::int32_t smallest = std::numeric_limits<std::int32_t>::min();
+  const auto behind               = [](std::size_t pending) -> Action {
+    return [pending](FileWriter& writer) {
+      fill(writer, pending);
+      writer.write(smallest);
+    };
+  };
+
+  EXPECT_EQ(flushed(16, behind(4)), "") << "12 bytes free";
+  EXPECT_EQ(flushed(16, behind(5)), ".....-2147483648") << "11 bytes free";
+  EXPECT_EQ(flushed(16, behind(6)), "......-214748364") << "10 bytes free";
+}
+
+TEST(FileWriter, ANumberOrAlignedFieldThatFillsTwoBuffersIsFlushedTwice) {
+  const Operation cases[] = {
+      {"integer", [](FileWriter& w) { w.write(1234567); }, "1234567"},
+      {"double", [](FileWriter& w) { w.write(12345.5); }, "12345.5"},
+      {"left", [](FileWriter& w) { w.writeAligned("ab", 7, false); }, "ab     "},
+      {"right", [](FileWriter& w) { w.writeAligned(12, 7, true); }, "     12"},
+      {"right, unpadded", [](FileWriter& w) { w.writeAligned("abcdefg", 2, true); }, "abcdefg"},
+  };
+
+  for (const Operation& row : cases) {
+    const Action behindOneByte = [&row](FileWriter& writer) {
+      writer.write('.');
+      row.action(writer);
+    };
+    EXPECT_EQ(flushed(4, behindOneByte), "." + row.bytes) << row.name;
   }
 }
 
@@ -227,6 +234,24 @@ TEST(FileWriter, AFailedOpenMakesEveryLaterOpenFail) {
 
   EXPECT_TRUE(folder.has("valid")) << "the file itself is opened";
   EXPECT_EQ(folder.read("valid"), "") << "but takes no bytes";
+  writer.close();
+  folder.write("old", "former");
+  EXPECT_FALSE(writer.open("old"));
+  EXPECT_EQ(folder.read("old"), "") << "and is emptied";
+}
+
+TEST(FileWriter, AFailedOpenAppendMakesEveryLaterOpenFail) {
+  ScratchFolder folder;
+  FileWriter writer, stringWriter;
+
+  EXPECT_FALSE(writer.openAppend("missing/out"));
+  EXPECT_FALSE(writer.openAppend("valid"));
+  writer.close();
+  EXPECT_FALSE(writer.open("valid"));
+  EXPECT_FALSE(stringWriter.openAppend(folder.at("missing/out")));
+  EXPECT_FALSE(stringWriter.openAppend(folder.at("valid")));
+  stringWriter.close();
+  EXPECT_FALSE(stringWriter.open(folder.at("valid")));
 }
 
 TEST(FileWriter, AFailedWriteOrCloseMakesEveryLaterOpenFail) {
@@ -237,10 +262,7 @@ TEST(FileWriter, AFailedWriteOrCloseMakesEveryLaterOpenFail) {
   const std::vector<Case> cases = {
       {"close without open", [](FileWriter& w) { w.close(); }},
       {"a block without open", [](FileWriter& w) { w.write("abcd"); }},
-      {"second close, bytes pending",
-       [](FileWriter& w) { w.open("one"), w.write("ab"), w.close(), w.close(); }},
-      {"second close, nothing pending",
-       [](FileWriter& w) { w.open("one"), w.write("abcd"), w.close(), w.close(); }},
+      {"second close", [](FileWriter& w) { w.open("one"), w.write("abcd"), w.close(), w.close(); }},
       {"bytes behind those of a closed file, filling the buffer",
        [](FileWriter& w) { w.open("one"), w.write("ab"), w.close(), w.write("cd"); }},
       {"open while open", [](FileWriter& w) { w.open("one"), w.open("two"); }},
@@ -279,6 +301,19 @@ TEST(FileWriter, ADirectoryAndAFileBothExist) {
   EXPECT_FALSE(writer.exists(folder.at("nothing")));
 }
 
+TEST(FileWriter, ALinkExistsWhenWhatItLeadsToDoes) {
+  ScratchFolder folder;
+  folder.write("file", "");
+  std::filesystem::create_symlink("file", "link");
+  std::filesystem::create_symlink("nothing", "dangling");
+  FileWriter writer;
+
+  EXPECT_TRUE(writer.exists("link"));
+  EXPECT_TRUE(writer.exists(folder.at("link")));
+  EXPECT_FALSE(writer.exists("dangling"));
+  EXPECT_FALSE(writer.exists(folder.at("dangling")));
+}
+
 TEST(FileWriter, SetBufferSizeDiscardsPendingBytesAndSetsTheBlockSize) {
   const Action action = [](FileWriter& writer) {
     writer.write("lost");
@@ -300,6 +335,7 @@ TEST(FileWriter, WithoutABufferEveryWriteIsDropped) {
     writer.newline();
     writer.writeLine('c');
     writer.writeBytes("ab", 2);
+    writer.writeBytes("ab", 0);
     writer.writeBigEndian(values, 2);
     writer.writeNative(2.5);
     writer.writeTerminated("");

@@ -1,11 +1,10 @@
-#include <functional>
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
 #include <vector>
 
 #include "output/file_writer.h"
-#include "tests/support/scratch_folder.h"
+#include "tests/output/written_bytes.h"
 
 // What the text operations of FileWriter write.
 
@@ -13,16 +12,6 @@ namespace {
 
 using Tessaly::FileWriter;
 using Tessaly::String;
-using Action = std::function<void(FileWriter&)>;
-
-std::string written(const Action& action) {
-  ScratchFolder folder;
-  FileWriter writer;
-  EXPECT_TRUE(writer.open("out"));
-  action(writer);
-  writer.close();
-  return folder.read("out");
-}
 
 struct Case {
   const char* name;

@@ -12,6 +12,7 @@ namespace {
 
 using Tessaly::FileWriter;
 using Tessaly::String;
+using namespace std::string_view_literals;
 
 /// What a test says of a record; the rest is a small valid one.
 struct Sample {
@@ -82,6 +83,23 @@ END_SEQUENCE
 TEST(PhdFile, AnEmptyCallerNameLeavesATrailingBlank) {
   EXPECT_TRUE(
       has(phdFile({.callerName = ""}), "PHRED_VERSION: quillet\nCALL_METHOD: \nQUALITY_LEVELS"));
+}
+
+TEST(PhdFile, ZeroBytesInTheBasesAndInTheCallerNameAreWritten) {
+  ScratchFolder folder;
+  const String text("t"), empty;
+  String callerName, bases;
+  callerName.append("K\0B", 3);
+  bases.append("A\0C", 3);
+  const std::int32_t peaks[] = {5, 6, 7, 8};
+  FileWriter writer;
+
+  Quillet::writePhdFile(writer, folder.at("out.phd.1"),
+                        {text, callerName, text, 8, bases, empty, peaks});
+
+  const std::string content = folder.read("out.phd.1");
+  EXPECT_TRUE(has(content, "\nCALL_METHOD: K\0B\nQUALITY_LEVELS"sv));
+  EXPECT_EQ(dnaOf(content), "BEGIN_DNA\nA 0 5\n\0 0 6\nC 0 7\nEND_DNA\nEND_SEQUENCE\n"sv);
 }
 
 TEST(PhdFile, NoBasesPutTheEndDirectlyBehindTheBeginning) {

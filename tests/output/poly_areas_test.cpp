@@ -114,6 +114,13 @@ TEST(NormaliseAreas, TheCursorOnlyMovesForward) {
   EXPECT_THAT(normAmp, ElementsAre(20, 40));
 }
 
+TEST(NormaliseAreas, APositionBeforeOneAlreadyPassedGets0) {
+  // Position 2 lies in a gap, so that base 0 is passed when the run behind the gap begins.
+  const auto normAmp = normalise({10, 10, 0, 30}, unitAverage, {2, 1, 3}, {10, 10, 10});
+
+  EXPECT_THAT(normAmp, ElementsAre(0, 0, 30));
+}
+
 TEST(NormaliseAreas, ANegativePositionLiesBeforeEveryRun) {
   const auto normAmp = normalise({10, 10}, unitAverage, {-1, smallestInteger, 1}, {10, 10, 10});
 

@@ -5,18 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "tests/output/written_bytes.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
 
 using Quillet::TraceWriter;
 using Tessaly::String;
-
-std::string bytes(std::initializer_list<int> values) {
-  std::string result;
-  for (const int value : values) result += static_cast<char>(value);
-  return result;
-}
 
 /// The whole header, with the four bytes of the sample count.
 std::string header(std::initializer_list<int> sampleCount) {
@@ -137,6 +132,44 @@ TEST(TraceWriter, AFileThatCanNotBeMadeIsSkippedInSilence) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   EXPECT_FALSE(folder.has("missing"));
   EXPECT_EQ(std::string(name.text()), "missing/abc.scf");
+}
+
+TEST(TraceWriter, AfterOneFailureEveryLaterFileIsMadeAndStaysEmpty) {
+  ScratchFolder folder;
+  folder.write("old.scf", "former");
+  String missing("missing/abc"), old("old"), fresh("fresh");
+  TraceWriter writer;
+
+  writer.writeTrace(missing, emptyChannels, 0);
+  writer.writeTrace(old, emptyChannels, 0);
+  writer.writeTrace(fresh, emptyChannels, 0);
+
+  EXPECT_EQ(folder.read("old.scf"), "");
+  EXPECT_TRUE(folder.has("fresh.scf"));
+  EXPECT_EQ(folder.read("fresh.scf"), "");
+}
+
+TEST(TraceWriter, AnExistingFileIsReplaced) {
+  ScratchFolder folder;
+  folder.write("abc.scf", std::string(1000, 'x'));
+  String name("abc");
+
+  TraceWriter().writeTrace(name, emptyChannels, 0);
+
+  EXPECT_EQ(folder.read("abc.scf"), header({0, 0, 0, 0}));
+}
+
+TEST(TraceWriter, TheBufferHoldsTheDefault1024Bytes) {
+  ScratchFolder folder;
+  for (const std::int32_t length : {1023, 1024}) {
+    TraceWriter trace;
+    Tessaly::FileWriter& writer = trace;
+    ASSERT_TRUE(writer.open(length == 1023 ? "pending" : "flushed"));
+    writer.write(String('a', length));
+  }
+
+  EXPECT_EQ(folder.read("pending"), "");
+  EXPECT_EQ(folder.read("flushed"), std::string(1024, 'a'));
 }
 
 TEST(TraceWriter, IsAFileWriter) {
