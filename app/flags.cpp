@@ -27,7 +27,7 @@ void applyFlags(Settings& settings, const std::vector<std::string>& words,
       settings.dataDir = argumentOf(words, index, source);
       ensureTrailingSlash(settings.dataDir);
     } else if (word == "-l" || word == "-list") {
-      settings.listFile_.clear();
+      settings.listFile_.clear();  // Deliberate: also where the argument turns out to be missing.
       settings.listFile_ = argumentOf(words, index, source);
     } else if (word == "-o" || word == "-overwrite") {
       settings.overwrite = true;

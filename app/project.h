@@ -13,8 +13,8 @@ namespace Quillet {
 /// Built from the finished settings, which it borrows. Use: construct, prepare() once, then
 /// convertAll(). The moment of construction is the time that every .phd.1 file of the run names.
 /// Directory texts end in "/".
-/// Errors: both steps print their message and throw the int 1; files that can not be used are
-/// reported and skipped.
+/// Errors: a step that can not go on prints its message and throws the int 1; files that can not be
+/// used are reported and skipped. What the classes below throw passes through.
 class Project {
  public:
   explicit Project(const Settings& settings);

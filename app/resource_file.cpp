@@ -59,6 +59,7 @@ class ResourceLines {
     } else if (keyword == "polydir") {
       setDirectory(settings_.polyDir, keyword, words);
     } else {
+      // Deliberate: there are no comments; "#" is an option like any other, and an invalid one.
       throw Tessaly::ParseError(path_, lineNumber_, "invalid option: " + keyword);
     }
   }

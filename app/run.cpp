@@ -39,6 +39,7 @@ void printHelp() {
 
 void run(int argc, const char* const* argv) {
   Settings settings;
+  // Deliberate: three blanks, as it has always been.
   std::cerr << "\nQUILLET   Version " << settings.version << std::endl;
 
   std::vector<std::string> words;

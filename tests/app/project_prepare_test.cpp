@@ -1,3 +1,5 @@
+#include "app/project.h"
+
 #include <ctime>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -5,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "app/project.h"
 #include "tests/support/captured_stderr.h"
 #include "tests/support/environment.h"
 #include "tests/support/scratch_folder.h"

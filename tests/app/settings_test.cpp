@@ -1,7 +1,7 @@
 #include "app/settings.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <regex>
 #include <string>
 
 #include "app/version.h"
@@ -38,8 +38,9 @@ TEST(Settings, VersionAndBuildStampAreTheCompiledInOnes) {
 
   EXPECT_EQ(settings.version, "1.0.0");
   EXPECT_EQ(settings.buildStamp, Quillet::buildStampText);
-  const std::regex stamp(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d( [0-9a-f]{7,})?)");
-  EXPECT_TRUE(std::regex_match(settings.buildStamp, stamp)) << settings.buildStamp;
+  EXPECT_THAT(settings.buildStamp,
+              ::testing::MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}"
+                                      "( [0-9a-f]{7,})?"));
 }
 
 TEST(Settings, ADirectoryTextGetsOneTrailingSlashUnlessItHasOne) {

@@ -1,9 +1,9 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <regex>
 #include <signal.h>
 #include <stdexcept>
 #include <string>
@@ -18,6 +18,7 @@
 
 namespace {
 
+using ::testing::MatchesRegex;
 using Words = std::vector<std::string>;
 
 const std::string terminating = "\n\nQUILLET is terminating.\n\n";
@@ -34,15 +35,11 @@ const std::string helpTable = R"( flag               function
 
 )";
 
-const std::string criticalBanner = R"(
---------------------------------------------------------------------
- A critical error has occurred.)" + std::string(37, ' ') +
-                                   R"(
- Please notify the Hallorand group, quillet@hallorand.example )" +
-                                   R"(
---------------------------------------------------------------------
-
-)";
+const std::string criticalRule(68, '-');
+const std::string criticalBanner =
+    "\n" + criticalRule + "\n A critical error has occurred." + std::string(37, ' ') +
+    "\n Please notify the Hallorand group, quillet@hallorand.example " + "\n" + criticalRule +
+    "\n\n";
 
 // The banner, help and version.
 
@@ -87,9 +84,9 @@ TEST(Start, VersionIsAnsweredWhereverItStandsAndBeforeHelp) {
                          {"-d", "-version"},
                          {"-version", "-l"}};
   // The stamp is the time of the build, and its commit where that is known.
-  const std::regex expected(
+  const auto expected = MatchesRegex(
       "\nQUILLET   Version 1\\.0\\.0\n"
-      "Build \\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d( [0-9a-f]{7,})?\n\n");
+      "Build [0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}( [0-9a-f]{7,})?\n\n");
   for (const Words& words : cases) {
     SCOPED_TRACE(::testing::PrintToString(words));
     const ProjectFolder folder;
@@ -97,7 +94,7 @@ TEST(Start, VersionIsAnsweredWhereverItStandsAndBeforeHelp) {
 
     const ProgramResult result = folder.run(words);
 
-    EXPECT_TRUE(std::regex_match(result.err, expected)) << result.err;
+    EXPECT_THAT(result.err, expected);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.status, 0);
   }
@@ -199,9 +196,8 @@ TEST(Start, EveryPhdFileOfARunCarriesTheSameTimeHoweverLongTheBatchTakes) {
       runQuillet({.folder = folder.path().string(), .environment = {{"PATH", path}}});
 
   EXPECT_EQ(result.err, banner() + meterLines({0, 50, 100}));
-  EXPECT_TRUE(
-      std::regex_match(folder.phdTime("a"), std::regex("[A-Z][a-z]{2} [A-Z][a-z]{2} [ \\d]\\d "
-                                                       "\\d\\d:\\d\\d:\\d\\d \\d{4}")));
+  EXPECT_THAT(folder.phdTime("a"), MatchesRegex("[A-Z][a-z]{2} [A-Z][a-z]{2} [ 0-9][0-9] "
+                                                "[0-9]{2}:[0-9]{2}:[0-9]{2} [0-9]{4}"));
   EXPECT_EQ(folder.phdTime("a"), folder.phdTime("b"));
 }
 
