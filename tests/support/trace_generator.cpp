@@ -104,16 +104,16 @@ TraceContents doubtfulTrace(std::uint32_t seed, int baseCount) {
   return trace;
 }
 
-TraceContents randomTrace(std::uint32_t seed, int sampleCount, int baseCount) {
+TraceContents randomTrace(std::uint32_t seed, int sampleCount, int baseCount, int highest) {
   Dice dice(seed);
   TraceContents trace;
-  const int highest = dice.below(3) == 0 ? 65535 : dice.between(0, 2000);
   for (std::vector<int>& channel : trace.channels) {
     for (int k = 0; k < sampleCount; ++k) channel.push_back(dice.between(0, highest));
   }
   for (int i = 0; i < baseCount; ++i) {
-    trace.bases += dice.below(12) == 0 ? 'N' : letters[dice.below(4)];
-    trace.qualities.push_back(dice.between(1, 60));
+    const bool called = dice.below(12) != 0;
+    trace.bases += called ? letters[dice.below(4)] : 'N';
+    trace.qualities.push_back(called ? dice.between(1, 60) : 0);
     trace.peaks.push_back(dice.between(0, sampleCount - 1));
   }
   std::sort(trace.peaks.begin(), trace.peaks.end());

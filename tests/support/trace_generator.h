@@ -28,5 +28,7 @@ TraceContents believableTrace(std::uint32_t seed, int baseCount);
 /// A believable trace whose instrument gave no quality (0) to the bases 45 to 55.
 TraceContents doubtfulTrace(std::uint32_t seed, int baseCount);
 
-/// Random samples, bases, qualities and peaks, with no sense in them: what property tests want.
-TraceContents randomTrace(std::uint32_t seed, int sampleCount, int baseCount);
+/// Random samples, bases, qualities and ascending peaks, with no sense in them: what property tests
+/// want. Samples are at most `highest`; some bases are N, with a quality of 0, which is all that
+/// every file format can say of them.
+TraceContents randomTrace(std::uint32_t seed, int sampleCount, int baseCount, int highest);
