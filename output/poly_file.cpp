@@ -13,7 +13,7 @@ std::int32_t normalisedHeight(const PolyPeaks& found, char letter, std::int32_t 
 }
 
 int heightAt(const PolyPeaks& found, int channel, std::int32_t base) {
-  return static_cast<int>(found.peakAmp(channel)[base]);  // at most 65535
+  return static_cast<int>(found.peakAmp(channel)[base]);  // at most 65280
 }
 
 }  // namespace

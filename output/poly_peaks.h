@@ -23,10 +23,10 @@ struct CalledTrace {
 /// For every called base: its peak and the strongest competing one, with their heights.
 ///
 /// Channels are numbered 0..3 for A, C, G, T; positions are 0-based sample indices; heights are
-/// amplitudes after both rescalings (0..65535). Owns its results, which describe the trace of the
-/// last compute(), and the working storage. Both only grow, but for the working storage of a trace
-/// that is far too long to be one, which goes at once: one object serves a whole batch.
-/// Errors: none, whatever the peaks say; the time is in proportion to samples and bases.
+/// amplitudes after both rescalings (0..65280). Owns its results, which describe the trace of the
+/// last compute(), and the working storage; both only grow: one object serves a whole batch.
+/// Errors: nothing but an allocation failure, whatever the peaks say; the time is in proportion to
+/// samples and bases, with a logarithm where the peaks are in disorder.
 /// Use: construct once, then compute() for each trace and read the results.
 class PolyPeaks {
  public:
@@ -44,10 +44,7 @@ class PolyPeaks {
   const std::int32_t* secondPos() const { return secondPos_.get(); }
 
  private:
-  static constexpr std::size_t keptPointCount = 1 << 18;  // well above any instrument's trace
-
   void reserve(std::size_t pointCount, std::size_t baseCount);
-  void releaseLongMaxima();
 
   std::unique_ptr<std::int32_t[]> peakPos_[4];
   std::unique_ptr<std::uint32_t[]> peakAmp_[4];
@@ -75,8 +72,8 @@ void scaleToFullRange(std::uint16_t* const (&channels)[4], std::uint32_t pointCo
 inline constexpr std::size_t summedSignalSize = 2501;
 
 /// Stage 2: takes each channel's average peak height from a fixed stretch of the trace and scales
-/// all channels to the smallest of them. An average of 0 means that the channel has no peak there.
-/// `summedSignal` has room for summedSignalSize entries.
+/// those channels that have one to the smallest of them. An average of 0 means that the channel has
+/// no peak there. `summedSignal` has room for summedSignalSize entries.
 void balanceChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCount,
                      std::uint16_t* summedSignal, float (&averages)[4]);
 

@@ -39,8 +39,9 @@ std::int64_t midpoint(std::int32_t left, std::int32_t right) {
   return (std::int64_t{left} + right) / 2;  // truncates toward zero
 }
 
-/// From midway to the base before to midway to the base after, without the two end points, which
-/// only serve as neighbours, and without what lies outside the trace, where nothing is a maximum.
+/// From midway to the base before (for the first base, from half its own peak) to midway to the
+/// base after, without the two end points, which only serve as neighbours, and without what lies
+/// outside the trace, where nothing is a maximum.
 SearchRange searchRange(const CalledTrace& trace, std::int32_t i) {
   const std::int32_t* peaks = trace.peaks;
   const std::int64_t low    = i == 0 ? peaks[0] / 2 : midpoint(peaks[i - 1], peaks[i]);

@@ -1,7 +1,8 @@
+#include "output/file_writer.h"
+
 #include <gtest/gtest.h>
 #include <string>
 
-#include "output/file_writer.h"
 #include "tests/output/written_bytes.h"
 
 // What the binary operations of FileWriter write.

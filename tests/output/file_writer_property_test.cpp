@@ -1,3 +1,5 @@
+#include "output/file_writer.h"
+
 #include <cstdint>
 #include <functional>
 #include <gtest/gtest.h>
@@ -5,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "output/file_writer.h"
 #include "tests/output/written_bytes.h"
 #include "tests/support/scratch_folder.h"
 

@@ -1,9 +1,10 @@
+#include "output/file_writer.h"
+
 #include <cstdint>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <vector>
 
-#include "output/file_writer.h"
 #include "output/trace_writer.h"
 
 // The order of the virtual operations, which TraceWriter inherits unchanged.

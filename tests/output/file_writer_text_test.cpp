@@ -1,9 +1,10 @@
+#include "output/file_writer.h"
+
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
 #include <vector>
 
-#include "output/file_writer.h"
 #include "tests/output/written_bytes.h"
 
 // What the text operations of FileWriter write.

@@ -1,8 +1,9 @@
+#include "output/file_writer.h"
+
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
 
-#include "output/file_writer.h"
 #include "tests/support/scratch_folder.h"
 
 // FileWriter::trimTrailingSpace, which edits the pending bytes in place.

@@ -72,6 +72,14 @@ TEST(NormaliseAreas, TheAverageIsAFactor) {
   EXPECT_THAT(normAmp, ElementsAre(10));  // a quarter of the unit average
 }
 
+TEST(NormaliseAreas, TheAverageIsMultipliedByTheAreaBeforeTheDivisionAndInDoublePrecision) {
+  // 49152 * 7 / 5 / 16384 * 5 = 21 exactly; 7 / 5 taken first, or any step in single precision,
+  // falls just short of it.
+  const auto normAmp = normalise({7}, 49152, {0}, {5});
+
+  EXPECT_THAT(normAmp, ElementsAre(21));
+}
+
 TEST(NormaliseAreas, AHeightIsTruncated) {
   const auto normAmp = normalise({15}, unitAverage, {0, 0}, {1, 7});
 

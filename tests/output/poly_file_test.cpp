@@ -36,8 +36,9 @@ PolyInput flatTrace(std::size_t pointCount, const std::string& bases,
   return input;
 }
 
-TEST(PolyFile, EveryBaseHasALineWithBothPeaksAndAllHeights) {
-  PolyInput input    = flatTrace(1600, "ACNG", {100, 1570, 1590, 1596, 1600});
+/// Peaks of A and C around 100 and 1570, with averages for both channels; see the lines below.
+PolyInput balancedTrace(const std::string& bases, const std::vector<std::int32_t>& peaks) {
+  PolyInput input    = flatTrace(1600, bases, peaks);
   auto& [a, c, g, t] = input.channels;
   // The highest sample is 65280 already: the first scaling leaves the trace as it is.
   a[99]  = 16320;
@@ -50,8 +51,13 @@ TEST(PolyFile, EveryBaseHasALineWithBothPeaksAndAllHeights) {
   a[1551] = 8192;
   c[1570] = 32768;
   c[1571] = 16384;
-  // Level: no maximum for base 3.
+  // Level: no maximum.
   g[1595] = g[1596] = g[1597] = 3;
+  return input;
+}
+
+TEST(PolyFile, EveryBaseHasALineWithBothPeaksAndAllHeights) {
+  PolyInput input = balancedTrace("ACNG", {100, 1570, 1590, 1596, 1600});
 
   const std::string text = written("sample", input);
 
@@ -68,12 +74,12 @@ G 1596 0 0 N 0 0 0 0 0 3 0
 }
 
 TEST(PolyFile, ABaseThatIsNotUpperCaseACGTHasNoHeightsAndNoSecondPeak) {
-  PolyInput input = flatTrace(100, "Na", {30, 60, 100});
-  for (auto& channel : input.channels) channel[29] = channel[59] = 65280;
+  // Called A and C, these two bases have the heights 48960 and 24576, and second peaks.
+  PolyInput input = balancedTrace("Nc", {100, 1570, 1600});
 
   EXPECT_EQ(written("s", input), R"(s 1 1 1 1 1
-N 30 0 0 N 0 0 0 65280 65280 65280 65280
-a 60 0 0 N 0 0 0 65280 65280 65280 65280
+N 100 0 0 N 0 0 0 65280 1000 0 0
+c 1570 0 0 N 0 0 0 16384 16384 0 0
 )");
 }
 

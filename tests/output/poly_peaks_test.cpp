@@ -51,8 +51,9 @@ PolyInput randomTrace(std::mt19937& random, std::size_t pointCount) {
     for (const std::size_t channel : {called, random() % 4}) {
       const auto height = static_cast<int>(random() % 16000);
       for (int offset = -5; offset <= 5; ++offset) {
-        auto& sample = input.channels[channel][center + static_cast<std::size_t>(offset + 5) - 5];
-        sample       = static_cast<std::uint16_t>(sample + height * (36 - offset * offset) / 36);
+        const auto index = static_cast<std::size_t>(static_cast<int>(center) + offset);
+        auto& sample     = input.channels[channel][index];
+        sample = static_cast<std::uint16_t>(sample + height * (36 - offset * offset) / 36);
       }
     }
     input.bases += random() % 20 == 0 ? 'N' : "ACGT"[called];
