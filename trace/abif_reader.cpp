@@ -90,7 +90,9 @@ class DirectoryWalk {
     if (dataSize == baseOrderSize)
       file_.readTextAt(signedOffset(entryOffset_ + entryDataOffset), directory_.baseOrder,
                        baseOrderSize);
-    return true;  // a missing letter shows in the length
+    // A missing letter shows in the length, unless an earlier "FWO_" was read: where the file is
+    // known to end before the letters, the read is refused and leaves the earlier order.
+    return true;
   }
 
   bool readChannel(std::uint32_t index) {
@@ -165,8 +167,8 @@ bool TraceFile::isBacked(const AbifDirectory& directory) const {
   const auto isRunBacked        = [&](const AbifDirectory::Item& item, std::int64_t byteCount) {
     const std::int64_t offset = signedOffset(item.offset);
     if (offset >= 0) standing = offset;
-    const std::int64_t start = std::min(standing, fileSize());
-    standing                 = start + byteCount;
+    const std::int64_t start = standing;
+    standing += byteCount;
     return isBacked(baseCount, start, byteCount);
   };
   return isRunBacked(directory.bases, baseCount) && isRunBacked(directory.qualities, baseCount) &&
@@ -203,10 +205,9 @@ void TraceFile::readAbifCalls(const AbifDirectory& directory) {
   fill(stored.get(), baseCount_);
 
   if (directory.callerName.count > 1) {
-    // No text is longer than the file, whatever its count says.
-    const std::int64_t longest =
-        std::min<std::int64_t>(fileSize(), std::numeric_limits<std::int32_t>::max());
-    const std::int64_t length = std::min<std::int64_t>(directory.callerName.count - 1, longest);
+    // Texts count in signed 32 bits. One that is longer than the file ends with the file.
+    constexpr std::uint32_t longest = std::numeric_limits<std::int32_t>::max();
+    const std::uint32_t length      = std::min(directory.callerName.count - 1, longest);
     seek(signedOffset(directory.callerName.offset + 1));  // past the length byte
     readText(callerName_, static_cast<std::int32_t>(length));
   }

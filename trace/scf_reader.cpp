@@ -119,8 +119,8 @@ bool TraceFile::isBacked(const ScfHeader& header) const {
   const std::int64_t samplesStart =
       header.samplesOffset >= 0 ? header.samplesOffset : headerBytesRead;
   const std::int64_t samplesSize = std::int64_t{4} * header.sampleCount * header.sampleSize;
-  const std::int64_t samplesEnd  = std::min(samplesStart + samplesSize, fileSize());
-  const std::int64_t basesStart  = header.basesOffset >= 0 ? header.basesOffset : samplesEnd;
+  const std::int64_t basesStart =
+      header.basesOffset >= 0 ? header.basesOffset : samplesStart + samplesSize;
   const std::int64_t basesSize =
       std::int64_t{header.baseCount} * (header.interleaved ? baseRecordSize : splitBaseSize);
   return isBacked(header.sampleCount, samplesStart, samplesSize) &&

@@ -9,7 +9,8 @@ namespace Quillet {
 
 namespace {
 
-// Of the qualities, some must be above this; smaller ones only are placeholders.
+// Deliberate: qualities count only if one of them is above this. A quality field of small values
+// alone holds placeholders.
 constexpr signed char largestPlaceholderQuality = 9;
 
 // Reads through `read(destination, count)`, which takes signed counts and returns how many values
@@ -35,7 +36,7 @@ TraceFile::TraceFile() : tempName_(Tessaly::Clock().format("temp%y%M%D%h%m%s")) 
 void TraceFile::setDirectory(const Tessaly::String& name) {
   directory_ = name;
   // Deliberate: the empty text does not end in "/" and becomes the root.
-  if (name.length() == 0 || name[name.length() - 1] != '/') directory_.append('/');
+  if (!name.endsWith('/')) directory_.append('/');
 }
 
 void TraceFile::copyChannel(std::uint16_t* destination, std::uint32_t index) const {

@@ -21,7 +21,9 @@ struct ScfHeader;
 /// Owns its arrays; newChannels() gives the caller copies to own. A compressed trace is unpacked
 /// into a file named after the moment of construction, in the working directory, that is gone when
 /// open() returns.
-/// Errors: open() returns false and sets status(); nothing is printed.
+/// Errors: open() returns false and sets status(); nothing is printed. Where memory is out, open()
+/// and newChannels() throw std::bad_alloc, open() and getBaseCalls() what a String or a Vector
+/// throws; an unpacked file may then stay behind.
 /// Use: construct, open once, take the data when that succeeded, destroy.
 class TraceFile : public Tessaly::FileReader {
  public:
@@ -39,8 +41,9 @@ class TraceFile : public Tessaly::FileReader {
   /// Copies of all four channels, each of `count` entries.
   void newChannels(std::unique_ptr<std::uint16_t[]> (&channels)[4], std::uint32_t& count) const;
 
-  /// Without base calls, false, and nothing changes. Otherwise sets `bases` and
-  /// `peaks`; the result says whether there are usable qualities and `qualities` is set.
+  /// Without base calls, or with more than 2^31 - 2 of them, false, and nothing changes. Otherwise
+  /// sets `bases` and `peaks`; the result says whether there are usable qualities and `qualities`
+  /// is set. Both texts end at their first zero byte, so that they can be shorter than the calls.
   bool getBaseCalls(Tessaly::String& bases, Tessaly::String& qualities,
                     Tessaly::Vector<std::int32_t>& peaks) const;
 
@@ -56,8 +59,8 @@ class TraceFile : public Tessaly::FileReader {
   std::int32_t status() const { return status_; }
 
  private:
-  // A file may claim more samples or bases than it holds. What is missing is zero, but memory for a
-  // missing part is spent only up to this many entries.
+  // A file may claim more samples or bases than it holds. An unmet claim is filled with zeros only
+  // up to this many entries; a larger one makes the trace unusable.
   static constexpr std::uint32_t unbackedCountLimit = 4'194'304;
 
   /// Reads the open file as what its first bytes say it is.
@@ -77,7 +80,8 @@ class TraceFile : public Tessaly::FileReader {
   void readScfBases3();
   void readScfComments();
 
-  /// Whether `count` entries may be taken for true: few, or `byteCount` bytes from `offset` on.
+  /// Whether a claim of `count` entries is accepted: it is within the limit, or the file holds all
+  /// of its `byteCount` bytes from `offset` on.
   bool isBacked(std::uint32_t count, std::int64_t offset, std::int64_t byteCount) const;
 
   // Read `count` values from where the reader stands, with zeros from where the file ends.

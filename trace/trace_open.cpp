@@ -1,5 +1,6 @@
 #include <cstdlib>
 
+#include "foundation/scf_layout.h"
 #include "trace/abif_layout.h"
 #include "trace/trace_file.h"
 
@@ -52,11 +53,13 @@ bool TraceFile::open(Tessaly::String& name) {
 
 // The content alone decides: the extension of the name plays no part.
 bool TraceFile::readContent() {
+  constexpr std::int32_t magicSize = 4;
   Tessaly::String magic;
-  readTextAt(0, magic, 4);
+  readTextAt(ScfLayout::headerMagic, magic, magicSize);
   if (magic == ".scf") return readScf();
+  static_assert(AbifLayout::headerMagic == ScfLayout::headerMagic);  // it is the text just read
   if (magic == "ABIF") return readAbif(0);
-  readTextAt(AbifLayout::prefixSize, magic, 4);
+  readTextAt(AbifLayout::prefixSize + AbifLayout::headerMagic, magic, magicSize);
   if (magic == "ABIF") return readAbif(AbifLayout::prefixSize);
   return false;
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/end_to_end/any_trace.h"
 #include "tests/support/project_folder.h"
 #include "tests/support/trace_builder.h"
 
@@ -18,8 +19,6 @@ namespace {
 std::string trace(const std::string& bases, const std::vector<int>& qualities) {
   return AbifBuilder().bases(bases).qualities(qualities).build();
 }
-
-std::string traceWithoutCalls() { return AbifBuilder().without("PBAS", 1).build(); }
 
 /// `count` samples that are 0 but at `position`.
 std::vector<int> spike(std::size_t count, std::size_t position, int height) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/end_to_end/any_trace.h"
 #include "tests/support/project_folder.h"
 #include "tests/support/trace_builder.h"
 
@@ -12,11 +13,6 @@ using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
 namespace {
-
-std::string anyTrace() { return AbifBuilder().build(); }
-
-/// A trace without base calls: its .phd.1 shows those of the file before it.
-std::string traceWithoutCalls() { return AbifBuilder().without("PBAS", 1).build(); }
 
 /// What the two output files of a sample begin with.
 std::string phdStart(const std::string& sample) {

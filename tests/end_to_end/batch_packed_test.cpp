@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/end_to_end/any_trace.h"
 #include "tests/support/project_folder.h"
 #include "tests/support/trace_builder.h"
 
@@ -17,11 +18,6 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 namespace {
-
-std::string anyTrace() { return AbifBuilder().build(); }
-
-/// What every run over `anyTrace` writes between BEGIN_DNA and END_DNA.
-constexpr const char* anyBases = "A 40 1\nC 40 4\nG 40 7\nT 40 10\n";
 
 /// What gunzip complains about when it is given a file of chromat_dir.
 std::string complaintsAbout(const ProjectFolder& project, const std::string& name) {

@@ -4,20 +4,18 @@
 #include <string>
 #include <vector>
 
+#include "tests/end_to_end/any_trace.h"
 #include "tests/support/project_folder.h"
 #include "tests/support/trace_builder.h"
 
+using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
 namespace {
-
-std::string anyTrace() { return AbifBuilder().build(); }
-
-/// What every run over `anyTrace` writes between BEGIN_DNA and END_DNA.
-constexpr const char* anyBases = "A 40 1\nC 40 4\nG 40 7\nT 40 10\n";
 
 /// 70 bases A of quality 20, but for what stands at the given positions.
 std::string longTrace(const std::map<int, int>& qualitiesAt,
@@ -61,7 +59,7 @@ void expectFates(const std::vector<GateCase>& cases) {
   const ProgramResult result = project.runList(names);
 
   EXPECT_EQ(result.out, warnings);
-  EXPECT_THAT(result.err, testing::Not(testing::HasSubstr("ERROR")));
+  EXPECT_THAT(result.err, testing::Not(HasSubstr("ERROR")));
   EXPECT_EQ(result.status, 0);
   for (const GateCase& gateCase : cases) {
     EXPECT_EQ(project.has("phd_dir/" + gateCase.claim + ".phd.1"), gateCase.converted)
@@ -161,7 +159,7 @@ TEST(ExistingResult, IsReplacedWholeWithOverwrite) {
   EXPECT_THAT(project.phd("x"), StartsWith("BEGIN_SEQUENCE x\n"));
   EXPECT_THAT(project.phd("x"), EndsWith("T 40 10\nEND_DNA\nEND_SEQUENCE\n"));
   EXPECT_THAT(project.poly("x"), StartsWith("x 1 1 1 1 1\nA 1 "));
-  EXPECT_THAT(project.poly("x"), testing::Not(testing::HasSubstr("#")));
+  EXPECT_THAT(project.poly("x"), testing::Not(HasSubstr("#")));
 }
 
 TEST(ExistingResult, StaysWhenTheTraceCanNotBeUsedWithOverwrite) {
@@ -204,19 +202,23 @@ TEST(OutputFile, APhdFileThatCanNotBeOpenedLeavesAnEmptyPolyFileAndTheRunGoesOn)
   EXPECT_THAT(project.poly("y"), StartsWith("y 1 1 1 1 1\nA 1 "));
 }
 
+// The writer is the same for both files, so that the .phd.1 would be lost if it came second.
 TEST(OutputFile, APolyFileThatCanNotBeOpenedLeavesThePhdFileWholeAndTheRunGoesOn) {
   const ProjectFolder project;
   project.addTrace("x.ab1", anyTrace());
   project.addTrace("y.ab1", anyTrace());
+  project.write("phd_dir/x.phd.1", "old");
   project.makeFolder("poly_dir/x.poly");
 
-  const ProgramResult result = project.run();
+  const ProgramResult result = project.run({"-o"});
 
   EXPECT_EQ(result.err, banner() + meterLines({0, 50, 100}));
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(project.phd("x"), StartsWith("BEGIN_SEQUENCE x\n"));
   EXPECT_EQ(project.phdBases("x"), anyBases);
   EXPECT_THAT(project.phd("x"), EndsWith("END_DNA\nEND_SEQUENCE\n"));
+  EXPECT_THAT(project.entries("poly_dir/x.poly"), IsEmpty());
   EXPECT_EQ(project.phdBases("y"), anyBases);
   EXPECT_THAT(project.poly("y"), StartsWith("y 1 1 1 1 1\nA 1 "));
 }
@@ -318,6 +320,18 @@ TEST(QualityGate, ExemptsBasesNOfEitherCase) {
                {"100-under-a", longTrace({{50, 100}}, {{50, 'a'}}), false},
                {"100-under-R", longTrace({{50, 100}}, {{50, 'R'}}), false},
                {"100-under-hyphen", longTrace({{50, 100}}, {{50, '-'}}), false}});
+}
+
+// The peak of base i is 1 + 3 i.
+TEST(QualityGate, LeavesTheCaseOfTheBasesAsItIs) {
+  const ProjectFolder project;
+  project.addTrace("x", longTrace({{50, 100}}, {{45, 'a'}, {50, 'n'}, {55, 'r'}, {60, 'N'}}));
+
+  const ProgramResult result = project.run();
+
+  EXPECT_EQ(result.out, "");
+  EXPECT_THAT(project.phdBases("x"), AllOf(HasSubstr("\na 20 136\n"), HasSubstr("\nn 100 151\n"),
+                                           HasSubstr("\nr 20 166\n"), HasSubstr("\nN 20 181\n")));
 }
 
 TEST(QualityGate, PassesATraceThatEndsBeforeTheWindow) {

@@ -1,4 +1,3 @@
-#include <ctime>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
@@ -7,20 +6,15 @@
 #include <sys/stat.h>
 #include <vector>
 
+#include "tests/end_to_end/any_trace.h"
 #include "tests/support/project_folder.h"
 #include "tests/support/trace_builder.h"
 
-using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 namespace {
-
-std::string anyTrace() { return AbifBuilder().build(); }
-
-/// What every run over `anyTrace` writes between BEGIN_DNA and END_DNA.
-constexpr const char* anyBases = "A 40 1\nC 40 4\nG 40 7\nT 40 10\n";
 
 /// `count` samples that are 0 but for the given ones.
 std::vector<int> samples(std::size_t count, const std::map<std::size_t, int>& given) {
@@ -125,23 +119,6 @@ C 12 0 0 A 13 0 0 6400 19200 0 0
 G 20 0 0 C 18 0 0 0 19200 32640 0
 N 28 0 0 N 0 0 0 640 0 0 44800
 )");
-}
-
-TEST(BatchTraces, AllNameTheMomentOfTheStartHoweverLongTheBatchTakes) {
-  const ProjectFolder project;
-  project.addTrace("a.ab1", anyTrace());
-  project.addGzipped("b.ab1.gz", anyTrace());
-  project.addTrace("c.ab1", anyTrace());
-  const auto environment   = project.withGunzip("sleep 1.1\nexec gzip -d \"$@\"\n");
-  const std::time_t before = std::time(nullptr);
-
-  runQuillet({.folder = project.path().string(), .environment = environment});
-
-  const std::vector<std::string> possible =
-      momentTexts(before, std::time(nullptr) - 1, "%a %b %e %H:%M:%S %Y");
-  EXPECT_THAT(possible, Contains(project.phdTime("a")));
-  EXPECT_EQ(project.phdTime("b"), project.phdTime("a"));
-  EXPECT_EQ(project.phdTime("c"), project.phdTime("a"));
 }
 
 TEST(BatchTraces, AreKnownByTheirContentAndNotByTheirExtension) {

@@ -73,6 +73,22 @@ TEST(AbifReaderLimits, ABaseOrderThatTheFileCutsShortFails) {
   EXPECT_TRUE(openBytes(whole.substr(0, order + 4)).read);
 }
 
+TEST(AbifReaderLimits, AFileThatEndsBeforeTheLettersOfALaterBaseOrderLeavesTheEarlierOne) {
+  // The bare order is "GATC"; "DATA" 9 rises from 300 and so is the later order's C.
+  const std::string whole = AbifBuilder().entry("FWO_", 1, "CATG").build();
+  const std::size_t order = whole.size() - 28 + 20;
+
+  const OpenedTrace earlier = openBytes(whole.substr(0, order));
+  EXPECT_EQ(earlier.status, 0);
+  EXPECT_EQ(earlier.g, risingFrom(300));
+  EXPECT_EQ(earlier.c, risingFrom(200));
+  for (std::size_t held = 1; held < 4; ++held)
+    EXPECT_EQ(openBytes(whole.substr(0, order + held)).status, 2) << held;
+  const OpenedTrace later = openBytes(whole.substr(0, order + 4));
+  EXPECT_EQ(later.g, risingFrom(200));
+  EXPECT_EQ(later.c, risingFrom(300));
+}
+
 TEST(AbifReaderLimits, ArraysThatTheFileCutsShortHoldZerosFromThereOn) {
   // The directory comes first: header 128, twelve entries of 28 to 464, then the data in turn.
   const std::size_t directoryEnd = 464;

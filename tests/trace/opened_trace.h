@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/support/scratch_folder.h"
+#include "tests/support/text_of.h"
 #include "trace/trace_file.h"
 
 using Samples = std::vector<std::uint16_t>;
@@ -17,10 +18,6 @@ inline std::string bytes(const std::vector<int>& values) {
   std::string text;
   for (const int value : values) text += static_cast<char>(value);
   return text;
-}
-
-inline std::string standardText(const Tessaly::String& text) {
-  return {text.text(), static_cast<std::size_t>(text.length())};
 }
 
 /// `count` samples from `first` on, each one more than the last.
@@ -57,10 +54,10 @@ inline void takeData(const Quillet::TraceFile& trace, OpenedTrace& opened) {
   opened.usable     = trace.getBaseCalls(bases, qualities, peaks);
   opened.pointCount = trace.pointCount();
   opened.baseCount  = trace.baseCount();
-  opened.bases      = standardText(bases);
-  opened.qualities  = standardText(qualities);
+  opened.bases      = textOf(bases);
+  opened.qualities  = textOf(qualities);
   opened.peaks.assign(peaks.data(), peaks.data() + peaks.size());
-  opened.callerName = standardText(trace.callerName());
+  opened.callerName = textOf(trace.callerName());
 }
 
 /// Opens the file at `path`.

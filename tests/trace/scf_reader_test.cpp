@@ -230,7 +230,8 @@ TEST(ScfReader, TheFirstLineThatBeginsWithBcalCounts) {
        {Case{"BCAL=one\nBCAL=two\n", "one"}, Case{"xBCAL=one\n BCAL=two\nBCAL=three", "three"},
         Case{"BCAL=\nBCAL=two\n", ""}, Case{"bcal=one\nBCAL one\n", ""},
         Case{"BCAL=one\r\n", "one\r"}, Case{"BCAL=a\0b\n"s, "a\0b"s}, Case{"BCAL=one", "one"},
-        Case{"\n\nBCAL=BCAL=one\n", "BCAL=one"}})
+        Case{"\nBCAL=BCAL=one\n", "BCAL=one"}, Case{"\n\nBCAL=one\n", "one"},
+        Case{"BCA\nBCAL=one\n", "one"}})
     EXPECT_EQ(openBytes(ScfBuilder().comments(one.comments).build()).callerName, one.name)
         << one.comments;
 }
@@ -242,6 +243,15 @@ TEST(ScfReader, CommentsWithoutABcalLineLeaveTheCallerNameEmpty) {
     EXPECT_EQ(opened.callerName, "") << comments;
     EXPECT_EQ(opened.bases, "ACGT") << comments;
   }
+}
+
+TEST(ScfReader, TheSearchForTheCallerStartsAtTheComments) {
+  // The unused part of the header holds a line "BCAL=no".
+  ScfBuilder builder;
+  builder.header(44, 0x0A424341).header(48, 0x4C3D6E6F).header(52, 0x0A000000);
+
+  EXPECT_EQ(openBytes(builder.build()).callerName, "built.scf");
+  EXPECT_EQ(openBytes(builder.comments("NAME=sample\n").build()).callerName, "");
 }
 
 TEST(ScfReader, TheSearchForTheCallerGoesOnBehindTheComments) {

@@ -8,6 +8,7 @@
 
 #include "foundation/clock.h"
 #include "tests/support/scratch_folder.h"
+#include "tests/support/text_of.h"
 #include "tests/support/trace_builder.h"
 #include "tests/trace/opened_trace.h"
 
@@ -56,8 +57,8 @@ TEST(TraceFile, TheTemporaryNameHoldsTheMomentOfConstruction) {
   const Tessaly::String after = Tessaly::Clock().format(pattern);
 
   EXPECT_EQ(trace.tempName().length(), 4 + 12);
-  EXPECT_GE(standardText(trace.tempName()), standardText(before));
-  EXPECT_LE(standardText(trace.tempName()), standardText(after));
+  EXPECT_GE(textOf(trace.tempName()), textOf(before));
+  EXPECT_LE(textOf(trace.tempName()), textOf(after));
 }
 
 TEST(TraceFile, CopyChannelCopiesInTheOrderACGT) {
@@ -117,7 +118,7 @@ TEST(TraceFile, BaseCallsReplaceWhatTheCallerHeld) {
 
   EXPECT_TRUE(usable);
   EXPECT_EQ(held.bases, "ACGTn");
-  EXPECT_EQ(standardText(held.qualities), bytes({10, 20, 30, 40, 50}));
+  EXPECT_EQ(textOf(held.qualities), bytes({10, 20, 30, 40, 50}));
   EXPECT_EQ(held.peakValues(), (Peaks{1, 4, 7, 10, 13, 12}));
 }
 
@@ -156,8 +157,7 @@ TEST(TraceFile, OneQualityFrom10To127MakesAllUsable) {
     Held held;
 
     EXPECT_EQ(trace->getBaseCalls(held.bases, held.qualities, held.peaks), one.usable);
-    EXPECT_EQ(standardText(held.qualities),
-              one.usable ? bytes(one.qualities) : "earlier qualities");
+    EXPECT_EQ(textOf(held.qualities), one.usable ? bytes(one.qualities) : "earlier qualities");
   }
 }
 
@@ -168,7 +168,7 @@ TEST(TraceFile, AZeroQualityEndsTheQualityText) {
   const bool usable = trace->getBaseCalls(held.bases, held.qualities, held.peaks);
 
   EXPECT_TRUE(usable);
-  EXPECT_EQ(standardText(held.qualities), bytes({20, 30}));
+  EXPECT_EQ(textOf(held.qualities), bytes({20, 30}));
   EXPECT_EQ(held.bases, "ACGT");
 }
 
@@ -190,7 +190,7 @@ TEST(TraceFile, AZeroByteAmongTheBasesEndsTheirText) {
 
   EXPECT_TRUE(usable);
   EXPECT_EQ(held.bases, "AC");
-  EXPECT_EQ(standardText(held.qualities), bytes({40, 40, 40, 40, 40}));
+  EXPECT_EQ(textOf(held.qualities), bytes({40, 40, 40, 40, 40}));
   EXPECT_EQ(held.peaks.size(), 6);
 }
 

@@ -6,8 +6,10 @@
 #include <sys/stat.h>
 #include <vector>
 
+#include "tests/support/captured_stderr.h"
 #include "tests/support/environment.h"
 #include "tests/support/scratch_folder.h"
+#include "tests/support/text_of.h"
 #include "tests/support/trace_builder.h"
 #include "tests/trace/opened_trace.h"
 
@@ -17,7 +19,7 @@ namespace {
 Tessaly::String writePacked(const ScratchFolder& folder, const std::string& name,
                             const std::string& content) {
   const Tessaly::String path = folder.write(name, content);
-  const std::string command  = "gzip " + standardText(path);
+  const std::string command  = "gzip " + textOf(path);
   EXPECT_EQ(std::system(command.c_str()), 0);
   return path;
 }
@@ -30,10 +32,31 @@ std::vector<std::string> namesIn(const ScratchFolder& folder) {
   return names;
 }
 
-void writeCommand(const ScratchFolder& folder, const std::string& name, const std::string& script) {
-  const Tessaly::String path = folder.write(name, "#!/bin/sh\n" + script);
-  std::filesystem::permissions(path.text(), std::filesystem::perms::owner_all);
-}
+/// Commands named gunzip and rm that stand before the system's and tell, in the file "log" of the
+/// working directory, how they were called.
+class LoggedCommands {
+ public:
+  /// What the commands do besides, as lines of a shell script.
+  explicit LoggedCommands(const ScratchFolder& folder, const std::string& gunzip = "",
+                          const std::string& rm = "")
+      : searchPath_("PATH", searchPath(folder).c_str()) {
+    write(folder, "gunzip", gunzip);
+    write(folder, "rm", rm);
+  }
+
+ private:
+  static std::string searchPath(const ScratchFolder& folder) {
+    return (folder.path() / "bin").string() + ":" + std::getenv("PATH");
+  }
+  static void write(const ScratchFolder& folder, const std::string& name,
+                    const std::string& script) {
+    const std::string log      = "#!/bin/sh\necho " + name + " \"$@\" >> log\n";
+    const Tessaly::String path = folder.write("bin/" + name, log + script);
+    std::filesystem::permissions(path.text(), std::filesystem::perms::owner_all);
+  }
+
+  EnvironmentVariable searchPath_;
+};
 
 using Names = std::vector<std::string>;
 
@@ -83,8 +106,25 @@ TEST(TraceOpen, ThePlainFileIsPreferredToThePackedOne) {
   EXPECT_EQ(openPath(path + ".gz").bases, "AAAAA");
 }
 
+TEST(TraceOpen, APlainTraceNamedLikeAPackedOneIsReadSinceGunzipPassesItThrough) {
+  const ScratchFolder folder;
+  folder.write("one.gz", AbifBuilder().bases("GATTACA").build());
+  Tessaly::String name = folder.at("one.gz");
+  Quillet::TraceFile trace;
+
+  const bool read = trace.open(name);
+
+  EXPECT_TRUE(read);
+  EXPECT_EQ(trace.status(), 0);
+  EXPECT_EQ(name, folder.at("one"));
+  EXPECT_EQ(openPath(folder.at("one")).bases, "GATTACA");
+  EXPECT_EQ(openPath(folder.at("one.gz")).bases, "GATTACA");
+  EXPECT_EQ(namesIn(folder), Names{"one.gz"});
+}
+
 TEST(TraceOpen, AFileThatIsNotThereGivesStatus1AndRunsNothing) {
   const ScratchFolder folder;
+  const LoggedCommands commands(folder);
   Tessaly::String name = folder.at("one");
   Quillet::TraceFile trace;
 
@@ -93,7 +133,7 @@ TEST(TraceOpen, AFileThatIsNotThereGivesStatus1AndRunsNothing) {
   EXPECT_FALSE(read);
   EXPECT_EQ(trace.status(), 1);
   EXPECT_EQ(name, folder.at("one"));
-  EXPECT_EQ(namesIn(folder), Names{});
+  EXPECT_EQ(namesIn(folder), Names{"bin"});  // no log
 }
 
 TEST(TraceOpen, AMissingFileWithTheNameOfAPackedOneGivesStatus2) {
@@ -153,6 +193,24 @@ TEST(TraceOpen, ANameThatIsExactlyGzIsAPlainOne) {
   EXPECT_EQ(name, ".gz");
 }
 
+TEST(TraceOpen, ANameThatIsExactlyGzIsAPlainOneBehindADirectoryToo) {
+  const ScratchFolder folder;
+  const LoggedCommands commands(folder);
+  Tessaly::String name(".gz");
+  Quillet::TraceFile missing, present;
+  missing.setDirectory("traces");
+  present.setDirectory("traces");
+
+  EXPECT_FALSE(missing.open(name));
+  EXPECT_EQ(missing.status(), 1);
+  EXPECT_EQ(name, ".gz");
+
+  folder.write("traces/.gz", AbifBuilder().build());
+  EXPECT_TRUE(present.open(name));
+  EXPECT_EQ(name, ".gz");
+  EXPECT_FALSE(folder.has("log"));
+}
+
 TEST(TraceOpen, AFolderNamedLikeATraceGivesStatus2) {
   const ScratchFolder folder;
   folder.makeFolder("one.ab1");
@@ -194,19 +252,80 @@ TEST(TraceOpen, ATraceBehindAHeaderOf128BytesIsRead) {
 }
 
 TEST(TraceOpen, ThePackedFileIsUnpackedIntoTheTemporaryNameAndThatIsRemoved) {
-  const ScratchFolder folder;  // given commands that only tell how they were called
-  writeCommand(folder, "bin/gunzip", "echo gunzip \"$@\" >> log\necho unpacked\n");
-  writeCommand(folder, "bin/rm", "echo rm \"$@\" >> log\n");
-  const std::string path = (folder.path() / "bin").string() + ":" + std::getenv("PATH");
-  const EnvironmentVariable searchPath("PATH", path.c_str());
+  const ScratchFolder folder;  // given
+  const LoggedCommands commands(folder, "echo unpacked\n");
   Tessaly::String name("one.gz");
   Quillet::TraceFile trace;
 
   trace.open(name);  // when
 
-  const std::string temporary = standardText(trace.tempName());  // then
+  const std::string temporary = textOf(trace.tempName());  // then
   EXPECT_EQ(folder.read("log"), "gunzip -c -f one.gz\nrm " + temporary + "\n");
   EXPECT_EQ(folder.read(temporary), "unpacked\n");
+}
+
+TEST(TraceOpen, TheDirectoryGetsASlashOnlyWhereItLacksOne) {
+  struct Case {
+    const char* directory;
+    std::string path;
+  };
+  for (const Case& one :
+       {Case{"traces", "traces/one.gz"}, Case{"traces/", "traces/one.gz"},
+        Case{"traces//", "traces//one.gz"}, Case{"/", "/one.gz"}, Case{"", "/one.gz"}}) {
+    const ScratchFolder folder;
+    const LoggedCommands commands(folder);
+    Tessaly::String name("one.gz");
+    Quillet::TraceFile trace;
+    trace.setDirectory(one.directory);
+
+    trace.open(name);
+
+    EXPECT_TRUE(folder.read("log").starts_with("gunzip -c -f " + one.path + "\n"))
+        << one.directory << ": " << folder.read("log");
+  }
+}
+
+TEST(TraceOpen, TheExitStatusOfGunzipIsNotLookedAt) {
+  const ScratchFolder folder;
+  folder.write("plain", AbifBuilder().bases("GATTACA").build());
+  const LoggedCommands commands(folder, "cat plain\nexit 1\n");
+
+  const OpenedTrace opened = openPath("one.gz");
+
+  EXPECT_TRUE(opened.read);
+  EXPECT_EQ(opened.status, 0);
+  EXPECT_EQ(opened.bases, "GATTACA");
+}
+
+TEST(TraceOpen, ComplaintsOfTheCommandsGoToTheErrorStream) {
+  const ScratchFolder folder;
+  const LoggedCommands commands(folder, "echo from gunzip >&2\n", "echo from rm >&2\n");
+  const CapturedStderr err;
+
+  openPath("one.gz");
+
+  EXPECT_EQ(err.text(), "from gunzip\nfrom rm\n");
+}
+
+TEST(TraceOpen, TheFileIsClosedWhateverBecameOfIt) {
+  struct Case {
+    std::string content;
+    std::int32_t status;
+  };
+  const ScratchFolder folder;
+  for (const Case& one : {Case{AbifBuilder().build(), 0}, Case{ScfBuilder().build(), 0},
+                          Case{AbifBuilder().without("FWO_", 1).build(), 2}, Case{"no trace", 2}}) {
+    Tessaly::String plain = folder.write("one", one.content);
+    Tessaly::String gz    = folder.write("two.gz", one.content);
+    for (Tessaly::String* name : {&plain, &gz}) {
+      Quillet::TraceFile trace;
+
+      trace.open(*name);
+
+      EXPECT_EQ(trace.status(), one.status) << *name;
+      EXPECT_FALSE(trace.is_open()) << *name;
+    }
+  }
 }
 
 TEST(TraceOpen, NamesReachTheShellUnquoted) {
