@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -45,7 +46,21 @@ struct MeterCase {
   std::string lines;
 };
 
+void PrintTo(const MeterCase& meterCase, std::ostream* stream) { *stream << meterCase.count; }
+
 class RedirectedMeter : public testing::TestWithParam<MeterCase> {};
+
+/// Tests on a terminal, passed over where the system has none to give, as in a bare chroot.
+class TerminalMeter : public testing::Test {
+ protected:
+  void SetUp() override {
+    const ScratchFolder folder;
+    const ProgramResult trial = runProgram(
+        "script",
+        {.folder = folder.path().string(), .arguments = {"-qec", "test -t 2", "/dev/null"}});
+    if (trial.status != 0) GTEST_SKIP() << trial.err;
+  }
+};
 
 }  // namespace
 
@@ -107,7 +122,7 @@ TEST(Meter, AStepThatChangesNoPercentageLeavesNoLineBetweenTheMessages) {
   EXPECT_EQ(result.err, expected);
 }
 
-TEST(Meter, RewritesOneLineInPlaceOnATerminal) {
+TEST_F(TerminalMeter, RewritesOneLineInPlace) {
   const ProjectFolder project;
   for (const std::string& name : doneSamples(project, 3)) project.addTrace(name, "");
 
@@ -117,7 +132,7 @@ TEST(Meter, RewritesOneLineInPlaceOnATerminal) {
                                         drawn("  67% done") + drawn(" 100% done")));
 }
 
-TEST(Meter, ShowsZeroOnATerminalWhenThereIsNothingToConvert) {
+TEST_F(TerminalMeter, ShowsZeroWhenThereIsNothingToConvert) {
   const ProjectFolder project;
 
   const std::string screen = onTerminal(project, QUILLET_PROGRAM);
@@ -125,7 +140,7 @@ TEST(Meter, ShowsZeroOnATerminalWhenThereIsNothingToConvert) {
   EXPECT_EQ(screen, withCarriageReturns(banner() + drawn("   0% done")));
 }
 
-TEST(Meter, IsOverwrittenByTheMessagesOnATerminalAndNotClearedAtTheEnd) {
+TEST_F(TerminalMeter, IsOverwrittenByTheMessagesAndNotClearedAtTheEnd) {
   const ProjectFolder project;
   project.addTrace("empty.ab1", "");
   for (const std::string& name : doneSamples(project, 1)) project.addTrace(name, "");
@@ -136,7 +151,7 @@ TEST(Meter, IsOverwrittenByTheMessagesOnATerminalAndNotClearedAtTheEnd) {
                                         drawn(" 100% done") + project.invalidTrace("empty.ab1")));
 }
 
-TEST(Meter, LooksAtTheErrorStreamAloneForATerminal) {
+TEST_F(TerminalMeter, LooksAtTheErrorStreamAloneForATerminal) {
   const ProjectFolder project;
   for (const std::string& name : doneSamples(project, 1)) project.addTrace(name, "");
 
@@ -146,7 +161,7 @@ TEST(Meter, LooksAtTheErrorStreamAloneForATerminal) {
   EXPECT_EQ(project.read("log"), banner() + "   0% done\n 100% done\n");
 }
 
-TEST(Meter, WritesTheTerminalFormWhenOnlyTheOutputStreamIsRedirected) {
+TEST_F(TerminalMeter, WritesTheTerminalFormWhenOnlyTheOutputStreamIsRedirected) {
   const ProjectFolder project;
   for (const std::string& name : doneSamples(project, 1)) project.addTrace(name, "");
 
