@@ -32,7 +32,9 @@ struct PeakTally {
   std::uint32_t heightTotal = 0;
 
   float averageHeight() const {
-    return count == 0 ? 0.0F : static_cast<float>(heightTotal / static_cast<std::uint32_t>(count));
+    if (count == 0) return 0.0F;
+    const std::uint32_t average = heightTotal / static_cast<std::uint32_t>(count);
+    return static_cast<float>(average);
   }
 };
 

@@ -11,7 +11,8 @@ namespace Quillet {
 namespace {
 
 constexpr std::uint32_t bytesPerSample = 2;
-constexpr std::size_t bytesPerPoint    = 4 * bytesPerSample;  // one sample of each channel
+constexpr std::size_t bytesPerPoint =
+    std::size_t{4} * bytesPerSample;  // one sample of each channel
 
 /// The channels interleaved point by point, `bytesPerPoint` bytes each.
 std::unique_ptr<char[]> interleave(const std::int16_t* const channels[4], std::size_t pointCount) {

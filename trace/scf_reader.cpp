@@ -142,8 +142,8 @@ void TraceFile::readScfSamples2(std::int32_t sampleSize) {
       if (sampleSize == 1)
         for (std::uint32_t i = 0; i < count; ++i) samples[i] = chunk[4 * i + index];
       else
-        for (std::uint32_t i = 0; i < count; ++i)
-          samples[i] = Tessaly::bigEndian16(chunk + 8 * i + 2 * index);
+        for (std::size_t i = 0; i < count; ++i)
+          samples[i] = Tessaly::bigEndian16(chunk + 8 * i + std::size_t{2} * index);
     }
   }
 }

@@ -1,3 +1,5 @@
+#include "foundation/directory.h"
+
 #include <cstring>
 #include <exception>
 #include <filesystem>
@@ -7,7 +9,6 @@
 #include <type_traits>
 #include <typeinfo>
 
-#include "foundation/directory.h"
 #include "tests/support/ordinary_user.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/slot_of.h"

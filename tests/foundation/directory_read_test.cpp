@@ -1,3 +1,5 @@
+#include "foundation/directory.h"
+
 #include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -8,7 +10,6 @@
 #include <unistd.h>
 #include <vector>
 
-#include "foundation/directory.h"
 #include "tests/support/environment.h"
 #include "tests/support/ordinary_user.h"
 #include "tests/support/scratch_folder.h"

@@ -1,3 +1,5 @@
+#include "trace/file_reader.h"
+
 #include <array>
 #include <gtest/gtest.h>
 #include <random>
@@ -6,7 +8,6 @@
 #include "tests/support/scratch_folder.h"
 #include "tests/trace/block_model.h"
 #include "tests/trace/plain_reader.h"
-#include "trace/file_reader.h"
 
 // Random operations on random files: the reader against the file in memory, and against the block
 // rules done to the letter. Seeds are fixed, so a failure comes back.

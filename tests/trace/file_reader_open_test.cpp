@@ -1,3 +1,5 @@
+#include "trace/file_reader.h"
+
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -12,7 +14,6 @@
 #include "tests/support/text_of.h"
 #include "tests/trace/counting_bytes.h"
 #include "tests/trace/single_bytes.h"
-#include "trace/file_reader.h"
 
 // Opening and closing, and files that change while they are open.
 

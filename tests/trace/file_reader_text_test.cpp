@@ -1,10 +1,11 @@
+#include "trace/file_reader.h"
+
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
 
 #include "tests/support/scratch_folder.h"
 #include "tests/support/text_of.h"
-#include "trace/file_reader.h"
 
 namespace {
 

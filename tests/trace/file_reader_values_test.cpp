@@ -1,3 +1,5 @@
+#include "trace/file_reader.h"
+
 #include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,7 +9,6 @@
 
 #include "tests/support/scratch_folder.h"
 #include "tests/trace/counting_bytes.h"
-#include "trace/file_reader.h"
 
 namespace {
 
