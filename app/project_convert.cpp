@@ -86,16 +86,33 @@ class Batch {
   void convert(const std::string& listedName);
 
  private:
+  bool read(std::unique_ptr<std::uint16_t[]> (&channels)[4], std::uint32_t& pointCount);
+
   const Settings& settings_;
   const Project& project_;
   Tessaly::String name_;
   Tessaly::String path_;
+  Tessaly::String callerName_;
   Tessaly::String phdFile_;
   Tessaly::String bases_;
   Tessaly::String qualities_;
   Tessaly::Vector<std::int32_t> peaks_;
   PolyPeaks polyPeaks_;
 };
+
+/// Takes over what the trace at `path_` holds; false, with a message, when it can not be read. The
+/// trace itself is gone afterwards: what it holds would stand in memory twice.
+bool Batch::read(std::unique_ptr<std::uint16_t[]> (&channels)[4], std::uint32_t& pointCount) {
+  TraceFile trace;
+  if (!trace.open(path_)) {
+    std::cerr << "ERROR: invalid trace file " << path_ << " - skipping." << std::endl;
+    return false;
+  }
+  trace.newChannels(channels, pointCount);
+  trace.getBaseCalls(bases_, qualities_, peaks_);
+  callerName_ = trace.callerName();
+  return true;
+}
 
 void Batch::convert(const std::string& listedName) {
   name_ = listedName.c_str();
@@ -106,15 +123,9 @@ void Batch::convert(const std::string& listedName) {
   if (!settings_.overwrite && writer.exists(phdFile_)) return;
 
   path_ = project_.chromatPath() + listedName.c_str();
-  TraceFile trace;
-  if (!trace.open(path_)) {
-    std::cerr << "ERROR: invalid trace file " << path_ << " - skipping." << std::endl;
-    return;
-  }
   std::unique_ptr<std::uint16_t[]> channels[4];
   std::uint32_t pointCount = 0;
-  trace.newChannels(channels, pointCount);
-  trace.getBaseCalls(bases_, qualities_, peaks_);
+  if (!read(channels, pointCount)) return;
   if (!hasQualities(bases_, qualities_)) {
     std::cout << "Warning: missing quality values in trace file " << path_ << " - skipping."
               << std::endl;
@@ -123,7 +134,7 @@ void Batch::convert(const std::string& listedName) {
 
   writePhdFile(writer, phdFile_,
                {.sampleName = name_,
-                .callerName = trace.callerName(),
+                .callerName = callerName_,
                 .timeText   = project_.timeText(),
                 .pointCount = pointCount,
                 .bases      = bases_,

@@ -26,6 +26,13 @@ void PolyPeaks::reserve(std::size_t pointCount, std::size_t baseCount) {
   }
 }
 
+// A file can claim millions of samples: the trace behind it needs that memory itself.
+void PolyPeaks::releaseLongMaxima() {
+  if (pointCapacity_ <= keptPointCount) return;
+  pointCapacity_ = 0;
+  for (auto& maxima : maxima_) maxima.reset();
+}
+
 void PolyPeaks::compute(std::uint16_t* const (&channels)[4], std::uint32_t pointCount,
                         const Tessaly::String& bases, const std::int32_t* peaks) {
   reserve(pointCount, static_cast<std::size_t>(bases.length()));
@@ -39,6 +46,7 @@ void PolyPeaks::compute(std::uint16_t* const (&channels)[4], std::uint32_t point
             {peakPos_[0].get(), peakPos_[1].get(), peakPos_[2].get(), peakPos_[3].get()},
             {peakAmp_[0].get(), peakAmp_[1].get(), peakAmp_[2].get(), peakAmp_[3].get()});
 
+  releaseLongMaxima();
   for (int channel = 0; channel < 4; ++channel) {
     normaliseAreas(channels[channel], pointCount, averages[channel], peakPos(channel),
                    peakAmp(channel), bases.length(), normAmp_[channel].get());

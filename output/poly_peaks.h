@@ -24,7 +24,8 @@ struct CalledTrace {
 ///
 /// Channels are numbered 0..3 for A, C, G, T; positions are 0-based sample indices; heights are
 /// amplitudes after both rescalings (0..65280). Owns its results, which describe the trace of the
-/// last compute(), and the working storage; both only grow: one object serves a whole batch.
+/// last compute(), and the working storage. Both only grow, but for the working storage of a trace
+/// that is far too long to be one, which goes at once: one object serves a whole batch.
 /// Errors: nothing but an allocation failure, whatever the peaks say; the time is in proportion to
 /// samples and bases, with a logarithm where the peaks are in disorder.
 /// Use: construct once, then compute() for each trace and read the results.
@@ -44,7 +45,10 @@ class PolyPeaks {
   const std::int32_t* secondPos() const { return secondPos_.get(); }
 
  private:
+  static constexpr std::size_t keptPointCount = 1 << 18;  // well above any instrument's trace
+
   void reserve(std::size_t pointCount, std::size_t baseCount);
+  void releaseLongMaxima();
 
   std::unique_ptr<std::int32_t[]> peakPos_[4];
   std::unique_ptr<std::uint32_t[]> peakAmp_[4];

@@ -231,4 +231,17 @@ TEST(PolyPeaks, AgreesWithThePlainComputationWhenThePeaksAreNotThoseOfTheTrace) 
   }
 }
 
+TEST(PolyPeaks, ATraceFarTooLongLeavesTheObjectAsGoodAsNew) {
+  std::mt19937 random(18);
+  const PolyInput longTrace  = randomTrace(random, (std::size_t{1} << 18) + 1);
+  const PolyInput shortTrace = randomTrace(random, 2000);
+
+  Quillet::PolyPeaks polyPeaks;
+  for (const PolyInput* trace : {&longTrace, &shortTrace, &longTrace}) {
+    PolyInput reused = *trace;
+    PolyInput fresh  = *trace;
+    EXPECT_TRUE(computeWith(polyPeaks, reused) == compute(fresh));
+  }
+}
+
 }  // namespace
