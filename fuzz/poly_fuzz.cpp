@@ -1,0 +1,164 @@
+// The peak computation on any channels, bases and peak positions, against the plain second one.
+//
+// The bytes: two for the number of samples, one for the number of bases, one that says whether the
+// positions lie anywhere or near the trace; then the bases, then the positions; what is left is the
+// signal, over and over until all channels are full.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "fuzz/dirty_memory.h"
+#include "fuzz/scratch_file.h"
+#include "output/poly_peaks.h"
+#include "tests/output/plain_poly.h"
+
+namespace {
+
+constexpr std::int64_t mostSamples      = 2600;  // the channel balance looks at 1499..2500
+constexpr std::int64_t longestPlainWalk = 20'000;
+
+/// Big-endian numbers out of the bytes, as long as there are any; then zeros.
+class Source {
+ public:
+  Source(const std::uint8_t* bytes, std::size_t count) : bytes_(bytes), end_(bytes + count) {}
+
+  std::uint32_t next(int size) {
+    std::uint32_t value = 0;
+    for (int i = 0; i < size; ++i) value = value << 8 | (bytes_ == end_ ? 0U : *bytes_++);
+    return value;
+  }
+  std::vector<std::uint8_t> rest() const { return {bytes_, end_}; }
+
+ private:
+  const std::uint8_t* bytes_;
+  const std::uint8_t* end_;
+};
+
+PolyInput inputFrom(Source source) {
+  PolyInput input;
+  const std::size_t pointCount = source.next(2) % (mostSamples + 1);
+  const std::uint32_t bases    = source.next(1);
+  const bool anywhere          = source.next(1) % 2 == 1;
+  for (std::uint32_t i = 0; i < bases; ++i) {
+    const auto byte = static_cast<char>(source.next(1));
+    input.bases += static_cast<unsigned char>(byte) < 192 ? "ACGT"[byte & 3] : byte;
+  }
+  for (std::uint32_t i = 0; i <= bases; ++i) {
+    input.peaks.push_back(anywhere ? static_cast<std::int32_t>(source.next(4))
+                                   : static_cast<std::int16_t>(source.next(2)));
+  }
+  const std::vector<std::uint8_t> signal = source.rest();
+  std::size_t at                         = 0;
+  for (auto& channel : input.channels) {
+    channel.resize(pointCount);
+    for (std::uint16_t& sample : channel) {
+      if (signal.empty()) continue;
+      sample = static_cast<std::uint16_t>(signal[at % signal.size()] << 8 |
+                                          signal[(at + 1) % signal.size()]);
+      at += 2;
+    }
+  }
+  return input;
+}
+
+std::int64_t rangeStart(const PolyInput& input, std::size_t base) {
+  const std::int64_t here = input.peaks[base];
+  return base == 0 ? here / 2 : (input.peaks[base - 1] + here) / 2;
+}
+
+std::int64_t rangeEnd(const PolyInput& input, std::size_t base) {
+  return (std::int64_t{input.peaks[base]} + input.peaks[base + 1]) / 2;
+}
+
+/// Samples that the plain search of the tests would walk over in one channel.
+std::int64_t plainWalk(const PolyInput& input) {
+  std::int64_t length = 0;
+  for (std::size_t i = 0; i < input.bases.size(); ++i) {
+    length += std::max<std::int64_t>(rangeEnd(input, i) - rangeStart(input, i), 0);
+  }
+  return length;
+}
+
+/// The plain search without the samples outside the trace, among which there is no maximum: what
+/// the plain search of the tests would take too long for.
+void searchNearTrace(const PolyInput& input, PolyResult& result) {
+  for (std::size_t channel = 0; channel < 4; ++channel) {
+    const std::vector<std::uint16_t>& samples = input.channels[channel];
+    const auto read                           = [&](std::int64_t index) -> std::int32_t {
+      return index < 0 || index >= input.pointCount() ? 0
+                                                                                : samples[static_cast<std::size_t>(index)];
+    };
+    for (std::size_t i = 0; i < input.bases.size(); ++i) {
+      const std::int64_t here = input.peaks[i];
+      std::int32_t best       = 0;
+      std::int64_t bestPos    = 0;
+      const std::int64_t last = std::min(rangeEnd(input, i), input.pointCount() + 2);
+      for (auto j = std::max<std::int64_t>(rangeStart(input, i) + 2, 0); j <= last; ++j) {
+        if (best < read(j - 1) && 2 * read(j - 1) - read(j - 2) - read(j) > 3) {
+          best    = read(j - 1);
+          bestPos = j;
+        }
+      }
+      if (best == 0 && "ACGT"[channel] == input.bases[i]) {
+        bestPos = here;
+        best    = read(here);
+      }
+      result.peakPos[channel].push_back(static_cast<std::int32_t>(bestPos));
+      result.peakAmp[channel].push_back(static_cast<std::uint32_t>(best));
+    }
+  }
+}
+
+PolyResult plainResult(PolyInput& input) {
+  if (plainWalk(input) <= longestPlainWalk) return plainPoly(input);
+  PolyResult result;
+  plainScale(input);
+  const std::array<float, 4> averages = plainBalance(input);
+  searchNearTrace(input, result);
+  plainAreas(input, averages, result);
+  plainSecondPeaks(input, result);
+  return result;
+}
+
+PolyResult compute(Quillet::PolyPeaks& peaks, PolyInput& input) {
+  Tessaly::String bases;
+  bases.append(input.bases.data(), input.baseCount());
+  auto& channels = input.channels;
+  peaks.compute({channels[0].data(), channels[1].data(), channels[2].data(), channels[3].data()},
+                static_cast<std::uint32_t>(input.pointCount()), bases, input.peaks.data());
+
+  PolyResult result;
+  const auto count = static_cast<std::size_t>(input.baseCount());
+  for (std::size_t i = 0; i < 4; ++i) {
+    const int channel = static_cast<int>(i);
+    result.peakPos[i].assign(peaks.peakPos(channel), peaks.peakPos(channel) + count);
+    result.peakAmp[i].assign(peaks.peakAmp(channel), peaks.peakAmp(channel) + count);
+    result.normAmp[i].assign(peaks.normAmp(channel), peaks.normAmp(channel) + count);
+  }
+  result.secondBase.assign(peaks.secondBase(), count);
+  result.secondPos.assign(peaks.secondPos(), peaks.secondPos() + count);
+  return result;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
+  const PolyInput input   = inputFrom(Source(bytes, count));
+  PolyInput expected      = input;
+  const PolyResult wanted = plainResult(expected);
+
+  setDirt(0x5A);
+  Quillet::PolyPeaks peaks;
+  PolyInput other = input;  // another trace before it, of the same size
+  std::reverse(other.channels.begin(), other.channels.end());
+  std::reverse(other.peaks.begin(), other.peaks.end());
+  compute(peaks, other);
+  PolyInput found = input;
+  require(compute(peaks, found) == wanted, "the peaks are those of the plain computation");
+  require(found.channels == expected.channels, "and so are the rescaled channels");
+  return 0;
+}

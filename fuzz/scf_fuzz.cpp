@@ -1,0 +1,11 @@
+// Any bytes as a trace file; the seeds and the dictionary make them SCF files.
+
+#include <cstddef>
+#include <cstdint>
+
+#include "fuzz/trace_check.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
+  checkTrace(bytes, count);
+  return 0;
+}
