@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "tests/support/environment.h"
+#include "tests/support/sanitizer.h"
 #include "tests/support/text_of.h"
 
 namespace {
@@ -26,14 +27,6 @@ std::string formatted(std::time_t moment, const char* pattern) {
   EnvironmentVariable zone("TZ", "UTC0");
   return textOf(Clock(moment).format(pattern));
 }
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QUILLET_TEST_ADDRESS_SANITIZER
-#endif
-#elif defined(__SANITIZE_ADDRESS__)
-#define QUILLET_TEST_ADDRESS_SANITIZER
-#endif
 
 }  // namespace
 
@@ -225,9 +218,7 @@ TEST(ClockFormat, TheLastYearOfAllIsFourCharacters) {
 }
 
 TEST(ClockFormat, WithoutMemoryItThrowsOne) {
-#ifdef QUILLET_TEST_ADDRESS_SANITIZER
-  GTEST_SKIP() << "the sanitizer reserves memory of its own";
-#endif
+  if (underAddressSanitizer) GTEST_SKIP() << "the sanitizer reserves memory of its own";
   const std::string pattern(2 << 20, 'x');
   const Clock clock(autumnNoon);
 

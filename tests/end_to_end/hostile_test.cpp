@@ -1,0 +1,185 @@
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "tests/support/project_folder.h"
+#include "tests/support/sanitizer.h"
+#include "tests/support/trace_builder.h"
+#include "tests/support/trace_generator.h"
+
+// What files may cost that are something else than they claim: their message, and no other file's
+// result, a bounded amount of memory, and no more time than their length explains.
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+constexpr std::size_t hostileSize         = std::size_t{2} << 20;  // bytes
+constexpr std::uint32_t mostUnbacked      = 4'194'304;  // samples or bases that a file may invent
+constexpr std::uint32_t one               = 1;
+constexpr std::uint32_t all32Bits         = 0xFFFFFFFF;
+constexpr std::uint32_t moreThanIsBacked  = mostUnbacked + one;
+constexpr std::uint32_t channelNumbers[4] = {9, 10, 11, 12};
+
+std::string filled(std::string bytes, const std::string& pattern, std::size_t size = hostileSize) {
+  while (bytes.size() < size) bytes += pattern;
+  bytes.resize(size);
+  return bytes;
+}
+
+/// Samples and calls by the million, all of them at the same place: behind the rest of the file.
+std::string claimingAbif(std::uint32_t claim, const std::string& pattern) {
+  const auto end = static_cast<std::uint32_t>(AbifBuilder().build().size());
+  AbifBuilder builder;
+  for (const std::uint32_t number : channelNumbers) {
+    builder.count("DATA", number, claim).dataOffset("DATA", number, end);
+  }
+  for (const char* name : {"PBAS", "PCON", "PLOC"}) {
+    builder.count(name, 1, claim).dataOffset(name, 1, end);
+  }
+  builder.count("SPAC", 2, all32Bits).dataOffset("SPAC", 2, end);
+  return filled(builder.build(), pattern);
+}
+
+std::string claimingScf(const std::string& version, std::uint32_t samples, std::uint32_t bases,
+                        const std::string& pattern) {
+  const std::string bytes = ScfBuilder()
+                                .version(version)
+                                .header(4, samples)
+                                .header(8, 128)
+                                .header(12, bases)
+                                .header(24, 128)
+                                .header(32, 128)
+                                .truncatedTo(128)
+                                .build();
+  return filled(bytes, pattern);
+}
+
+std::string walkedAbif(std::uint16_t stride) {
+  const std::string entry("DATA\0\0\0\x9", 8);
+  return filled(
+      AbifBuilder().headerStride(stride).headerEntryCount(all32Bits).directoryFirst().build(),
+      entry);
+}
+
+struct Hostile {
+  std::string name;
+  std::string bytes;
+  bool converted;
+};
+
+std::vector<Hostile> hostiles() {
+  // Peak positions are pairs of bytes: twice 257, twice 25443, and so on. Half of the search ranges
+  // between them are 12593 samples long: walked sample by sample, they would take most of the time.
+  const std::string farApart = "\1\1\1\1cccc";
+  const std::string mixed    = "ACGTTGCATTACGGCA";
+  return {
+      {"abif_far_apart", claimingAbif(mostUnbacked, farApart), true},
+      {"abif_mixed", claimingAbif(mostUnbacked, mixed), true},
+      {"abif_more", claimingAbif(moreThanIsBacked, mixed), false},
+      {"abif_most", claimingAbif(all32Bits, mixed), false},
+      {"scf2_mixed", claimingScf("2.00", mostUnbacked, mostUnbacked, mixed), true},
+      {"scf3_mixed", claimingScf("3.00", mostUnbacked, mostUnbacked, mixed), true},
+      {"scf3_backed_bases", claimingScf("3.00", mostUnbacked, 233'000, mixed), true},
+      {"scf2_more", claimingScf("2.00", moreThanIsBacked, 1, mixed), false},
+      {"scf3_more", claimingScf("3.00", 1, moreThanIsBacked, mixed), false},
+      {"scf3_most", claimingScf("3.00", all32Bits, all32Bits, mixed), false},
+      {"scf_endless_line", claimingScf("3.00", 1, 0, "x"), true},
+      {"scf_line_feeds", claimingScf("3.00", 1, 0, "\n"), true},
+      {"scf_endless_caller", filled(ScfBuilder().comments("BCAL=").build(), "x"), true},
+      {"walk_in_place", walkedAbif(0), false},
+      {"walk_byte_by_byte", walkedAbif(1), false},
+      {"nothing_but_zeros", std::string(hostileSize, '\0'), false},
+  };
+}
+
+std::string goodTrace() { return believableTrace(7, 300).abif().build(); }
+
+/// The program within these limits: address space in KiB, processor time in seconds.
+ProgramResult runWithin(const ProjectFolder& project, int kibibytes, int seconds) {
+  const std::string memory =
+      underAddressSanitizer ? "" : "ulimit -v " + std::to_string(kibibytes) + " && ";
+  return runProgram("sh", {.folder    = project.path().string(),
+                           .arguments = {"-c", memory + "ulimit -t " + std::to_string(seconds) +
+                                                   " && exec '" QUILLET_PROGRAM "'"}});
+}
+
+constexpr int promisedMemory = 256 * 1024;  // KiB
+#ifdef NDEBUG
+constexpr int secondsForAll = 5;
+#else
+constexpr int secondsForAll = 60;
+#endif
+
+/// What stands behind the sample's name, the first word.
+std::string behindName(const std::string& poly) {
+  return poly.substr(std::min(poly.find(' '), poly.size()));
+}
+
+/// The good trace lies before and behind all others and comes out as it does alone.
+void expectGoodResults(const ProjectFolder& project) {
+  const ProjectFolder alone;
+  alone.addTrace("good", goodTrace());
+  ASSERT_EQ(alone.run().status, 0);
+  ASSERT_NE(alone.phdBases("good"), "");
+  for (const char* name : {"0_before", "z_behind"}) {
+    EXPECT_TRUE(project.phdBases(name) == alone.phdBases("good")) << name;
+    EXPECT_TRUE(behindName(project.poly(name)) == behindName(alone.poly("good"))) << name;
+  }
+}
+
+void addGoodTraces(const ProjectFolder& project) {
+  project.addTrace("0_before", goodTrace());
+  project.addTrace("z_behind", goodTrace());
+}
+
+}  // namespace
+
+TEST(Hostile, FilesOf2MebibytesCostAMessageAtMostAndNeither256MebibytesNorMinutes) {
+  const ProjectFolder project;
+  addGoodTraces(project);
+  std::vector<std::string> refused;
+  for (const Hostile& hostile : hostiles()) {
+    project.addTrace(hostile.name, hostile.bytes);
+    if (!hostile.converted) refused.push_back(hostile.name);
+  }
+
+  // One after the other in one run: what a file took must be free for the next.
+  const ProgramResult result = runWithin(project, promisedMemory, secondsForAll);
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out, "");
+  std::string errors = result.err;
+  for (const std::string& name : refused) {
+    const std::string message = project.invalidTrace(name);
+    const std::size_t found   = errors.find(message);
+    ASSERT_NE(found, std::string::npos) << name;
+    errors.erase(found, message.size());
+  }
+  EXPECT_THAT(errors, Not(HasSubstr("ERROR")));
+  for (const Hostile& hostile : hostiles()) {
+    EXPECT_EQ(project.has("phd_dir/" + hostile.name + ".phd.1"), hostile.converted) << hostile.name;
+    EXPECT_EQ(project.has("poly_dir/" + hostile.name + ".poly"), hostile.converted) << hostile.name;
+  }
+  expectGoodResults(project);
+}
+
+TEST(Hostile, ALineWithoutEndIsNotKeptWhileTheCallerIsSought) {
+  if (underAddressSanitizer) GTEST_SKIP() << "no memory limit under the address sanitizer";
+  const ProjectFolder project;
+  addGoodTraces(project);
+  project.addTrace("line", ScfBuilder().comments("NAME=built\n").build());
+  std::filesystem::resize_file(project.path() / "chromat_dir/line", std::uintmax_t{80} << 20);
+
+  const ProgramResult result = runWithin(project, 64 * 1024, 60);
+
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.err, Not(HasSubstr("ERROR")));
+  EXPECT_THAT(project.phd("line"), HasSubstr("\nCALL_METHOD: \n"));
+  expectGoodResults(project);
+}
