@@ -77,6 +77,7 @@ Seeds resourceFileSeeds() {
       {"bad_flag", "flag -x\nphddir p\n"},
       {"no_argument", "flag -o\nchromatdir\n"},
       {"flag_without_argument", "flag -dir\n"},
+      {"second_list_without_argument", "flag -l names\nflag -list\n"},
       {"command_line_without_argument", "\n%%\n-o\n-list\n"},
   };
 }
@@ -123,7 +124,9 @@ std::string polySeed(const TraceContents& trace) {
 
 Seeds polySeeds() {
   const std::string waves("\0\0\1\0\3\0\2\0\0\7\0\0\377\377\0\1", 16);
-  const std::vector<std::int32_t> ends{0, 2600, 0, 2600, 0, 2600, 0};
+  // Twice at one end of the trace, twice at the other: every second search range is half a trace.
+  std::vector<std::int32_t> ends;
+  for (int i = 0; i <= 60; ++i) ends.push_back(i / 2 % 2 == 0 ? 0 : 2600);
   const std::vector<std::int32_t> far{-2147483647 - 1, 2147483647, 5, -1, 2147483647};
   return {
       {"empty", ""},
@@ -131,7 +134,7 @@ Seeds polySeeds() {
       {"all_zero", polySeed(2600, "\1\2\3", {10, 20, 30, 2600}, false, "")},
       {"waves", polySeed(2600, "\1\2\3\300N", {10, 20, 30, 40, 50, 2600}, false, waves)},
       {"short", polySeed(12, "\1\2\3", {1, 4, 7, 12}, false, waves)},
-      {"end_to_end", polySeed(2600, std::string(6, '\1'), ends, false, waves)},
+      {"end_to_end", polySeed(2600, std::string(60, '\1'), ends, false, waves)},
       {"far", polySeed(2501, "\1\2\3\1", far, true, waves)},
       {"all_equal",
        polySeed(2500, std::string(50, '\2'), std::vector<std::int32_t>(51, 700), false, waves)},
