@@ -31,7 +31,12 @@ void readThenZero(Value* destination, std::size_t count, Read read) {
 
 }  // namespace
 
-TraceFile::TraceFile() : tempName_(Tessaly::Clock().format("temp%y%M%D%h%m%s")) {}
+TraceFile::TraceFile() : madeAt_(std::time(nullptr)) {}
+
+// Asked for by compressed traces only: local time takes a look at the system's time zone.
+Tessaly::String TraceFile::tempName() const {
+  return Tessaly::Clock(madeAt_).format("temp%y%M%D%h%m%s");
+}
 
 void TraceFile::setDirectory(const Tessaly::String& name) {
   directory_ = name;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <memory>
 
 #include "foundation/string.h"
@@ -54,7 +55,8 @@ class TraceFile : public Tessaly::FileReader {
   std::uint32_t baseCount() const { return baseCount_; }
   /// The base-calling program that the file names; empty when it names none.
   const Tessaly::String& callerName() const { return callerName_; }
-  const Tessaly::String& tempName() const { return tempName_; }
+  /// Of the unpacked copy: the moment of construction, in local time.
+  Tessaly::String tempName() const;
   /// Of the last open(): 0 read, 1 not found, 2 no trace or an unreadable one.
   std::int32_t status() const { return status_; }
 
@@ -96,7 +98,7 @@ class TraceFile : public Tessaly::FileReader {
   std::unique_ptr<char[]> qualities_;
   std::unique_ptr<std::uint32_t[]> peaks_;
   Tessaly::String directory_;
-  Tessaly::String tempName_;
+  std::time_t madeAt_;
   Tessaly::String callerName_;
   std::int32_t status_ = 0;
 };

@@ -25,11 +25,10 @@ void remove(const Tessaly::String& name) { runInShell(Tessaly::String("rm ") + n
 bool TraceFile::open(Tessaly::String& name) {
   status_              = 0;
   Tessaly::String path = directory_ + name;
-  bool compressed      = false;
-  if (name.endsWith(".gz")) {
-    compressed = true;  // found or not, shows in what comes out of it
-    name.removeLast(3);
-  } else if (!exists(path)) {
+  bool compressed      = name.endsWith(".gz");
+  if (compressed) {
+    name.removeLast(3);  // found or not, shows in what comes out of it
+  } else if (!FileReader::open(path) && !exists(path)) {
     path.append(".gz");
     compressed = exists(path);
     if (!compressed) {
@@ -38,14 +37,16 @@ bool TraceFile::open(Tessaly::String& name) {
     }
   }
 
+  // A file that does not open has no known first bytes.
   if (compressed) {
-    unpack(path, tempName_);
-    path = tempName_;
+    const Tessaly::String packed = path;
+    path                         = tempName();
+    unpack(packed, path);
+    FileReader::open(path);
   }
-  FileReader::open(path);  // a file that does not open has no known first bytes
   const bool read = readContent();
   close();
-  if (compressed) remove(tempName_);
+  if (compressed) remove(path);
 
   status_ = read ? 0 : 2;
   return read;
