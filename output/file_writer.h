@@ -11,9 +11,8 @@
 namespace Tessaly {
 
 /// The one class that writes files: text, decimal numbers, raw bytes and big-endian binary values,
-/// gathered in a buffer of its own. It is flushed in blocks of exactly `bufferSize` bytes, each
-/// handed over as two stream writes so that the stream gathers several blocks into one system
-/// write: a single write of 1024 bytes or more would go to the system at once.
+/// gathered in a buffer of its own. It is flushed in blocks of exactly `bufferSize` bytes, which
+/// the stream gathers once more, so that a file of ordinary size costs one system write.
 ///
 /// Sizes, widths and counts are bytes (array counts: elements); a count of 0 or less writes
 /// nothing. The file's bytes do not depend on the buffer size, as long as that is 1 or more and
@@ -165,11 +164,12 @@ class FileWriter {
   }
   void storeInBlocks(const char* bytes, std::size_t count);
 
-  std::ofstream stream;                 // its fail and bad bits are the only error state
-  std::unique_ptr<char[]> bufferStart;  // null when the size is 0
-  char* bufferPos         = nullptr;    // next free byte; those before it are pending
-  char* bufferEnd         = nullptr;    // one past the last byte of the buffer
-  std::int32_t bufferSize = 0;          // bytes
+  std::ofstream stream;                  // its fail and bad bits are the only error state
+  std::unique_ptr<char[]> bufferStart;   // null when the size is 0
+  char* bufferPos         = nullptr;     // next free byte; those before it are pending
+  char* bufferEnd         = nullptr;     // one past the last byte of the buffer
+  std::int32_t bufferSize = 0;           // bytes
+  std::unique_ptr<char[]> streamBuffer;  // the stream's; null before the first open
 };
 
 }  // namespace Tessaly

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "output/file_writer.h"
+#include "output/text_lines.h"
 
 namespace Quillet {
 
@@ -23,23 +24,20 @@ void writeHeader(Tessaly::FileWriter& writer, const PhdRecord& record) {
   writer.write("\nCHEM: term\nDYE: big\nEND_COMMENT\n\nBEGIN_DNA\n");
 }
 
-void writeBase(Tessaly::FileWriter& writer, char base, std::int32_t quality, std::int32_t peak) {
-  writer.writeWord(base);
-  writer.writeWord(quality);
-  writer.writeLine(peak);
-}
+// A character and two numbers, each with what follows it.
+constexpr std::size_t longestLine = 2 + 2 * (Tessaly::longestDecimal + 1);
 
 void writeBases(Tessaly::FileWriter& writer, const PhdRecord& record) {
   const std::int32_t baseCount    = record.bases.length();
   const std::int32_t qualityCount = std::min(record.qualities.length(), baseCount);
-  for (std::int32_t i = 0; i < qualityCount; ++i) {
+  writeLines<longestLine>(writer, baseCount, [&](char* text, std::int32_t i) {
     // Deliberate: a quality byte is a signed number, so that 128..255 are written as -128..-1.
-    const auto quality = static_cast<std::int8_t>(record.qualities[i]);
-    writeBase(writer, record.bases[i], quality, record.peaks[i]);
-  }
-  for (std::int32_t i = qualityCount; i < baseCount; ++i) {
-    writeBase(writer, record.bases[i], 0, record.peaks[i]);
-  }
+    const std::int32_t quality =
+        i < qualityCount ? static_cast<std::int8_t>(record.qualities[i]) : 0;
+    text = putWord(text, record.bases[i]);
+    text = putWord(text, quality);
+    return putLine(text, record.peaks[i]);
+  });
 }
 
 }  // namespace

@@ -2,14 +2,20 @@
 
 #include "output/file_writer.h"
 #include "output/poly_peaks.h"
+#include "output/text_lines.h"
 
 namespace Quillet {
 
 namespace {
 
+// Four characters and eight numbers, each with what follows it.
+constexpr std::size_t longestLine = 4 * 2 + 8 * (Tessaly::longestDecimal + 1);
+
 std::int32_t normalisedHeight(const PolyPeaks& found, char letter, std::int32_t base) {
   const int channel = channelOf(letter);
-  return channel == noChannel ? 0 : found.normAmp(channel)[base];
+  // Some entry is read in any case, since the processor could not foresee a jump.
+  const std::int32_t height = found.normAmp(channel & 3)[base];
+  return channel == noChannel ? 0 : height;
 }
 
 int heightAt(const PolyPeaks& found, int channel, std::int32_t base) {
@@ -25,21 +31,21 @@ void writePolyFile(Tessaly::FileWriter& writer, const Tessaly::String& path,
   writer.write(sampleName);
   writer.write(" 1 1 1 1 1\n");
 
-  for (std::int32_t i = 0; i < bases.length(); ++i) {
+  writeLines<longestLine>(writer, bases.length(), [&](char* text, std::int32_t i) {
     const char secondBase = found.secondBase()[i];
-    writer.writeWord(bases[i]);
-    writer.writeWord(peaks[i]);
-    writer.write(normalisedHeight(found, bases[i], i));
-    writer.write(" 0 ");
-    writer.writeWord(secondBase);
-    writer.writeWord(found.secondPos()[i]);
-    writer.write(normalisedHeight(found, secondBase, i));
-    writer.write(" 0 ");
-    writer.writeWord(heightAt(found, 0, i));
-    writer.writeWord(heightAt(found, 1, i));
-    writer.writeWord(heightAt(found, 2, i));
-    writer.writeLine(heightAt(found, 3, i));
-  }
+    text                  = putWord(text, bases[i]);
+    text                  = putWord(text, peaks[i]);
+    text                  = putWord(text, normalisedHeight(found, bases[i], i));
+    text                  = putWord(text, '0');
+    text                  = putWord(text, secondBase);
+    text                  = putWord(text, found.secondPos()[i]);
+    text                  = putWord(text, normalisedHeight(found, secondBase, i));
+    text                  = putWord(text, '0');
+    text                  = putWord(text, heightAt(found, 0, i));
+    text                  = putWord(text, heightAt(found, 1, i));
+    text                  = putWord(text, heightAt(found, 2, i));
+    return putLine(text, heightAt(found, 3, i));
+  });
   writer.close();
 }
 

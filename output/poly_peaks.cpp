@@ -1,6 +1,16 @@
 #include "output/poly_peaks.h"
 
+#include <algorithm>
+
 namespace Quillet {
+
+namespace {
+
+// For each called channel; those of noChannel are never used.
+constexpr unsigned char otherChannels[noChannel + 1][3] = {
+    {1, 2, 3}, {0, 2, 3}, {0, 1, 3}, {0, 1, 2}, {0, 0, 0}};
+
+}  // namespace
 
 PolyPeaks::PolyPeaks()
     : summedSignal_(std::make_unique_for_overwrite<std::uint16_t[]>(summedSignalSize)) {}
@@ -57,37 +67,21 @@ void PolyPeaks::compute(std::uint16_t* const (&channels)[4], std::uint32_t point
                     secondPos_.get());
 }
 
-int channelOf(char base) {
-  switch (base) {
-    case 'A':
-      return 0;
-    case 'C':
-      return 1;
-    case 'G':
-      return 2;
-    case 'T':
-      return 3;
-    default:
-      return noChannel;
-  }
-}
-
 void chooseSecondPeaks(const Tessaly::String& bases, const std::int32_t* const (&peakPos)[4],
                        const std::uint32_t* const (&peakAmp)[4], char* secondBase,
                        std::int32_t* secondPos) {
   for (std::int32_t i = 0; i < bases.length(); ++i) {
-    const int called = channelOf(bases[i]);
-    int second       = noChannel;
-    if (called != noChannel) {
-      std::uint32_t best = 0;  // a height of 0 is no peak
-      for (int channel = 0; channel < 4; ++channel) {
-        if (channel == called || peakAmp[channel][i] <= best) continue;
-        best   = peakAmp[channel][i];
-        second = channel;
-      }
+    // No jump hangs on the bases or on the signal here: the processor could not foresee it.
+    const int called      = channelOf(bases[i]);
+    std::uint64_t largest = 0;  // a height, and behind it what is larger for earlier channels
+    for (const unsigned channel : otherChannels[called]) {
+      largest = std::max(largest, std::uint64_t{peakAmp[channel][i]} << 2 | (3 - channel));
     }
-    secondBase[i] = channelLetters[second];
-    secondPos[i]  = second == noChannel ? 0 : peakPos[second][i];
+    const auto second           = static_cast<int>(3 - (largest & 3));
+    const std::int32_t position = peakPos[second][i];
+    const bool found = (largest > 3) & (called != noChannel);  // a height of 0 is no peak
+    secondBase[i]    = channelLetters[found ? second : noChannel];
+    secondPos[i]     = found ? position : 0;
   }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -65,8 +66,18 @@ class PolyPeaks {
 inline constexpr char channelLetters[] = "ACGTN";
 inline constexpr int noChannel         = 4;  // its letter is N
 
-/// The channel of an upper-case A, C, G or T; noChannel for any other base.
-int channelOf(char base);
+/// The channel of an upper-case A, C, G or T; noChannel for any other base. Looked up, since the
+/// processor could not foresee jumps that hang on the bases.
+inline int channelOf(char base) {
+  static constexpr auto channels = [] {
+    std::array<unsigned char, 256> table{};
+    table.fill(noChannel);
+    for (unsigned char channel = 0; channel < noChannel; ++channel)
+      table[static_cast<unsigned char>(channelLetters[channel])] = channel;
+    return table;
+  }();
+  return channels[static_cast<unsigned char>(base)];
+}
 
 // The stages of the computation, in their order.
 

@@ -1,0 +1,70 @@
+#include "foundation/decimal.h"
+
+#include <array>
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <string>
+
+namespace {
+
+std::string textOf(std::int32_t value) {
+  std::array<char, Tessaly::longestDecimal> bytes{};
+  return {bytes.data(), Tessaly::putDecimal(bytes.data(), value)};
+}
+
+TEST(Decimal, TheTextHasTheDigitsOfTheNumberAndNothingElse) {
+  struct Case {
+    std::int32_t value;
+    const char* text;
+  };
+  const Case cases[] = {
+      {0, "0"},
+      {7, "7"},
+      {10, "10"},
+      {999, "999"},
+      {1000, "1000"},
+      {9999, "9999"},
+      {10000, "10000"},
+      {10203, "10203"},
+      {65280, "65280"},
+      {1000000, "1000000"},
+      {20030004, "20030004"},
+      {99999999, "99999999"},
+      {100000000, "100000000"},
+      {2147483647, "2147483647"},
+      {-1, "-1"},
+      {-45, "-45"},
+      {-128, "-128"},
+      {std::numeric_limits<std::int32_t>::min(), "-2147483648"},
+  };
+  for (const Case& c : cases) EXPECT_EQ(textOf(c.value), c.text);
+}
+
+TEST(Decimal, EveryNumberOfUpToFiveDigitsIsRight) {
+  for (std::int32_t value = 0; value <= 100000; ++value) {
+    ASSERT_EQ(textOf(value), std::to_string(value));
+  }
+}
+
+TEST(Decimal, NumbersOfEveryLengthAreRight) {
+  std::mt19937 random(1);
+  for (int round = 0; round < 200000; ++round) {
+    const auto bits  = static_cast<std::uint32_t>(random());
+    const auto value = static_cast<std::int32_t>(bits >> (random() % 32));
+    ASSERT_EQ(textOf(value), std::to_string(value));
+  }
+}
+
+TEST(Decimal, NoByteBehindTheLongestTextIsTouched) {
+  for (const std::int32_t value : {0, 12345, 99999999, 2147483647, -2147483647}) {
+    std::string bytes(Tessaly::longestDecimal + 4, '#');
+
+    Tessaly::putDecimal(bytes.data(), value);
+
+    EXPECT_EQ(bytes.substr(Tessaly::longestDecimal), "####") << value;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,56 @@
+#include "output/text_lines.h"
+
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "output/file_writer.h"
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+constexpr std::size_t longestLine = 2 + Tessaly::longestDecimal + 1;
+
+/// The file of `count` lines, each a letter and the number of the line times `factor`.
+std::string written(std::int32_t count, std::int32_t factor) {
+  ScratchFolder folder;
+  Tessaly::FileWriter writer;
+  writer.open("out");
+  Quillet::writeLines<longestLine>(writer, count, [&](char* text, std::int32_t i) {
+    text = Quillet::putWord(text, i % 2 == 0 ? 'A' : 'b');
+    return Quillet::putLine(text, i * factor);
+  });
+  writer.close();
+  return folder.read("out");
+}
+
+std::string expected(std::int32_t count, std::int32_t factor) {
+  std::string text;
+  for (std::int32_t i = 0; i < count; ++i) {
+    text += std::string(i % 2 == 0 ? "A" : "b") + " " + std::to_string(i * factor) + "\n";
+  }
+  return text;
+}
+
+TEST(TextLines, WordsEndInABlankAndLinesInALineFeed) {
+  char text[64];
+  char* end = Quillet::putCharacter(text, 'x');
+  end       = Quillet::putWord(end, 'C');
+  end       = Quillet::putWord(end, -12);
+  end       = Quillet::putLine(end, 345);
+
+  EXPECT_EQ(std::string(text, end), "xC -12 345\n");
+}
+
+TEST(TextLines, NoLinesAreNoBytes) { EXPECT_EQ(written(0, 1), ""); }
+
+TEST(TextLines, EveryNumberOfLinesIsWrittenWhole) {
+  // Lines of 4 to 13 bytes: some of the counts end just before, in and behind a block of 1024.
+  for (const std::int32_t factor : {1, 1000, 12345678, -7}) {
+    for (std::int32_t count = 1; count <= 300; ++count) {
+      ASSERT_EQ(written(count, factor), expected(count, factor)) << count << " times " << factor;
+    }
+  }
+}
+
+}  // namespace
