@@ -1,0 +1,212 @@
+"""Measures the converter beside other programs and beside the bare cost of its files.
+
+usage: measure.py BUILD [growth] [--rounds N]
+
+In every round all programs run in turn, each into empty result folders; figures are medians over
+the rounds, ratios are taken within a round. Times of a program include those of its children.
+"""
+
+import argparse
+import os
+import shutil
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+BENCH = os.path.dirname(os.path.abspath(__file__))
+RESULTS = ("phd_dir", "poly_dir", "other_dir")
+
+
+class Run:
+    """What one run of a program took."""
+
+    def __init__(self, command, folder):
+        note = os.path.join(folder, "peak")
+        start = time.perf_counter()
+        # Through `time`, since a program's peak memory counts that of who started it.
+        child = subprocess.Popen(
+            ["/usr/bin/time", "-q", "-f", "%M", "-o", note, *command],
+            cwd=folder, env={**os.environ, "PWD": folder},
+            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        _, status, usage = os.wait4(child.pid, 0)
+        child.returncode = os.waitstatus_to_exitcode(status)
+        self.seconds = time.perf_counter() - start
+        self.cpu = usage.ru_utime + usage.ru_stime
+        with open(note) as peak:
+            self.peak = int(peak.read())  # KiB
+        if child.returncode != 0:
+            sys.exit(f"{' '.join(command)} has failed with status {child.returncode}")
+
+
+def empty_results(folder):
+    for name in RESULTS:
+        path = os.path.join(folder, name)
+        shutil.rmtree(path, ignore_errors=True)
+        os.mkdir(path)
+
+
+def measure(folder, programs, rounds, keep_results=False):
+    """The runs of every program, by its name."""
+    runs = {name: [] for name in programs}
+    for _ in range(rounds):
+        for name, command in programs.items():
+            if not keep_results:
+                empty_results(folder)
+            runs[name].append(Run(command, folder))
+    return runs
+
+
+def median(runs, figure):
+    return statistics.median(getattr(run, figure) for run in runs)
+
+
+def ratio(runs, others, figure):
+    pairs = zip(runs, others)
+    return statistics.median(getattr(a, figure) / getattr(b, figure) for a, b in pairs)
+
+
+def print_table(title, file_count, runs, base):
+    print(f"\n{title}\n")
+    print(f"| Program | Files per second | CPU per file, µs | Peak memory, MiB "
+          f"| Time / {base} | CPU / {base} |")
+    print("|---|---:|---:|---:|---:|---:|")
+    for name, own in runs.items():
+        print(f"| {name} | {file_count / median(own, 'seconds'):,.0f} "
+              f"| {1e6 * median(own, 'cpu') / file_count:,.1f} | {median(own, 'peak') / 1024:.1f} "
+              f"| {ratio(own, runs[base], 'seconds'):.2f} | {ratio(own, runs[base], 'cpu'):.2f} |",
+              flush=True)
+
+
+class Bench:
+    def __init__(self, build, folder, rounds):
+        self.quillet = os.path.join(build, "quillet")
+        self.floor = os.path.join(build, "bench", "floor")
+        self.maker = os.path.join(build, "bench", "bench_project")
+        self.folder = folder
+        self.rounds = rounds
+
+    def project(self, name, files, samples, bases, kind="plain"):
+        folder = os.path.join(self.folder, name)
+        needed = 2 * files * (9 * samples + 120 * bases)  # bytes, traces and results
+        if shutil.disk_usage(self.folder).free < needed:
+            sys.exit(f"{self.folder} has no room for {needed / 2**20:,.0f} MiB")
+        subprocess.run([self.maker, folder, str(files), str(samples), str(bases), kind], check=True)
+        return folder
+
+    def tasks(self, folder):
+        """Notes what a conversion writes, for the floor; it also warms everything up."""
+        empty_results(folder)
+        Run([self.quillet], folder)
+        lines = []
+        for trace in sorted(os.listdir(os.path.join(folder, "chromat_dir"))):
+            sample = trace.removesuffix(".gz").removesuffix(".ab1")
+            sizes = [os.path.getsize(os.path.join(folder, *path)) for path in
+                     (("phd_dir", sample + ".phd.1"), ("poly_dir", sample + ".poly"))]
+            lines.append(f"{trace} {sample} {sizes[0]} {sizes[1]}\n")
+        path = os.path.join(folder, "tasks")
+        with open(path, "w") as out:
+            out.writelines(lines)
+        return path
+
+    def plain(self):
+        count = 2000
+        folder = self.project("plain", count, 12000, 900)
+        chromats = os.path.join(folder, "chromat_dir")
+        names = os.path.join(folder, "names")
+        with open(names, "w") as out:
+            for name in sorted(os.listdir(chromats)):
+                out.write(f"{chromats}/{name} {folder}/other_dir/{name}.scf\n")
+        runs = measure(folder, {
+            "Quillet, PHD and poly": [self.quillet],
+            "the files alone": [self.floor, "copy", folder, self.tasks(folder)],
+            "Biopython, PHD": [sys.executable, os.path.join(BENCH, "biopython_convert.py"),
+                               chromats, os.path.join(folder, "phd_dir")],
+            "io_lib, SCF": ["convert_trace", "-in_format", "abi", "-out_format", "scf",
+                            "-fofn", names],
+        }, self.rounds)
+        print_table(f"Plain traces, {count:,} files of 12,000 samples and 900 bases:", count, runs,
+                    "the files alone")
+        own, other = runs["Quillet, PHD and poly"], runs["Biopython, PHD"]
+        print(f"\nQuillet converts {ratio(other, own, 'seconds'):.1f} times as many files per "
+              f"second as Biopython, at 1/{ratio(other, own, 'cpu'):.1f} of its CPU time.")
+        shutil.rmtree(folder)
+
+    def packed(self):
+        count = 200
+        folder = self.project("packed", count, 12000, 900, "packed")
+        runs = measure(folder, {
+            "Quillet": [self.quillet],
+            "the commands alone": [self.floor, "commands", folder, self.tasks(folder)],
+        }, self.rounds)
+        print_table(f"Gzipped traces, {count:,} files of the same kind:", count, runs,
+                    "the commands alone")
+        shutil.rmtree(folder)
+
+    def done(self):
+        count = 100_000
+        folder = self.project("done", 0, 0, 0)
+        for k in range(count):
+            open(f"{folder}/chromat_dir/trace{k:06}.ab1", "w").close()
+            open(f"{folder}/phd_dir/trace{k:06}.phd.1", "w").close()
+        runs = measure(folder, {
+            "Quillet": [self.quillet],
+            "listing and asking alone": [self.floor, "ask", folder],
+        }, self.rounds, keep_results=True)
+        print_table(f"Nothing left to do, {count:,} files:", count, runs,
+                    "listing and asking alone")
+        shutil.rmtree(folder)
+
+    def grow(self, title, sizes):
+        print(f"\n{title}\n")
+        print("| Files | Samples | Bases | CPU per file, µs | of that above the files alone "
+              "| Peak memory, MiB |")
+        print("|---:|---:|---:|---:|---:|---:|")
+        for files, samples, bases in sizes:
+            folder = self.project("grown", files, samples, bases)
+            runs = measure(folder, {
+                "own": [self.quillet],
+                "floor": [self.floor, "copy", folder, self.tasks(folder)],
+            }, self.rounds)
+            own, floor = (1e6 * median(runs[name], "cpu") / files for name in ("own", "floor"))
+            print(f"| {files:,} | {samples:,} | {bases:,} | {own:.1f} | {own - floor:.1f} "
+                  f"| {median(runs['own'], 'peak') / 1024:.1f} |", flush=True)
+            shutil.rmtree(folder)
+
+    def growth(self):
+        self.grow("More files:", [(count, 12000, 900) for count in (200, 2000, 20_000)])
+        self.grow("Longer traces:", [(2000, 6000, 450), (2000, 12000, 900), (2000, 24000, 1800)])
+
+
+def in_memory():
+    """A folder that lies in memory, so that no disk is measured; None where there is none."""
+    mounts = [line.split() for line in open("/proc/mounts")]
+    shm = "/dev/shm"
+    backed = any(mount[1] == shm and mount[2] == "tmpfs" for mount in mounts)
+    return shm if backed and os.access(shm, os.W_OK) else None
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("build")
+    parser.add_argument("what", nargs="?", choices=["programs", "growth"], default="programs")
+    parser.add_argument("--rounds", type=int, default=7)
+    options = parser.parse_args()
+
+    place = in_memory()
+    if place is None:
+        place = tempfile.gettempdir()
+        print(f"No memory-backed folder here: the files lie in {place}, whose speed is measured too.")
+    with tempfile.TemporaryDirectory(dir=place) as folder:
+        bench = Bench(os.path.abspath(options.build), folder, options.rounds)
+        print(f"Medians over {options.rounds} rounds; ratios are taken within each round.")
+        if options.what == "growth":
+            bench.growth()
+        else:
+            bench.plain()
+            bench.packed()
+            bench.done()
+
+
+main()
