@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "foundation/string.h"
@@ -87,7 +88,9 @@ class Directory {
   bool readCurrent(bool includeHidden);
 
   const std::vector<std::string>& subdirectories() const { return subdirectories_; }
-  const std::vector<std::string>& files() const { return files_; }
+  const std::vector<std::string>& files() const& { return files_; }
+  /// Handed over, not copied, by a directory that is not needed any longer.
+  std::vector<std::string> files() && { return std::move(files_); }
 
   /// The value of HOME, ending in "/"; empty when HOME is not set.
   static String homeDirectory();
