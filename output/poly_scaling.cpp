@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "output/poly_peaks.h"
+#include "output/sample_scaling.h"
 
 namespace Quillet {
 
@@ -12,18 +13,24 @@ std::uint16_t largestSample(const std::uint16_t* samples, std::size_t count) {
   return largest;
 }
 
-/// Multiplies every sample; the factor must leave the largest one within 16 bits.
-void scaleSamples(std::uint16_t* samples, std::size_t count, double factor) {
-  if (factor == 1.0) return;
-  for (std::size_t i = 0; i < count; ++i) {
-    // Truncates. By way of 32 signed bits, since processors convert to those several at a time.
-    samples[i] = static_cast<std::uint16_t>(static_cast<std::int32_t>(factor * samples[i]));
+/// Multiplies every sample by a quotient of whole numbers, by way of `double` as seen from outside;
+/// the largest sample times the quotient is within 16 bits, as both numbers are.
+void scaleByQuotient(std::uint16_t* samples, std::size_t count, std::uint32_t numerator,
+                     std::uint32_t denominator, std::uint32_t largest) {
+  if (numerator == denominator) return;
+  if (const auto factor = fixedFactor(numerator, denominator, largest)) {
+    scaleSamples(samples, count, *factor);
+  } else {
+    scaleSamples(samples, count, static_cast<double>(numerator) / denominator);
   }
 }
+
+constexpr std::uint32_t fullRange = 65280;  // what the highest sample is to come to
 
 // The stretch of the trace that the channel balance is taken from, in sample indices.
 constexpr std::uint32_t balanceFirstIndex = 1499;
 constexpr std::uint32_t balanceLastIndex  = 2500;
+constexpr std::uint32_t largestHeight     = 65535;
 static_assert(summedSignalSize == balanceLastIndex + 1);
 
 /// The maxima of the summed signal at which one channel was the highest.
@@ -31,10 +38,9 @@ struct PeakTally {
   std::int32_t count        = 0;
   std::uint32_t heightTotal = 0;
 
-  float averageHeight() const {
-    if (count == 0) return 0.0F;
-    const std::uint32_t average = heightTotal / static_cast<std::uint32_t>(count);
-    return static_cast<float>(average);
+  /// 1..65535; 0 when there is none.
+  std::uint32_t averageHeight() const {
+    return count == 0 ? 0 : heightTotal / static_cast<std::uint32_t>(count);
   }
 };
 
@@ -51,17 +57,29 @@ void sumChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCount, 
   }
 }
 
-void tallyHighest(std::uint16_t* const (&channels)[4], std::uint32_t k, PeakTally (&tallies)[4]) {
-  std::uint16_t best = 0;
-  int highest        = noChannel;
-  for (int channel = 0; channel < 4; ++channel) {
-    if (channels[channel][k] <= best) continue;
-    best    = channels[channel][k];
-    highest = channel;
+/// Lists the indices behind the strict maxima of summed[..last] and returns their number.
+std::size_t listMaxima(const std::uint16_t* summed, std::uint32_t last, std::uint32_t* indices) {
+  // No jump hangs on the signal, here and below: the processor could not foresee it.
+  std::size_t count = 0;
+  for (std::uint32_t k = balanceFirstIndex + 2; k < last; ++k) {
+    const std::uint16_t middle = summed[k - 1];
+    const bool isMaximum       = (summed[k - 2] < middle) & (summed[k] < middle);
+    indices[count]             = k;
+    count += isMaximum ? 1 : 0;
   }
-  if (highest == noChannel) return;
-  ++tallies[highest].count;
-  tallies[highest].heightTotal += best;
+  return count;
+}
+
+/// Counts the sample at `k` for the first of the channels that have the highest one there.
+void tallyHighest(std::uint16_t* const (&channels)[4], std::uint32_t k, PeakTally (&tallies)[4]) {
+  std::uint32_t best = 0;  // a sample, and behind it what is larger for earlier channels
+  for (std::uint32_t channel = 0; channel < 4; ++channel) {
+    best = std::max(best, std::uint32_t{channels[channel][k]} << 2 | (3 - channel));
+  }
+  const std::uint32_t height = best >> 2;
+  PeakTally& tally           = tallies[3 - (best & 3)];
+  tally.count += height != 0 ? 1 : 0;
+  tally.heightTotal += height;
 }
 
 }  // namespace
@@ -71,8 +89,10 @@ void scaleToFullRange(std::uint16_t* const (&channels)[4], std::uint32_t pointCo
   for (const std::uint16_t* samples : channels) {
     largest = std::max(largest, largestSample(samples, pointCount));
   }
-  const double factor = largest == 0 ? 1.0 : 65280.0 / largest;
-  for (std::uint16_t* samples : channels) scaleSamples(samples, pointCount, factor);
+  if (largest == 0) return;
+  for (std::uint16_t* samples : channels) {
+    scaleByQuotient(samples, pointCount, fullRange, largest, largest);
+  }
 }
 
 void balanceChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCount,
@@ -81,24 +101,21 @@ void balanceChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCou
   sumChannels(channels, pointCount, last, summedSignal);
 
   PeakTally tallies[4];
-  for (std::uint32_t k = balanceFirstIndex + 2; k < last; ++k) {
-    const std::uint16_t middle = summedSignal[k - 1];
-    // Deliberate: the maximum is at k - 1, but the channels are compared at k.
-    if (summedSignal[k - 2] < middle && summedSignal[k] < middle) {
-      tallyHighest(channels, k, tallies);
-    }
-  }
+  // Deliberate: a maximum is at k - 1, but the channels are compared at k.
+  std::uint32_t indices[summedSignalSize - balanceFirstIndex];
+  const std::size_t maximumCount = listMaxima(summedSignal, last, indices);
+  for (std::size_t i = 0; i < maximumCount; ++i) tallyHighest(channels, indices[i], tallies);
 
-  // A channel that was tallied has an average of at least 1, so that no division is by 0.
-  float smallest = 1.0e30F;
+  std::uint32_t heights[4];
+  std::uint32_t smallest = largestHeight;
   for (int channel = 0; channel < 4; ++channel) {
-    averages[channel] = tallies[channel].averageHeight();
-    if (tallies[channel].count != 0) smallest = std::min(smallest, averages[channel]);
+    heights[channel]  = tallies[channel].averageHeight();
+    averages[channel] = static_cast<float>(heights[channel]);
+    if (heights[channel] != 0) smallest = std::min(smallest, heights[channel]);
   }
   for (int channel = 0; channel < 4; ++channel) {
-    if (averages[channel] == 0.0F) continue;
-    const double factor = static_cast<double>(smallest) / static_cast<double>(averages[channel]);
-    scaleSamples(channels[channel], pointCount, factor);
+    if (heights[channel] == 0) continue;
+    scaleByQuotient(channels[channel], pointCount, smallest, heights[channel], largestHeight);
   }
 }
 
