@@ -16,7 +16,6 @@ class Stages {
   explicit Stages(std::uint32_t seed) : trace_(seed) {
     for (int c = 0; c < 4; ++c) {
       channels_[c] = add(samples_, pointCount());
-      maxima_[c]   = add(samples_, pointCount());
       peakPos_[c]  = add(positions_, baseCount());
       normAmp_[c]  = add(positions_, baseCount());
       peakAmp_[c]  = add(heights_, baseCount());
@@ -40,7 +39,7 @@ class Stages {
     Quillet::balanceChannels(channels_, pointCount(), summedSignal_.get(), averages_);
   }
   void find() {
-    Quillet::findPeaks({channels_, pointCount(), trace_.bases, trace_.peaks.data()}, maxima_,
+    Quillet::findPeaks({channels_, pointCount(), trace_.bases, trace_.peaks.data()}, maxima_.get(),
                        peakPos_, peakAmp_);
   }
   void normalise() {
@@ -69,7 +68,7 @@ class Stages {
   Arrays<std::int32_t> positions_;
   Arrays<std::uint32_t> heights_;
   std::uint16_t* channels_[4];
-  std::uint16_t* maxima_[4];
+  std::unique_ptr<std::int16_t[]> maxima_ = std::make_unique<std::int16_t[]>(4 * pointCount());
   std::int32_t* peakPos_[4];
   std::uint32_t* peakAmp_[4];
   std::int32_t* normAmp_[4];

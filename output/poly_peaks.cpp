@@ -18,9 +18,7 @@ PolyPeaks::PolyPeaks()
 void PolyPeaks::reserve(std::size_t pointCount, std::size_t baseCount) {
   if (pointCount > pointCapacity_) {
     pointCapacity_ = 0;
-    for (auto& maxima : maxima_) {
-      maxima = std::make_unique_for_overwrite<std::uint16_t[]>(pointCount);
-    }
+    maxima_        = std::make_unique_for_overwrite<std::int16_t[]>(4 * pointCount);
     pointCapacity_ = pointCount;
   }
   if (baseCount > baseCapacity_) {
@@ -40,7 +38,7 @@ void PolyPeaks::reserve(std::size_t pointCount, std::size_t baseCount) {
 void PolyPeaks::releaseLongMaxima() {
   if (pointCapacity_ <= keptPointCount) return;
   pointCapacity_ = 0;
-  for (auto& maxima : maxima_) maxima.reset();
+  maxima_.reset();
 }
 
 void PolyPeaks::compute(std::uint16_t* const (&channels)[4], std::uint32_t pointCount,
@@ -51,8 +49,7 @@ void PolyPeaks::compute(std::uint16_t* const (&channels)[4], std::uint32_t point
   scaleToFullRange(channels, pointCount);
   balanceChannels(channels, pointCount, summedSignal_.get(), averages);
 
-  findPeaks({channels, pointCount, bases, peaks},
-            {maxima_[0].get(), maxima_[1].get(), maxima_[2].get(), maxima_[3].get()},
+  findPeaks({channels, pointCount, bases, peaks}, maxima_.get(),
             {peakPos_[0].get(), peakPos_[1].get(), peakPos_[2].get(), peakPos_[3].get()},
             {peakAmp_[0].get(), peakAmp_[1].get(), peakAmp_[2].get(), peakAmp_[3].get()});
 

@@ -58,7 +58,7 @@ class PolyPeaks {
   std::unique_ptr<std::int32_t[]> secondPos_;
   std::size_t baseCapacity_ = 0;
 
-  std::unique_ptr<std::uint16_t[]> maxima_[4];  // working storage of findPeaks
+  std::unique_ptr<std::int16_t[]> maxima_;  // working storage of findPeaks
   std::size_t pointCapacity_ = 0;
   std::unique_ptr<std::uint16_t[]> summedSignal_;  // working storage of balanceChannels
 };
@@ -93,9 +93,9 @@ void balanceChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCou
                      std::uint16_t* summedSignal, float (&averages)[4]);
 
 /// Stage 3: finds the highest maximum of each channel around each base. `maxima` is working
-/// storage, `pointCount` entries a channel.
-void findPeaks(const CalledTrace& trace, std::uint16_t* const (&maxima)[4],
-               std::int32_t* const (&peakPos)[4], std::uint32_t* const (&peakAmp)[4]);
+/// storage, four entries a sample.
+void findPeaks(const CalledTrace& trace, std::int16_t* maxima, std::int32_t* const (&peakPos)[4],
+               std::uint32_t* const (&peakAmp)[4]);
 
 /// Stage 4, for one channel: shares the area of every run of signal out to the peaks in it.
 void normaliseAreas(const std::uint16_t* samples, std::uint32_t pointCount, float average,

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <experimental/simd>
+#include <limits>
 
 #include "output/poly_peaks.h"
 
@@ -6,27 +8,44 @@ namespace Quillet {
 
 namespace {
 
-/// Copies the samples that are maxima enough to be a peak, and writes 0 for all others.
-///
+// Working storage holds the maxima of all channels, the four of a sample side by side: its height
+// where a channel has a maximum, 0 elsewhere. Stored less 32768, since processors compare signed
+// numbers, eight at a time.
+constexpr int channelCount = 4;
+
+std::int16_t stored(std::uint16_t height) { return static_cast<std::int16_t>(height ^ 0x8000); }
+std::uint16_t heightOf(std::int16_t stored) { return static_cast<std::uint16_t>(stored ^ 0x8000); }
+
 /// A maximum stands more than 3 above its neighbours when 2 * sample - left - right > 3. In whole
 /// numbers that is: at least 2 above the neighbours' mean, rounded up, which needs 16 bits only.
-void markMaxima(const std::uint16_t* samples, std::size_t count, std::uint16_t* maxima) {
-  const auto mark = [](std::uint16_t left, std::uint16_t sample, std::uint16_t right) {
-    const auto mean   = static_cast<std::uint16_t>((left + right + 1) >> 1);
-    const auto higher = sample > mean ? sample : mean;
-    const auto excess = static_cast<std::uint16_t>(higher - mean);
-    return excess > 1 ? sample : std::uint16_t{0};
-  };
+std::int16_t maximumAt(std::uint16_t left, std::uint16_t sample, std::uint16_t right) {
+  const auto mean   = static_cast<std::uint16_t>((left + right + 1) >> 1);
+  const auto higher = sample > mean ? sample : mean;
+  const auto excess = static_cast<std::uint16_t>(higher - mean);
+  return stored(excess > 1 ? sample : std::uint16_t{0});
+}
+
+void markMaxima(std::uint16_t* const (&channels)[channelCount], std::size_t count,
+                std::int16_t* maxima) {
   if (count == 0) return;
-  if (count == 1) {
-    maxima[0] = mark(0, samples[0], 0);
-    return;
-  }
-  maxima[0] = mark(0, samples[0], samples[1]);
+  const std::uint16_t* const a = channels[0];
+  const std::uint16_t* const c = channels[1];
+  const std::uint16_t* const g = channels[2];
+  const std::uint16_t* const t = channels[3];
   for (std::size_t i = 1; i + 1 < count; ++i) {
-    maxima[i] = mark(samples[i - 1], samples[i], samples[i + 1]);
+    std::int16_t* const marked = maxima + channelCount * i;
+    marked[0]                  = maximumAt(a[i - 1], a[i], a[i + 1]);
+    marked[1]                  = maximumAt(c[i - 1], c[i], c[i + 1]);
+    marked[2]                  = maximumAt(g[i - 1], g[i], g[i + 1]);
+    marked[3]                  = maximumAt(t[i - 1], t[i], t[i + 1]);
   }
-  maxima[count - 1] = mark(samples[count - 2], samples[count - 1], 0);
+  const std::size_t last = count - 1;
+  for (int channel = 0; channel < channelCount; ++channel) {
+    const std::uint16_t* const samples = channels[channel];
+    const auto sampleAt = [&](std::size_t k) { return k < count ? samples[k] : std::uint16_t{0}; };
+    maxima[channel]     = maximumAt(0, samples[0], sampleAt(1));
+    maxima[channelCount * last + channel] = maximumAt(sampleAt(last - 1), samples[last], 0);
+  }
 }
 
 /// Sample indices, both included, among which a base seeks its maximum; none when last < first.
@@ -50,7 +69,7 @@ SearchRange searchRange(const CalledTrace& trace, std::int32_t i) {
           std::min(high - 1, std::int64_t{trace.pointCount} - 1)};
 }
 
-/// The highest maximum of a range; a height of 0 means that there is none.
+/// The first highest maximum of a range; a height of 0 means that there is none.
 struct Peak {
   std::uint32_t height  = 0;
   std::int32_t position = 0;
@@ -74,8 +93,8 @@ class MaximumTree {
         blockCount_((pointCount + blockSize - 1) / blockSize),
         keys_(std::make_unique_for_overwrite<std::uint64_t[]>(2 * blockCount_)) {}
 
-  void build(const std::uint16_t* maxima) {
-    maxima_ = maxima;
+  void build(const std::int16_t* maxima, int channel) {
+    maxima_ = maxima + channel;
     for (std::size_t block = 0; block < blockCount_; ++block) {
       const std::size_t start    = block * blockSize;
       keys_[blockCount_ + block] = scan(start, std::min(start + blockSize, pointCount_));
@@ -109,7 +128,8 @@ class MaximumTree {
   std::uint64_t scan(std::size_t start, std::size_t end) const {
     std::uint64_t best = 0;
     for (std::size_t i = start; i < end; ++i) {
-      best = std::max(best, std::uint64_t{maxima_[i]} << 32 | (largestIndex - i));
+      best = std::max(
+          best, std::uint64_t{heightOf(maxima_[channelCount * i])} << 32 | (largestIndex - i));
     }
     return best;
   }
@@ -123,50 +143,106 @@ class MaximumTree {
   std::size_t pointCount_;
   std::size_t blockCount_;
   std::unique_ptr<std::uint64_t[]> keys_;  // the blocks' in the upper half, each above its two
-  const std::uint16_t* maxima_ = nullptr;
+  const std::int16_t* maxima_ = nullptr;   // every fourth is one of the channel
 };
 
-/// Looks through the ranges of the bases sample by sample, all four channels side by side. Stops
-/// when the ranges together are too long, and returns the number of bases done.
-std::int32_t searchByWalking(const CalledTrace& trace, std::uint16_t* const (&maxima)[4],
-                             std::int32_t* const (&peakPos)[4],
-                             std::uint32_t* const (&peakAmp)[4]) {
+namespace simd = std::experimental;
+
+/// What is known of two samples, channel by channel; of one, in more bits.
+using PairLanes =
+    simd::simd<std::int16_t, simd::simd_abi::deduce_t<std::int16_t, 2 * channelCount>>;
+using Lanes = simd::simd<std::int32_t, simd::simd_abi::deduce_t<std::int32_t, channelCount>>;
+
+/// The peaks of all channels.
+struct Peaks {
+  std::int32_t heights[channelCount]   = {};
+  std::int32_t positions[channelCount] = {};
+};
+
+Peaks peaksAt(const std::int16_t* maxima, std::int64_t sampleIndex) {
+  Peaks peaks;
+  for (int channel = 0; channel < channelCount; ++channel) {
+    const std::uint16_t height = heightOf(maxima[channelCount * sampleIndex + channel]);
+    if (height == 0) continue;
+    peaks.heights[channel]   = height;
+    peaks.positions[channel] = positionAfter(static_cast<std::uint32_t>(sampleIndex));
+  }
+  return peaks;
+}
+
+// Ranges whose offsets fit the lanes are walked. Longer ones are for the tree.
+constexpr std::int64_t shortestWalk  = 2;
+constexpr std::int32_t largestOffset = std::numeric_limits<std::int16_t>::max();
+constexpr std::int64_t longestWalk   = largestOffset + std::int64_t{1};
+
+/// Looks through a range two samples at a time, all four channels side by side. No branch hangs on
+/// the signal here: the processor could not foresee it.
+Peaks walk(const std::int16_t* maxima, const SearchRange& range) {
+  const std::int16_t* const start = maxima + channelCount * range.first;
+  const std::int64_t length       = range.last - range.first + 1;
+  PairLanes highest               = stored(0);
+  PairLanes pairOffset            = 0;  // of the pair that has the highest
+  const auto lookAt               = [&](std::int64_t offset) {
+    const PairLanes heights(start + channelCount * offset, simd::element_aligned);
+    where(heights > highest, pairOffset) = static_cast<std::int16_t>(offset);
+    highest                              = max(highest, heights);
+  };
+  for (std::int64_t offset = 0; offset + 2 < length; offset += 2) lookAt(offset);
+  lookAt(length - 2);  // looks at one sample twice when their number is odd
+
+  // Of a height and what is left behind its offset, the largest is the first of the highest.
+  const auto keyOf = [](const auto& heights, const auto& offsets, std::int32_t added) {
+    return simd::static_simd_cast<Lanes>(heights) << 16 |
+           (largestOffset - added - simd::static_simd_cast<Lanes>(offsets));
+  };
+  const auto [firstHeights, secondHeights] = simd::split<channelCount, channelCount>(highest);
+  const auto [firstOffsets, secondOffsets] = simd::split<channelCount, channelCount>(pairOffset);
+  const Lanes best =
+      simd::max(keyOf(firstHeights, firstOffsets, 0), keyOf(secondHeights, secondOffsets, 1));
+  const Lanes height           = (best >> 16) - stored(0);
+  const Lanes offset           = largestOffset - (best & largestOffset);
+  Lanes position               = positionAfter(static_cast<std::uint32_t>(range.first)) + offset;
+  where(height == 0, position) = 0;
+
+  Peaks peaks;
+  height.copy_to(peaks.heights, simd::element_aligned);
+  position.copy_to(peaks.positions, simd::element_aligned);
+  return peaks;
+}
+
+/// Answers the bases from end to end. Stops when their ranges together are too long, or one of them
+/// is, and returns the number of bases done.
+std::int32_t searchByWalking(const CalledTrace& trace, const std::int16_t* maxima,
+                             std::int32_t* const (&peakPos)[channelCount],
+                             std::uint32_t* const (&peakAmp)[channelCount]) {
   // The ranges of ascending peaks do not overlap; some disorder is still cheapest to walk.
   const std::int32_t baseCount = trace.bases.length();
   std::int64_t samplesLeft     = 4 * (std::int64_t{trace.pointCount} + baseCount);
 
-  const std::uint16_t* const heights[4] = {maxima[0], maxima[1], maxima[2], maxima[3]};
   for (std::int32_t i = 0; i < baseCount; ++i) {
-    const SearchRange range = searchRange(trace, i);
-    samplesLeft -= std::max(range.last - range.first + 1, std::int64_t{0});
-    if (samplesLeft < 0) return i;
+    const SearchRange range   = searchRange(trace, i);
+    const std::int64_t length = range.last - range.first + 1;
+    samplesLeft -= std::max(length, std::int64_t{0});
+    if (samplesLeft < 0 || length > longestWalk) return i;
 
-    // No branch hangs on the signal here: the processor could not foresee it.
-    std::uint32_t best[4]      = {};
-    std::uint32_t bestAfter[4] = {};
-    for (std::int64_t k = range.first; k <= range.last; ++k) {
-      for (int channel = 0; channel < 4; ++channel) {
-        const std::uint32_t height = heights[channel][k];
-        const bool isHigher        = height > best[channel];
-        best[channel]              = isHigher ? height : best[channel];
-        bestAfter[channel] = isHigher ? static_cast<std::uint32_t>(k + 1) : bestAfter[channel];
-      }
-    }
-    for (int channel = 0; channel < 4; ++channel) {
-      peakAmp[channel][i] = best[channel];
-      peakPos[channel][i] = static_cast<std::int32_t>(bestAfter[channel]);
+    Peaks peaks;
+    if (length == 1) peaks = peaksAt(maxima, range.first);
+    if (length >= shortestWalk) peaks = walk(maxima, range);
+    for (int channel = 0; channel < channelCount; ++channel) {
+      peakAmp[channel][i] = static_cast<std::uint32_t>(peaks.heights[channel]);
+      peakPos[channel][i] = peaks.positions[channel];
     }
   }
   return baseCount;
 }
 
 /// Answers the ranges of the bases from `firstBase` on, however long they are.
-void searchByTree(const CalledTrace& trace, std::int32_t firstBase,
-                  std::uint16_t* const (&maxima)[4], std::int32_t* const (&peakPos)[4],
-                  std::uint32_t* const (&peakAmp)[4]) {
+void searchByTree(const CalledTrace& trace, std::int32_t firstBase, const std::int16_t* maxima,
+                  std::int32_t* const (&peakPos)[channelCount],
+                  std::uint32_t* const (&peakAmp)[channelCount]) {
   MaximumTree tree(trace.pointCount);
-  for (int channel = 0; channel < 4; ++channel) {
-    tree.build(maxima[channel]);
+  for (int channel = 0; channel < channelCount; ++channel) {
+    tree.build(maxima, channel);
     for (std::int32_t i = firstBase; i < trace.bases.length(); ++i) {
       const SearchRange range = searchRange(trace, i);
       const Peak peak         = tree.find(range);
@@ -192,11 +268,9 @@ void fallBackToCalls(const CalledTrace& trace, std::int32_t* const (&peakPos)[4]
 
 }  // namespace
 
-void findPeaks(const CalledTrace& trace, std::uint16_t* const (&maxima)[4],
-               std::int32_t* const (&peakPos)[4], std::uint32_t* const (&peakAmp)[4]) {
-  for (int channel = 0; channel < 4; ++channel) {
-    markMaxima(trace.channels[channel], trace.pointCount, maxima[channel]);
-  }
+void findPeaks(const CalledTrace& trace, std::int16_t* maxima, std::int32_t* const (&peakPos)[4],
+               std::uint32_t* const (&peakAmp)[4]) {
+  markMaxima(trace.channels, trace.pointCount, maxima);
   const std::int32_t done = searchByWalking(trace, maxima, peakPos, peakAmp);
   if (done < trace.bases.length()) searchByTree(trace, done, maxima, peakPos, peakAmp);
   fallBackToCalls(trace, peakPos, peakAmp);

@@ -20,10 +20,9 @@ constexpr std::int32_t smallestInteger = std::numeric_limits<std::int32_t>::min(
 
 PolyResult search(PolyInput& input) {
   auto& c = input.channels;
-  std::vector<std::uint16_t> maxima[4];
+  std::vector<std::int16_t> maxima(4 * c[0].size(), 0x5BCD);
   PolyResult result;
   for (std::size_t channel = 0; channel < 4; ++channel) {
-    maxima[channel].assign(c[channel].size(), 0xABCD);
     result.peakPos[channel].assign(input.bases.size(), -99);
     result.peakAmp[channel].assign(input.bases.size(), 99);
   }
@@ -33,8 +32,7 @@ PolyResult search(PolyInput& input) {
   const Tessaly::String bases(input.bases.c_str());
   Quillet::findPeaks(
       {channels, static_cast<std::uint32_t>(input.pointCount()), bases, input.peaks.data()},
-      {maxima[0].data(), maxima[1].data(), maxima[2].data(), maxima[3].data()},
-      {pos[0].data(), pos[1].data(), pos[2].data(), pos[3].data()},
+      maxima.data(), {pos[0].data(), pos[1].data(), pos[2].data(), pos[3].data()},
       {amp[0].data(), amp[1].data(), amp[2].data(), amp[3].data()});
   return result;
 }
@@ -67,6 +65,28 @@ constexpr Found nothing{0, 0};
 
 TEST(FindPeaks, ThePositionIsTheIndexAfterTheMaximum) {
   EXPECT_EQ(findInA(spikeAt(9, 20, 500), {10, 20}, 0), (Found{10, 500}));
+}
+
+TEST(FindPeaks, ARangeOfAnyLengthGivesItsFirstHighestMaximum) {
+  for (const std::size_t length : {1U, 2U, 3U, 4U, 5U, 16U, 17U, 32767U, 32768U, 32769U, 40000U}) {
+    // The peaks 0, 20 and this one make the range of base 1 start at 11.
+    const auto nextPeak     = static_cast<std::int32_t>(2 * (11 + length) - 20);
+    const std::size_t first = 11;
+    const std::size_t last  = first + length - 1;
+    for (const std::size_t index : {first, (first + last) / 2, last}) {
+      std::vector<std::uint16_t> samples(last + 10, 0);
+      samples[first - 2] = samples[last + 2] = 900;  // outside
+      samples[index]                         = 500;
+      // Further ones, as high and lower, do not count.
+      for (std::size_t k = index + 2; k <= last; k += 2) samples[k] = k % 4 == 0 ? 500 : 499;
+      for (std::size_t k = first; k + 2 <= index; k += 2) samples[k] = 499;
+      const auto position = static_cast<std::int32_t>(index + 1);
+
+      const Found found = findInA(samples, {0, 20, nextPeak}, 1);
+
+      EXPECT_EQ(found, (Found{position, 500})) << length << ", " << index;
+    }
+  }
 }
 
 TEST(FindPeaks, AMaximumStandsMoreThan3AboveBothNeighboursTogether) {
