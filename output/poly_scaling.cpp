@@ -7,10 +7,19 @@ namespace Quillet {
 
 namespace {
 
-std::uint16_t largestSample(const std::uint16_t* samples, std::size_t count) {
-  std::uint16_t largest = 0;
-  for (std::size_t i = 0; i < count; ++i) largest = std::max(largest, samples[i]);
-  return largest;
+std::uint16_t largestSample(std::uint16_t* const (&channels)[4], std::size_t count) {
+  // Side by side, since every maximum waits for the one before it in its channel.
+  std::uint16_t a = 0;
+  std::uint16_t c = 0;
+  std::uint16_t g = 0;
+  std::uint16_t t = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    a = std::max(a, channels[0][i]);
+    c = std::max(c, channels[1][i]);
+    g = std::max(g, channels[2][i]);
+    t = std::max(t, channels[3][i]);
+  }
+  return std::max({a, c, g, t});
 }
 
 /// Multiplies every sample by a quotient of whole numbers, by way of `double` as seen from outside;
@@ -85,10 +94,7 @@ void tallyHighest(std::uint16_t* const (&channels)[4], std::uint32_t k, PeakTall
 }  // namespace
 
 void scaleToFullRange(std::uint16_t* const (&channels)[4], std::uint32_t pointCount) {
-  std::uint16_t largest = 0;
-  for (const std::uint16_t* samples : channels) {
-    largest = std::max(largest, largestSample(samples, pointCount));
-  }
+  const std::uint16_t largest = largestSample(channels, pointCount);
   if (largest == 0) return;
   for (std::uint16_t* samples : channels) {
     scaleByQuotient(samples, pointCount, fullRange, largest, largest);
