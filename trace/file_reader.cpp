@@ -93,6 +93,26 @@ bool FileReader::refill() {
   return end_ > 0;
 }
 
+/// Bytes that can be taken at once, one behind the other in the window: the unread ones of the
+/// block in view and those of the whole blocks behind it. 0 when the block is used up.
+std::int64_t FileReader::unreadInWindow() const {
+  if (isExhausted() || atEnd_ || !is_open()) return unreadCount();
+  const std::int64_t behind = windowOffset_ + windowBytes_ - nextOffset_;
+  return unreadCount() + behind / blockSize_ * blockSize_;
+}
+
+/// Moves past `count` of the bytes that unreadInWindow() counts. The block of the last of them is
+/// in view afterwards, as if one block had been shown after the other.
+void FileReader::pass(std::int64_t count) {
+  const std::int64_t taken   = cursor_ + count;
+  const std::int64_t refills = taken > end_ ? (taken - 1) / blockSize_ : 0;
+  if (refills > 0) {
+    enterBlock(nextOffset_ + (refills - 1) * blockSize_, blockSize_);
+    block_ = static_cast<std::int32_t>(block_ + refills);  // modulo 2^32
+  }
+  cursor_ = static_cast<std::int32_t>(taken - refills * blockSize_);  // fits: inside the block
+}
+
 /// Shows the block at `offset`; false, with everything as it was, when the file can not be read
 /// there. A block behind the end of the file is an empty one.
 bool FileReader::showBlock(std::int64_t offset) {

@@ -118,6 +118,8 @@ class FileReader : public std::ifstream {
   bool hasEnded() const { return isExhausted() && atEnd_; }
   const char* unread() const { return blockStart_ + cursor_; }
   std::int32_t unreadCount() const { return isExhausted() ? 0 : end_ - cursor_; }
+  std::int64_t unreadInWindow() const;
+  void pass(std::int64_t count);
 
   bool refill();
   bool showBlock(std::int64_t offset);

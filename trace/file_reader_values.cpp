@@ -51,6 +51,11 @@ bool FileReader::takeWhole(void* destination, std::int32_t size) {
 
 template <typename Value>
 bool FileReader::takeValue(Value& value) {
+  if (unreadCount() >= static_cast<std::int32_t>(sizeof(Value))) {  // nearly always
+    decode(unread(), &value, 1);
+    cursor_ += static_cast<std::int32_t>(sizeof(Value));
+    return true;
+  }
   char bytes[sizeof(Value)];
   if (!takeWhole(bytes, sizeof(Value))) return false;
   decode(bytes, &value, 1);
@@ -62,14 +67,15 @@ std::int32_t FileReader::takeArray(Value* destination, std::int32_t count) {
   constexpr std::int32_t size = sizeof(Value);
   std::int32_t taken          = 0;
   while (taken < count) {
-    const std::int32_t run = std::min(unreadCount() / size, count - taken);
-    if (run == 0) {  // the next value lies behind the block, or across its end
+    const auto run = static_cast<std::int32_t>(  // fits: at most the count
+        std::min<std::int64_t>(unreadInWindow() / size, count - taken));
+    if (run == 0) {  // the next value lies behind those blocks, or across their end
       if (!takeValue(destination[taken])) break;
       ++taken;
       continue;
     }
     decode(unread(), destination + taken, run);
-    cursor_ += run * size;
+    pass(std::int64_t{run} * size);
     taken += run;
   }
   return taken;

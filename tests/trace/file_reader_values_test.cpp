@@ -277,6 +277,46 @@ TEST_F(FileReaderValues, ByteRunsGoAcrossBlocksAndStopAtTheEnd) {
   EXPECT_THAT(rest, ElementsAre('g', 0xFF, 1, 1));
 }
 
+// Blocks of 4 bytes: 0-3, 4-7, 8-11, ...
+TEST_F(FileReaderValues, AnArrayLeavesTheBlockOfItsLastByteInView) {
+  struct {
+    std::int32_t count, block, tell;
+  } const arrays[] = {{1, 0, 3}, {2, 1, 5}, {3, 1, 7}, {4, 2, 9}, {9, 4, 19}, {10, 5, 21}};
+  for (const auto& array : arrays) {
+    FileReader& reader = opened(countingBytes(22), 4);
+    std::uint8_t first = 0;
+    std::uint16_t values[10];
+    reader.readUInt8(first);  // so that values stand across the ends of blocks
+
+    EXPECT_EQ(reader.readUInt16Array(values, array.count), array.count);
+
+    EXPECT_EQ(reader.block(), array.block) << array.count;
+    EXPECT_EQ(reader.tell(), array.tell) << array.count;
+    EXPECT_EQ(reader.blockBytes(), array.block == 5 ? 2 : 4) << array.count;
+    EXPECT_EQ(reader.atEnd(), array.block == 5) << array.count;
+  }
+}
+
+TEST_F(FileReaderValues, AnArrayThatEndsWithItsBlockShowsNoFurtherOne) {
+  FileReader& reader = opened(countingBytes(20), 4);
+  std::uint16_t values[6];
+
+  EXPECT_EQ(reader.readUInt16Array(values, 6), 6);
+
+  EXPECT_EQ(reader.block(), 2);
+  EXPECT_EQ(reader.tell(), 12);
+  EXPECT_EQ(reader.readUInt16Array(values, 4), 4);
+  EXPECT_FALSE(reader.atEnd());  // a full last block is not yet the end
+}
+
+TEST_F(FileReaderValues, AnArrayFromAClosedReaderEndsWithTheBlockInView) {
+  FileReader& reader = opened(countingBytes(20), 4);
+  std::uint16_t values[6];
+  reader.close();
+
+  EXPECT_EQ(reader.readUInt16Array(values, 6), 2);
+}
+
 TEST_F(FileReaderValues, ByteRunsCanBeReadAtAPosition) {
   FileReader& reader = opened("abcdefgh", 3);
   char text[3]       = {};
