@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <limits>
+#include <string_view>
 
+#include "foundation/big_endian.h"
 #include "trace/abif_layout.h"
 #include "trace/trace_file.h"
 
@@ -59,28 +61,33 @@ class DirectoryWalk {
   }
 
  private:
+  static constexpr std::int32_t headSize = entryNumber + 4;  // bytes of an entry's name and number
+  static_assert(entryName == 0 && entryNumber == nameSize);
+
   bool readEntry() {
     // Deliberate: a name is unreadable, wherever it stands, once the file's last byte was read.
-    if (!file_.readTextAt(signedOffset(entryOffset_ + entryName), name_, nameSize)) return false;
-    if (name_.length() < nameSize) return false;
-    std::uint32_t number = 0;
-    if (!file_.readUInt32(number)) return false;
+    if (file_.hasEnded()) return false;
+    char head[headSize];  // name and number in one read: most entries are passed over after it
+    if (file_.readBytesAt(signedOffset(entryOffset_ + entryName), head, headSize) < headSize)
+      return false;
+    const std::string_view name(head, nameSize);
+    const std::uint32_t number = Tessaly::bigEndian32(head + entryNumber);
 
     directory_.lastNumber = number;
-    if (number >= firstChannelNumber && number <= lastChannelNumber && name_ == "DATA")
+    if (number >= firstChannelNumber && number <= lastChannelNumber && name == "DATA")
       return readChannel(number - firstChannelNumber);
     // Deliberate: the edited calls (1) are taken, not the base caller's own (2).
-    if (number == callNumber) return readCallEntry();
+    if (number == callNumber) return readCallEntry(name);
     // Deliberate: these offsets count from the start of the file, whatever stands before "ABIF".
-    if (number == callerNameNumber && name_ == "SPAC") return readItem(directory_.callerName, 0);
+    if (number == callerNameNumber && name == "SPAC") return readItem(directory_.callerName, 0);
     return true;
   }
 
-  bool readCallEntry() {
-    if (name_ == "FWO_") return readBaseOrder();
-    if (name_ == "PBAS") return readItem(directory_.bases, 0);
-    if (name_ == "PCON") return readItem(directory_.qualities, 0);
-    if (name_ == "PLOC") return readItem(directory_.peaks, 0);
+  bool readCallEntry(std::string_view name) {
+    if (name == "FWO_") return readBaseOrder();
+    if (name == "PBAS") return readItem(directory_.bases, 0);
+    if (name == "PCON") return readItem(directory_.qualities, 0);
+    if (name == "PLOC") return readItem(directory_.peaks, 0);
     return true;
   }
 
@@ -120,7 +127,6 @@ class DirectoryWalk {
   const std::uint32_t baseOffset_;
   AbifDirectory& directory_;
   std::uint32_t entryOffset_ = 0;
-  Tessaly::String name_;  // one buffer for all entries
 };
 
 bool isConsistent(const AbifDirectory& directory) {

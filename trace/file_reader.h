@@ -60,6 +60,8 @@ class FileReader : public std::ifstream {
   /// Line feeds passed over by the line and white-space operations since the file was opened.
   std::int32_t lineCount() const { return lineCount_; }
   bool atEnd() const { return atEnd_; }
+  /// Whether the last block is used up.
+  bool hasEnded() const { return isExhausted() && atEnd_; }
 
   // Single values. The positioned forms fail when the move fails.
   bool readInt8(std::int8_t& value);
@@ -115,7 +117,6 @@ class FileReader : public std::ifstream {
 
  private:
   bool isExhausted() const { return cursor_ >= end_; }
-  bool hasEnded() const { return isExhausted() && atEnd_; }
   const char* unread() const { return blockStart_ + cursor_; }
   std::int32_t unreadCount() const { return isExhausted() ? 0 : end_ - cursor_; }
   std::int64_t unreadInWindow() const;

@@ -152,6 +152,22 @@ TEST(FileReader, AFullLastBlockIsNotYetTheEnd) {
   EXPECT_TRUE(reader.good());
 }
 
+TEST(FileReader, HasEndedWhileTheLastBlockIsUsedUp) {
+  ScratchFolder folder;
+  FileReader reader(4);
+  ASSERT_TRUE(reader.open(folder.write("file", "abcdef")));
+  char bytes[4];
+
+  ASSERT_EQ(reader.readBytes(bytes, 4), 4);
+  EXPECT_FALSE(reader.hasEnded());  // this block is, but another one follows
+  ASSERT_EQ(reader.readBytes(bytes, 1), 1);
+  EXPECT_FALSE(reader.hasEnded());
+  ASSERT_EQ(reader.readBytes(bytes, 1), 1);
+  EXPECT_TRUE(reader.hasEnded());
+  ASSERT_TRUE(reader.seek(0));
+  EXPECT_FALSE(reader.hasEnded());
+}
+
 TEST(FileReader, SetBufferSizeGivesUpTheBlockAndReadsNothing) {
   ScratchFolder folder;
   FileReader reader(4);
