@@ -101,14 +101,14 @@ class Batch {
 };
 
 /// Takes over what the trace at `path_` holds; false, with a message, when it can not be read. The
-/// trace itself is gone afterwards: what it holds would stand in memory twice.
+/// trace itself is gone afterwards: the bytes of its file would only take up memory.
 bool Batch::read(std::unique_ptr<std::uint16_t[]> (&channels)[4], std::uint32_t& pointCount) {
   TraceFile trace;
   if (!trace.open(path_)) {
     std::cerr << "ERROR: invalid trace file " << path_ << " - skipping." << std::endl;
     return false;
   }
-  trace.newChannels(channels, pointCount);
+  trace.releaseChannels(channels, pointCount);
   trace.getBaseCalls(bases_, qualities_, peaks_);
   callerName_ = trace.callerName();
   return true;

@@ -1,7 +1,9 @@
 #include "trace/trace_file.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 #include "foundation/clock.h"
 
@@ -64,6 +66,12 @@ void TraceFile::newChannels(std::unique_ptr<std::uint16_t[]> (&channels)[4],
     channels[index] = std::make_unique_for_overwrite<std::uint16_t[]>(pointCount_);
     copyChannel(channels[index].get(), index);
   }
+}
+
+void TraceFile::releaseChannels(std::unique_ptr<std::uint16_t[]> (&channels)[4],
+                                std::uint32_t& count) {
+  count = std::exchange(pointCount_, 0);
+  std::move(std::begin(channels_), std::end(channels_), std::begin(channels));
 }
 
 bool TraceFile::getBaseCalls(Tessaly::String& bases, Tessaly::String& qualities,

@@ -19,7 +19,8 @@ struct ScfHeader;
 /// Channels are always in the order A, C, G, T; samples are amplitudes as stored (0..65535).
 /// Bases and qualities are in file order, one byte each. `peaks` are 0-based sample indices, one
 /// more than the bases: the last is the number of samples in a channel.
-/// Owns its arrays; newChannels() gives the caller copies to own. A compressed trace is unpacked
+/// Owns its arrays; newChannels() gives the caller copies to own, releaseChannels() the channels
+/// themselves. A compressed trace is unpacked
 /// into a file named after the moment of construction, in the working directory, that is gone when
 /// open() returns.
 /// Errors: open() returns false and sets status(); nothing is printed. Where memory is out, open()
@@ -41,6 +42,9 @@ class TraceFile : public Tessaly::FileReader {
   void copyChannels(std::uint16_t* a, std::uint16_t* c, std::uint16_t* g, std::uint16_t* t) const;
   /// Copies of all four channels, each of `count` entries.
   void newChannels(std::unique_ptr<std::uint16_t[]> (&channels)[4], std::uint32_t& count) const;
+  /// The four channels themselves, not copied. The trace is then one without samples: pointCount()
+  /// is 0. The base calls stay as they are, their last peak included.
+  void releaseChannels(std::unique_ptr<std::uint16_t[]> (&channels)[4], std::uint32_t& count);
 
   /// Without base calls, or with more than 2^31 - 2 of them, false, and nothing changes. Otherwise
   /// sets `bases` and `peaks`; the result says whether there are usable qualities and `qualities`

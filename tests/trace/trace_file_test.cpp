@@ -22,6 +22,7 @@ class ReadTrace {
     EXPECT_TRUE(trace_.open(path));
   }
   const Quillet::TraceFile* operator->() const { return &trace_; }
+  Quillet::TraceFile* operator->() { return &trace_; }
 
  private:
   ScratchFolder folder_;
@@ -108,6 +109,39 @@ TEST(TraceFile, NewChannelsGivesCopiesToOwn) {
   Samples kept(12);
   trace->copyChannel(kept.data(), 0);
   EXPECT_EQ(kept, risingFrom(100));
+}
+
+TEST(TraceFile, ReleaseChannelsGivesTheChannelsThemselvesInTheOrderACGT) {
+  ReadTrace trace((AbifBuilder()));
+  std::unique_ptr<std::uint16_t[]> channels[4];
+  std::uint32_t count = 0;
+
+  trace->releaseChannels(channels, count);
+
+  ASSERT_EQ(count, 12u);
+  for (std::uint16_t index = 0; index < 4; ++index) {
+    const Samples samples(channels[index].get(), channels[index].get() + count);
+    EXPECT_EQ(samples, risingFrom(static_cast<std::uint16_t>(100 * (index + 1)))) << index;
+  }
+}
+
+TEST(TraceFile, ATraceWhoseChannelsAreReleasedHasNoSamplesAndKeepsItsCalls) {
+  ReadTrace trace(AbifBuilder().bases("ACGT").qualities({20, 30, 40, 50}).peaks({1, 4, 7, 10}));
+  std::unique_ptr<std::uint16_t[]> channels[4];
+  std::uint32_t count = 0;
+
+  trace->releaseChannels(channels, count);
+
+  Held calls;
+  EXPECT_TRUE(trace->getBaseCalls(calls.bases, calls.qualities, calls.peaks));
+  EXPECT_EQ(calls.bases, "ACGT");
+  EXPECT_EQ(calls.peakValues(), (Peaks{1, 4, 7, 10, 12}));
+  EXPECT_EQ(trace->pointCount(), 0u);
+  Samples copy(1, 9);
+  trace->copyChannel(copy.data(), 0);
+  EXPECT_EQ(copy, Samples(1, 9));
+  trace->releaseChannels(channels, count);  // once more: none are left
+  EXPECT_EQ(count, 0u);
 }
 
 TEST(TraceFile, BaseCallsReplaceWhatTheCallerHeld) {
