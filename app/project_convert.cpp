@@ -118,9 +118,8 @@ void Batch::convert(const std::string& listedName) {
   name_ = listedName.c_str();
   deriveSampleName(name_, settings_.stripExtensions);
 
-  Tessaly::FileWriter writer;
   phdFile_ = project_.phdPath() + name_ + ".phd.1";
-  if (!settings_.overwrite && writer.exists(phdFile_)) return;
+  if (!settings_.overwrite && Tessaly::Directory::exists(phdFile_)) return;
 
   path_ = project_.chromatPath() + listedName.c_str();
   std::unique_ptr<std::uint16_t[]> channels[4];
@@ -132,6 +131,8 @@ void Batch::convert(const std::string& listedName) {
     return;
   }
 
+  // One writer for both: when the first file fails, nothing gets into the second.
+  Tessaly::FileWriter writer;
   writePhdFile(writer, phdFile_,
                {.sampleName = name_,
                 .callerName = callerName_,
