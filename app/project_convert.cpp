@@ -1,7 +1,7 @@
 #include "app/project.h"
 
+#include <algorithm>
 #include <cctype>
-#include <cstddef>
 #include <cstdint>
 #include <fstream>
 #include <iostream>
@@ -23,16 +23,13 @@ namespace Quillet {
 
 namespace {
 
-constexpr const char* whiteSpace = " \t\n\v\f\r";
-
 /// The first word of every line that has one, in the file's order.
 std::vector<std::string> firstWords(std::istream& stream) {
   std::vector<std::string> words;
   for (std::string line; std::getline(stream, line);) {
-    const std::size_t start = line.find_first_not_of(whiteSpace);
-    if (start == std::string::npos) continue;
-    const std::size_t end = line.find_first_of(whiteSpace, start);
-    words.push_back(line.substr(start, end - start));
+    const auto start = std::find_if_not(line.begin(), line.end(), Tessaly::isWhiteSpace);
+    const auto end   = std::find_if(start, line.end(), Tessaly::isWhiteSpace);
+    if (start != end) words.emplace_back(start, end);
   }
   return words;
 }
