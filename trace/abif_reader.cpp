@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "foundation/big_endian.h"
+#include "foundation/channels.h"
 #include "trace/abif_layout.h"
 #include "trace/trace_file.h"
 
@@ -133,7 +134,7 @@ bool isConsistent(const AbifDirectory& directory) {
   const Tessaly::String& order = directory.baseOrder;
   if (order.length() != baseOrderSize) return false;
   for (std::int32_t index = 0; index < baseOrderSize; ++index)
-    if (TraceFile::channelIndex(order[index]) < 0) return false;
+    if (channelOf(order[index]) == noChannel) return false;
 
   const std::uint32_t pointCount = directory.pointCount();
   if (pointCount == 0) return false;
@@ -185,13 +186,13 @@ bool TraceFile::readAbifChannels(const AbifDirectory& directory) {
   pointCount_ = directory.pointCount();
   // Deliberate: an order that names one letter twice leaves the channel it misses all zeros.
   for (const char letter : {'A', 'C', 'G', 'T'})
-    channels_[channelIndex(letter)] =
+    channels_[channelOf(letter)] =
         directory.baseOrder.contains(letter)
             ? std::make_unique_for_overwrite<std::uint16_t[]>(pointCount_)
             : std::make_unique<std::uint16_t[]>(pointCount_);
   for (std::int32_t index = 0; index < 4; ++index) {
     if (!seek(signedOffset(directory.channels[index].offset))) return false;
-    fill(channels_[channelIndex(directory.baseOrder[index])].get(), pointCount_);
+    fill(channels_[channelOf(directory.baseOrder[index])].get(), pointCount_);
   }
   return true;
 }

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "foundation/big_endian.h"
+#include "foundation/channels.h"
 #include "foundation/scf_layout.h"
 #include "trace/trace_file.h"
 
@@ -160,11 +161,12 @@ void TraceFile::readScfBases2() {
     for (std::uint32_t i = 0; i < count; ++i) {
       const unsigned char* record = chunk + std::size_t{i} * baseRecordSize;
       const char letter           = static_cast<char>(record[baseRecordBase]);
-      const std::int32_t channel  = channelIndex(letter);
+      const int channel           = channelOf(letter);
       peaks_[first + i]           = Tessaly::bigEndian32(record + baseRecordPeak);
       bases_[first + i]           = letter;
-      qualities_[first + i] =
-          channel < 0 ? '\0' : static_cast<char>(record[baseRecordProbabilities + channel]);
+      qualities_[first + i]       = channel == noChannel
+                                        ? '\0'
+                                        : static_cast<char>(record[baseRecordProbabilities + channel]);
     }
   }
 }
@@ -197,9 +199,9 @@ void TraceFile::readScfBases3() {
   fill(probabilities.get(), 4 * count);
   fill(bases_.get(), count);
   for (std::size_t i = 0; i < count; ++i) {
-    const std::int32_t channel = channelIndex(bases_[i]);
+    const int channel = channelOf(bases_[i]);
     qualities_[i] =
-        channel < 0 ? '\0' : probabilities[static_cast<std::size_t>(channel) * count + i];
+        channel == noChannel ? '\0' : probabilities[static_cast<std::size_t>(channel) * count + i];
   }
 }
 

@@ -94,21 +94,6 @@ bool TraceFile::getBaseCalls(Tessaly::String& bases, Tessaly::String& qualities,
   return usable;
 }
 
-std::int32_t TraceFile::channelIndex(char letter) {
-  switch (letter) {
-    case 'A':
-      return 0;
-    case 'C':
-      return 1;
-    case 'G':
-      return 2;
-    case 'T':
-      return 3;
-    default:
-      return -1;
-  }
-}
-
 bool TraceFile::isBacked(std::uint32_t count, std::int64_t offset, std::int64_t byteCount) const {
   return count <= unbackedCountLimit || (offset >= 0 && offset + byteCount <= fileSize());
 }

@@ -52,9 +52,6 @@ class TraceFile : public Tessaly::FileReader {
   bool getBaseCalls(Tessaly::String& bases, Tessaly::String& qualities,
                     Tessaly::Vector<std::int32_t>& peaks) const;
 
-  /// 0..3 for A, C, G, T; -1 for any other letter.
-  static std::int32_t channelIndex(char letter);
-
   std::uint32_t pointCount() const { return pointCount_; }
   std::uint32_t baseCount() const { return baseCount_; }
   /// The base-calling program that the file names; empty when it names none.

@@ -280,14 +280,4 @@ TEST(TraceFile, SetDirectoryWithAnEmptyTextGivesThePrefixSlash) {
   EXPECT_TRUE(trace.open(fromRoot));
 }
 
-TEST(TraceFile, ChannelIndexKnowsTheFourLettersOnly) {
-  struct Case {
-    char letter;
-    std::int32_t index;
-  };
-  for (const Case& one : {Case{'A', 0}, Case{'C', 1}, Case{'G', 2}, Case{'T', 3}, Case{'a', -1},
-                          Case{'N', -1}, Case{'\0', -1}})
-    EXPECT_EQ(Quillet::TraceFile::channelIndex(one.letter), one.index) << one.letter;
-}
-
 }  // namespace

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <array>
+
+// The four channels of a trace stand in the order A, C, G, T, whatever order a file keeps them in.
+namespace Quillet {
+
+inline constexpr char channelLetters[] = "ACGTN";
+inline constexpr int noChannel         = 4;  // its letter is N
+
+/// The channel of an upper-case A, C, G or T; noChannel for any other base. Looked up, since the
+/// processor could not foresee jumps that hang on the bases.
+inline int channelOf(char base) {
+  static constexpr auto channels = [] {
+    std::array<unsigned char, 256> table{};
+    table.fill(noChannel);
+    for (unsigned char channel = 0; channel < noChannel; ++channel)
+      table[static_cast<unsigned char>(channelLetters[channel])] = channel;
+    return table;
+  }();
+  return channels[static_cast<unsigned char>(base)];
+}
+
+}  // namespace Quillet
