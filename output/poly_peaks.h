@@ -1,10 +1,10 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 
+#include "foundation/channels.h"
 #include "foundation/string.h"
 
 namespace Quillet {
@@ -62,22 +62,6 @@ class PolyPeaks {
   std::size_t pointCapacity_ = 0;
   std::unique_ptr<std::uint16_t[]> summedSignal_;  // working storage of balanceChannels
 };
-
-inline constexpr char channelLetters[] = "ACGTN";
-inline constexpr int noChannel         = 4;  // its letter is N
-
-/// The channel of an upper-case A, C, G or T; noChannel for any other base. Looked up, since the
-/// processor could not foresee jumps that hang on the bases.
-inline int channelOf(char base) {
-  static constexpr auto channels = [] {
-    std::array<unsigned char, 256> table{};
-    table.fill(noChannel);
-    for (unsigned char channel = 0; channel < noChannel; ++channel)
-      table[static_cast<unsigned char>(channelLetters[channel])] = channel;
-    return table;
-  }();
-  return channels[static_cast<unsigned char>(base)];
-}
 
 // The stages of the computation, in their order.
 

@@ -63,15 +63,6 @@ PolyInput randomTrace(std::mt19937& random, std::size_t pointCount) {
   return input;
 }
 
-TEST(ChannelOf, OnlyUpperCaseACGTHaveAChannel) {
-  for (int code = -128; code < 128; ++code) {
-    const char letter       = static_cast<char>(code);
-    const std::size_t found = std::string("ACGT").find(letter);
-    const int expected      = found == std::string::npos ? 4 : static_cast<int>(found);
-    EXPECT_EQ(Quillet::channelOf(letter), expected) << code;
-  }
-}
-
 TEST(ChooseSecondPeaks, TheHighestOtherChannelWinsAndTheFirstOfEqualOnes) {
   struct Case {
     char base;
