@@ -1,7 +1,5 @@
 #include "output/phd_file.h"
 
-#include <algorithm>
-
 #include "output/file_writer.h"
 #include "output/text_lines.h"
 
@@ -25,19 +23,26 @@ void writeHeader(Tessaly::FileWriter& writer, const PhdRecord& record) {
 }
 
 // A character and two numbers, each with what follows it.
-constexpr std::size_t longestLine = 2 + 2 * (Tessaly::longestDecimal + 1);
+constexpr std::size_t longestLine = 2 + 2 * Tessaly::longestDecimal;
 
 void writeBases(Tessaly::FileWriter& writer, const PhdRecord& record) {
-  const std::int32_t baseCount    = record.bases.length();
-  const std::int32_t qualityCount = std::min(record.qualities.length(), baseCount);
-  writeLines<longestLine>(writer, baseCount, [&](char* text, std::int32_t i) {
-    // Deliberate: a quality byte is a signed number, so that 128..255 are written as -128..-1.
-    const std::int32_t quality =
-        i < qualityCount ? static_cast<std::int8_t>(record.qualities[i]) : 0;
-    text = putWord(text, record.bases[i]);
-    text = putWord(text, quality);
-    return putLine(text, record.peaks[i]);
-  });
+  const char* const bases         = record.bases.text();
+  const char* const qualities     = record.qualities.text();
+  const std::int32_t* const peaks = record.peaks;
+  const std::int32_t qualityCount = record.qualities.length();
+  writeLines<longestLine>(writer, record.bases.length(),
+                          [=](char* text, std::int32_t begin, std::int32_t end) {
+                            for (std::int32_t i = begin; i < end; ++i) {
+                              // Deliberate: a quality byte is a signed number, so that 128..255 are
+                              // written as -128..-1.
+                              const std::int32_t quality =
+                                  i < qualityCount ? static_cast<std::int8_t>(qualities[i]) : 0;
+                              text = putWord(text, bases[i]);
+                              text = putShortWord(text, quality);
+                              text = putShortLine(text, peaks[i]);
+                            }
+                            return text;
+                          });
 }
 
 }  // namespace

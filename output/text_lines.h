@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -21,25 +22,33 @@ inline char* putWord(char* text, char character) {
 }
 
 inline char* putWord(char* text, std::int32_t value) {
-  return putCharacter(Tessaly::putDecimal(text, value), ' ');
+  return Tessaly::putDecimal(text, value) + 1;  // the blank stands there already
 }
 
-inline char* putLine(char* text, std::int32_t value) {
-  return putCharacter(Tessaly::putDecimal(text, value), '\n');
+// For values that hardly ever are negative or above 99999.
+
+inline char* putShortWord(char* text, std::int32_t value) {
+  return Tessaly::putShortDecimal(text, value) + 1;
 }
 
-/// Writes `count` lines. `put(text, i)` puts line i at `text`, touching at most `longestLine` bytes
-/// from there on, and returns its end.
+inline char* putShortLine(char* text, std::int32_t value) {
+  return putCharacter(Tessaly::putShortDecimal(text, value), '\n');
+}
+
+/// Lines that are put together at a time.
+inline constexpr std::int32_t blockOfLines = 32;
+
+/// Writes `count` lines. `put(text, begin, end)` puts the lines from `begin` to before `end`, at
+/// most blockOfLines of them, at `text` and returns their end. It touches at most `longestLine`
+/// bytes a line.
 template <std::size_t longestLine, typename Put>
 void writeLines(Tessaly::FileWriter& writer, std::int32_t count, Put put) {
-  constexpr std::ptrdiff_t handedOver = 1024;  // bytes, or a little more
-  char block[handedOver + longestLine];
-  char* text = block;
-  for (std::int32_t i = 0; i < count; ++i) {
-    text = put(text, i);
-    if (text - block < handedOver && i + 1 < count) continue;
+  char block[blockOfLines * longestLine];
+  for (std::int32_t begin = 0; begin < count;) {
+    const std::int32_t end = begin + std::min(blockOfLines, count - begin);
+    const char* const text = put(block, begin, end);
     writer.writeBytes(block, static_cast<std::int32_t>(text - block));  // fits: at most the block
-    text = block;
+    begin = end;
   }
 }
 

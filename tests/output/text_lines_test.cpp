@@ -9,17 +9,22 @@
 
 namespace {
 
-constexpr std::size_t longestLine = 2 + Tessaly::longestDecimal + 1;
+constexpr std::size_t longestLine = 2 + Tessaly::longestDecimal;
 
 /// The file of `count` lines, each a letter and the number of the line times `factor`.
 std::string written(std::int32_t count, std::int32_t factor) {
   ScratchFolder folder;
   Tessaly::FileWriter writer;
   writer.open("out");
-  Quillet::writeLines<longestLine>(writer, count, [&](char* text, std::int32_t i) {
-    text = Quillet::putWord(text, i % 2 == 0 ? 'A' : 'b');
-    return Quillet::putLine(text, i * factor);
-  });
+  Quillet::writeLines<longestLine>(writer, count,
+                                   [&](char* text, std::int32_t begin, std::int32_t end) {
+                                     EXPECT_LE(end - begin, Quillet::blockOfLines);
+                                     for (std::int32_t i = begin; i < end; ++i) {
+                                       text = Quillet::putWord(text, i % 2 == 0 ? 'A' : 'b');
+                                       text = Quillet::putShortLine(text, i * factor);
+                                     }
+                                     return text;
+                                   });
   writer.close();
   return folder.read("out");
 }
@@ -37,15 +42,19 @@ TEST(TextLines, WordsEndInABlankAndLinesInALineFeed) {
   char* end = Quillet::putCharacter(text, 'x');
   end       = Quillet::putWord(end, 'C');
   end       = Quillet::putWord(end, -12);
-  end       = Quillet::putLine(end, 345);
+  end       = Quillet::putWord(end, 1234567);
+  end       = Quillet::putShortWord(end, 0);
+  end       = Quillet::putShortWord(end, 1234567);
+  end       = Quillet::putShortLine(end, 345);
 
-  EXPECT_EQ(std::string(text, end), "xC -12 345\n");
+  EXPECT_EQ(std::string(text, end), "xC -12 1234567 0 1234567 345\n");
 }
 
 TEST(TextLines, NoLinesAreNoBytes) { EXPECT_EQ(written(0, 1), ""); }
 
 TEST(TextLines, EveryNumberOfLinesIsWrittenWhole) {
-  // Lines of 4 to 13 bytes: some of the counts end just before, in and behind a block of 1024.
+  // Some of the counts end just before, in and behind a block of 32 lines, and some of the bytes
+  // just before, in and behind the buffer of the writer.
   for (const std::int32_t factor : {1, 1000, 7000000, -7}) {
     for (std::int32_t count = 1; count <= 300; ++count) {
       ASSERT_EQ(written(count, factor), expected(count, factor)) << count << " times " << factor;
