@@ -41,6 +41,20 @@ void numberText(benchmark::State& state) {
   state.counters["per number"] = timeOfEach(static_cast<double>(numbers.size()));
 }
 
+/// Numbers as most columns hold them: heights and positions.
+void shortNumberText(benchmark::State& state) {
+  std::vector<std::int32_t> numbers = mixedNumbers();
+  for (std::int32_t& number : numbers) number %= 65281;
+  for (auto _ : state) {
+    char text[Tessaly::longestDecimal];
+    for (const std::int32_t number : numbers) {
+      benchmark::DoNotOptimize(Tessaly::putShortDecimal(text, number));
+      benchmark::ClobberMemory();
+    }
+  }
+  state.counters["per number"] = timeOfEach(static_cast<double>(numbers.size()));
+}
+
 void writerNumbers(benchmark::State& state) {
   const std::vector<std::int32_t> numbers = mixedNumbers();
   Tessaly::FileWriter writer;
@@ -91,6 +105,7 @@ void polyFile(benchmark::State& state) {
 }
 
 BENCHMARK(numberText);
+BENCHMARK(shortNumberText);
 BENCHMARK(writerNumbers);
 BENCHMARK(writerBytes);
 BENCHMARK(phdFile);
