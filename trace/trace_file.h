@@ -21,10 +21,11 @@ struct ScfHeader;
 /// more than the bases: the last is the number of samples in a channel.
 /// Owns its arrays; newChannels() gives the caller copies to own, releaseChannels() the channels
 /// themselves. A compressed trace is unpacked into a file named after the moment of construction,
-/// in the working directory, that is gone when open() returns. Errors: open() returns false and
-/// sets status(); nothing is printed. Where memory is out, open() and newChannels() throw
-/// std::bad_alloc, open() and getBaseCalls() what a String or a Vector throws; an unpacked file may
-/// then stay behind. Use: construct, open once, take the data when that succeeded, destroy.
+/// in the working directory, that is gone when open() returns.
+/// Errors: open() returns false and sets status(); nothing is printed. Where memory is out, open()
+/// and newChannels() throw std::bad_alloc, open() and getBaseCalls() what a String or a Vector
+/// throws; an unpacked file may then stay behind.
+/// Use: construct, open once, take the data when that succeeded, destroy.
 class TraceFile : public Tessaly::FileReader {
  public:
   TraceFile();
