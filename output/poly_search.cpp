@@ -159,36 +159,41 @@ struct Peaks {
   std::int32_t positions[channelCount] = {};
 };
 
-Peaks peaksAt(const std::int16_t* maxima, std::int64_t sampleIndex) {
+/// Looks through a range of any length.
+Peaks scan(const std::int16_t* maxima, const SearchRange& range) {
   Peaks peaks;
-  for (int channel = 0; channel < channelCount; ++channel) {
-    const std::uint16_t height = heightOf(maxima[channelCount * sampleIndex + channel]);
-    if (height == 0) continue;
-    peaks.heights[channel]   = height;
-    peaks.positions[channel] = positionAfter(static_cast<std::uint32_t>(sampleIndex));
+  for (std::int64_t k = range.first; k <= range.last; ++k) {
+    for (int channel = 0; channel < channelCount; ++channel) {
+      const std::int32_t height = heightOf(maxima[channelCount * k + channel]);
+      if (height <= peaks.heights[channel]) continue;
+      peaks.heights[channel]   = height;
+      peaks.positions[channel] = positionAfter(static_cast<std::uint32_t>(k));
+    }
   }
   return peaks;
 }
 
-// Ranges whose offsets fit the lanes are walked. Longer ones are for the tree.
-constexpr std::int64_t shortestWalk  = 2;
-constexpr std::int32_t largestOffset = std::numeric_limits<std::int16_t>::max();
-constexpr std::int64_t longestWalk   = largestOffset + std::int64_t{1};
+constexpr std::int64_t shortestInLanes = 2;
+constexpr std::int64_t longestInLanes  = 16;  // bases are seldom further apart
+constexpr std::int32_t largestOffset   = longestInLanes - 1;
 
-/// Looks through a range two samples at a time, all four channels side by side. No branch hangs on
-/// the signal here: the processor could not foresee it.
-Peaks walk(const std::int16_t* maxima, const SearchRange& range) {
+/// Looks through a range that is neither shorter nor longer than these, two samples at a time, all
+/// four channels side by side. No branch hangs on the signal or on the length: the processor could
+/// not foresee it.
+Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
   const std::int16_t* const start = maxima + channelCount * range.first;
-  const std::int64_t length       = range.last - range.first + 1;
+  const std::int64_t lastPair     = range.last - range.first - 1;
   PairLanes highest               = stored(0);
-  PairLanes pairOffset            = 0;  // of the pair that has the highest
-  const auto lookAt               = [&](std::int64_t offset) {
+  PairLanes pairOffset            = 0;
+  for (std::int64_t k = 0; k < longestInLanes; k += 2) {
+    // Behind the range, its last pair is looked at again. Of an odd number of samples, one is in
+    // two pairs.
+    const std::int64_t offset = std::min(k, lastPair);
     const PairLanes heights(start + channelCount * offset, simd::element_aligned);
-    where(heights > highest, pairOffset) = static_cast<std::int16_t>(offset);
+    where(heights > highest, pairOffset) = static_cast<std::int16_t>(k);
     highest                              = max(highest, heights);
-  };
-  for (std::int64_t offset = 0; offset + 2 < length; offset += 2) lookAt(offset);
-  lookAt(length - 2);  // looks at one sample twice when their number is odd
+  }
+  pairOffset = min(pairOffset, PairLanes(static_cast<std::int16_t>(lastPair)));
 
   // Of a height and what is left behind its offset, the largest is the first of the highest.
   const auto keyOf = [](const auto& heights, const auto& offsets, std::int32_t added) {
@@ -210,11 +215,11 @@ Peaks walk(const std::int16_t* maxima, const SearchRange& range) {
   return peaks;
 }
 
-/// Answers the bases from end to end. Stops when their ranges together are too long, or one of them
-/// is, and returns the number of bases done.
-std::int32_t searchByWalking(const CalledTrace& trace, const std::int16_t* maxima,
-                             std::int32_t* const (&peakPos)[channelCount],
-                             std::uint32_t* const (&peakAmp)[channelCount]) {
+/// Looks through the ranges of the bases from end to end. Stops when the ranges together are too
+/// long, and returns the number of bases done.
+std::int32_t searchByScanning(const CalledTrace& trace, const std::int16_t* maxima,
+                              std::int32_t* const (&peakPos)[channelCount],
+                              std::uint32_t* const (&peakAmp)[channelCount]) {
   // The ranges of ascending peaks do not overlap; some disorder is still cheapest to walk.
   const std::int32_t baseCount = trace.bases.length();
   std::int64_t samplesLeft     = 4 * (std::int64_t{trace.pointCount} + baseCount);
@@ -223,11 +228,10 @@ std::int32_t searchByWalking(const CalledTrace& trace, const std::int16_t* maxim
     const SearchRange range   = searchRange(trace, i);
     const std::int64_t length = range.last - range.first + 1;
     samplesLeft -= std::max(length, std::int64_t{0});
-    if (samplesLeft < 0 || length > longestWalk) return i;
+    if (samplesLeft < 0) return i;
 
-    Peaks peaks;
-    if (length == 1) peaks = peaksAt(maxima, range.first);
-    if (length >= shortestWalk) peaks = walk(maxima, range);
+    const bool fitsLanes = shortestInLanes <= length && length <= longestInLanes;
+    const Peaks peaks    = fitsLanes ? scanInLanes(maxima, range) : scan(maxima, range);
     for (int channel = 0; channel < channelCount; ++channel) {
       peakAmp[channel][i] = static_cast<std::uint32_t>(peaks.heights[channel]);
       peakPos[channel][i] = peaks.positions[channel];
@@ -271,7 +275,7 @@ void fallBackToCalls(const CalledTrace& trace, std::int32_t* const (&peakPos)[4]
 void findPeaks(const CalledTrace& trace, std::int16_t* maxima, std::int32_t* const (&peakPos)[4],
                std::uint32_t* const (&peakAmp)[4]) {
   markMaxima(trace.channels, trace.pointCount, maxima);
-  const std::int32_t done = searchByWalking(trace, maxima, peakPos, peakAmp);
+  const std::int32_t done = searchByScanning(trace, maxima, peakPos, peakAmp);
   if (done < trace.bases.length()) searchByTree(trace, done, maxima, peakPos, peakAmp);
   fallBackToCalls(trace, peakPos, peakAmp);
 }
