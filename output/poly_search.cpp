@@ -1,6 +1,6 @@
 #include <algorithm>
 #include <experimental/simd>
-#include <limits>
+#include <utility>
 
 #include "output/poly_peaks.h"
 
@@ -22,7 +22,8 @@ std::int16_t maximumAt(std::uint16_t left, std::uint16_t sample, std::uint16_t r
   const auto mean   = static_cast<std::uint16_t>((left + right + 1) >> 1);
   const auto higher = sample > mean ? sample : mean;
   const auto excess = static_cast<std::uint16_t>(higher - mean);
-  return stored(excess > 1 ? sample : std::uint16_t{0});
+  const auto kept = static_cast<std::uint16_t>(-static_cast<int>(excess > 1));  // all bits or none
+  return stored(sample & kept);
 }
 
 void markMaxima(std::uint16_t* const (&channels)[channelCount], std::size_t count,
@@ -58,15 +59,16 @@ std::int64_t midpoint(std::int32_t left, std::int32_t right) {
   return (std::int64_t{left} + right) / 2;  // truncates toward zero
 }
 
-/// From midway to the base before (for the first base, from half its own peak) to midway to the
-/// base after, without the two end points, which only serve as neighbours, and without what lies
-/// outside the trace, where nothing is a maximum.
-SearchRange searchRange(const CalledTrace& trace, std::int32_t i) {
-  const std::int32_t* peaks = trace.peaks;
-  const std::int64_t low    = i == 0 ? peaks[0] / 2 : midpoint(peaks[i - 1], peaks[i]);
-  const std::int64_t high   = midpoint(peaks[i], peaks[i + 1]);
-  return {std::max(low + 1, std::int64_t{0}),
-          std::min(high - 1, std::int64_t{trace.pointCount} - 1)};
+/// What lies between two midpoints, without them, which only serve as neighbours, and without what
+/// lies outside the trace, where nothing is a maximum.
+SearchRange rangeBetween(std::int64_t low, std::int64_t high, std::uint32_t pointCount) {
+  return {std::max(low + 1, std::int64_t{0}), std::min(high, std::int64_t{pointCount}) - 1};
+}
+
+/// Where the range of base `i` begins: midway to the base before; for the first base, at half its
+/// own peak. It ends where that of the next base begins.
+std::int64_t lowMidpoint(const std::int32_t* peaks, std::int32_t i) {
+  return i == 0 ? peaks[0] / 2 : midpoint(peaks[i - 1], peaks[i]);
 }
 
 /// The first highest maximum of a range; a height of 0 means that there is none.
@@ -221,20 +223,23 @@ std::int32_t searchByScanning(const CalledTrace& trace, const std::int16_t* maxi
                               std::int32_t* const (&peakPos)[channelCount],
                               std::uint32_t* const (&peakAmp)[channelCount]) {
   // The ranges of ascending peaks do not overlap; some disorder is still cheapest to walk.
-  const std::int32_t baseCount = trace.bases.length();
-  std::int64_t samplesLeft     = 4 * (std::int64_t{trace.pointCount} + baseCount);
+  const std::int32_t baseCount    = trace.bases.length();
+  const std::int32_t* const peaks = trace.peaks;
+  std::int64_t samplesLeft        = 4 * (std::int64_t{trace.pointCount} + baseCount);
 
+  std::int64_t low = baseCount == 0 ? 0 : lowMidpoint(peaks, 0);
   for (std::int32_t i = 0; i < baseCount; ++i) {
-    const SearchRange range   = searchRange(trace, i);
+    const std::int64_t high   = lowMidpoint(peaks, i + 1);
+    const SearchRange range   = rangeBetween(std::exchange(low, high), high, trace.pointCount);
     const std::int64_t length = range.last - range.first + 1;
     samplesLeft -= std::max(length, std::int64_t{0});
     if (samplesLeft < 0) return i;
 
     const bool fitsLanes = shortestInLanes <= length && length <= longestInLanes;
-    const Peaks peaks    = fitsLanes ? scanInLanes(maxima, range) : scan(maxima, range);
+    const Peaks found    = fitsLanes ? scanInLanes(maxima, range) : scan(maxima, range);
     for (int channel = 0; channel < channelCount; ++channel) {
-      peakAmp[channel][i] = static_cast<std::uint32_t>(peaks.heights[channel]);
-      peakPos[channel][i] = peaks.positions[channel];
+      peakAmp[channel][i] = static_cast<std::uint32_t>(found.heights[channel]);
+      peakPos[channel][i] = found.positions[channel];
     }
   }
   return baseCount;
@@ -248,10 +253,10 @@ void searchByTree(const CalledTrace& trace, std::int32_t firstBase, const std::i
   for (int channel = 0; channel < channelCount; ++channel) {
     tree.build(maxima, channel);
     for (std::int32_t i = firstBase; i < trace.bases.length(); ++i) {
-      const SearchRange range = searchRange(trace, i);
-      const Peak peak         = tree.find(range);
-      peakAmp[channel][i]     = peak.height;
-      peakPos[channel][i]     = peak.position;
+      const Peak peak     = tree.find(rangeBetween(lowMidpoint(trace.peaks, i),
+                                                   lowMidpoint(trace.peaks, i + 1), trace.pointCount));
+      peakAmp[channel][i] = peak.height;
+      peakPos[channel][i] = peak.position;
     }
   }
 }
