@@ -45,7 +45,7 @@ class Stages {
   void normalise() {
     for (int c = 0; c < 4; ++c) {
       Quillet::normaliseAreas(channels_[c], pointCount(), averages_[c], peakPos_[c], peakAmp_[c],
-                              trace_.baseCount(), normAmp_[c]);
+                              trace_.baseCount(), zeros_.get(), normAmp_[c]);
     }
   }
   void choose() {
@@ -74,6 +74,8 @@ class Stages {
   std::int32_t* normAmp_[4];
   std::unique_ptr<std::uint16_t[]> summedSignal_ =
       std::make_unique<std::uint16_t[]>(Quillet::summedSignalSize);
+  std::unique_ptr<std::uint64_t[]> zeros_ =
+      std::make_unique<std::uint64_t[]>(Quillet::zeroWordCount(pointCount()));
   std::unique_ptr<char[]> secondBase_        = std::make_unique<char[]>(baseCount());
   std::unique_ptr<std::int32_t[]> secondPos_ = std::make_unique<std::int32_t[]>(baseCount());
   float averages_[4]                         = {};

@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "output/poly_peaks.h"
+#include "output/sample_runs.h"
 
 namespace Quillet {
 
@@ -11,11 +12,14 @@ std::int32_t truncateToInt32(double value) {
   return fits ? static_cast<std::int32_t>(value) : std::numeric_limits<std::int32_t>::min();
 }
 
+std::size_t zeroWordCount(std::size_t pointCount) { return SampleRuns::wordCount(pointCount); }
+
 void normaliseAreas(const std::uint16_t* samples, std::uint32_t pointCount, float average,
                     const std::int32_t* peakPos, const std::uint32_t* peakAmp,
-                    std::int32_t baseCount, std::int32_t* normAmp) {
+                    std::int32_t baseCount, std::uint64_t* zeros, std::int32_t* normAmp) {
   constexpr double heightUnit = 0.00006103515625;  // 2 to the power -14
 
+  const SampleRuns runs(samples, pointCount, zeros);
   // What no run reaches stays 0.
   std::fill_n(normAmp, baseCount, 0);
 
@@ -30,11 +34,9 @@ void normaliseAreas(const std::uint16_t* samples, std::uint32_t pointCount, floa
       continue;
     }
 
-    std::uint32_t area = 0;  // wraps modulo 2^32
-    for (std::int64_t k = position - 1; k >= passed && samples[k] != 0; --k) area += samples[k];
-    std::int64_t end = position;
-    while (end < pointCount && samples[end] != 0) area += samples[end++];
-    passed = end;
+    const std::int64_t end   = runs.endFrom(position);
+    const std::uint32_t area = runs.area(runs.startBefore(position), end);  // wraps modulo 2^32
+    passed                   = end;
 
     // Deliberate: a peak that comes after one of this run and lies before it shares in it.
     const std::int32_t first = base;

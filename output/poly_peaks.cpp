@@ -13,6 +13,7 @@ void PolyPeaks::reserve(std::size_t pointCount, std::size_t baseCount) {
     maxima_        = std::make_unique_for_overwrite<std::int16_t[]>(4 * pointCount);
     pointCapacity_ = pointCount;
   }
+  zeros_.resize(zeroWordCount(pointCount));
   if (baseCount > baseCapacity_) {
     baseCapacity_ = 0;
     for (int channel = 0; channel < 4; ++channel) {
@@ -48,7 +49,7 @@ void PolyPeaks::compute(std::uint16_t* const (&channels)[4], std::uint32_t point
   releaseLongMaxima();
   for (int channel = 0; channel < 4; ++channel) {
     normaliseAreas(channels[channel], pointCount, averages[channel], peakPos(channel),
-                   peakAmp(channel), bases.length(), normAmp_[channel].get());
+                   peakAmp(channel), bases.length(), zeros_.data(), normAmp_[channel].get());
   }
 
   chooseSecondPeaks(bases, {peakPos(0), peakPos(1), peakPos(2), peakPos(3)},

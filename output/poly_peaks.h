@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "foundation/channels.h"
 #include "foundation/string.h"
@@ -25,8 +26,8 @@ struct CalledTrace {
 ///
 /// Channels are numbered 0..3 for A, C, G, T; positions are 0-based sample indices; heights are
 /// amplitudes after both rescalings (0..65280). Owns its results, which describe the trace of the
-/// last compute(), and the working storage. Both only grow, but for the working storage of a trace
-/// that is far too long to be one, which goes at once: one object serves a whole batch.
+/// last compute(), and the working storage. Both only grow, but for the maxima of a trace that is
+/// far too long to be one, which go at once: one object serves a whole batch.
 /// Errors: nothing but an allocation failure, whatever the peaks say; the time is in proportion to
 /// samples and bases, with a logarithm where the peaks are in disorder.
 /// Use: construct once, then compute() for each trace and read the results.
@@ -59,6 +60,7 @@ class PolyPeaks {
   std::size_t baseCapacity_ = 0;
 
   std::unique_ptr<std::int16_t[]> maxima_;  // working storage of findPeaks
+  std::vector<std::uint64_t> zeros_;        // working storage of normaliseAreas
   std::size_t pointCapacity_ = 0;
   std::unique_ptr<std::uint16_t[]> summedSignal_;  // working storage of balanceChannels
 };
@@ -81,10 +83,12 @@ void balanceChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCou
 void findPeaks(const CalledTrace& trace, std::int16_t* maxima, std::int32_t* const (&peakPos)[4],
                std::uint32_t* const (&peakAmp)[4]);
 
-/// Stage 4, for one channel: shares the area of every run of signal out to the peaks in it.
+/// Stage 4, for one channel: shares the area of every run of signal out to the peaks in it. `zeros`
+/// is working storage, zeroWordCount() entries.
+std::size_t zeroWordCount(std::size_t pointCount);
 void normaliseAreas(const std::uint16_t* samples, std::uint32_t pointCount, float average,
                     const std::int32_t* peakPos, const std::uint32_t* peakAmp,
-                    std::int32_t baseCount, std::int32_t* normAmp);
+                    std::int32_t baseCount, std::uint64_t* zeros, std::int32_t* normAmp);
 
 /// Stage 5: picks the highest peak of another channel for each base.
 void chooseSecondPeaks(const Tessaly::String& bases, const std::int32_t* const (&peakPos)[4],

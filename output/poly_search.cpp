@@ -40,12 +40,13 @@ void markMaxima(std::uint16_t* const (&channels)[channelCount], std::size_t coun
     marked[2]                  = maximumAt(g[i - 1], g[i], g[i + 1]);
     marked[3]                  = maximumAt(t[i - 1], t[i], t[i + 1]);
   }
-  const std::size_t last = count - 1;
+  const std::size_t last       = count - 1;
+  std::int16_t* const lastOnes = maxima + channelCount * last;
   for (int channel = 0; channel < channelCount; ++channel) {
     const std::uint16_t* const samples = channels[channel];
     const auto sampleAt = [&](std::size_t k) { return k < count ? samples[k] : std::uint16_t{0}; };
     maxima[channel]     = maximumAt(0, samples[0], sampleAt(1));
-    maxima[channelCount * last + channel] = maximumAt(sampleAt(last - 1), samples[last], 0);
+    lastOnes[channel]   = maximumAt(sampleAt(last - 1), samples[last], 0);
   }
 }
 

@@ -20,9 +20,10 @@ std::vector<std::int32_t> normalise(const std::vector<std::uint16_t>& samples, f
                                     const std::vector<std::int32_t>& peakPos,
                                     const std::vector<std::uint32_t>& peakAmp) {
   std::vector<std::int32_t> normAmp(peakPos.size(), -99);
+  std::vector<std::uint64_t> zeros(Quillet::zeroWordCount(samples.size()), 0x5A5A);
   Quillet::normaliseAreas(samples.data(), static_cast<std::uint32_t>(samples.size()), average,
                           peakPos.data(), peakAmp.data(), static_cast<std::int32_t>(peakPos.size()),
-                          normAmp.data());
+                          zeros.data(), normAmp.data());
   return normAmp;
 }
 

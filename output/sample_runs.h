@@ -1,0 +1,120 @@
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <experimental/simd>
+#include <functional>
+
+namespace Quillet {
+
+/// Where the samples of one channel are 0, and how much signal lies between.
+///
+/// A run is a stretch of samples other than 0; what lies outside the channel counts as 0. Positions
+/// are sample indices, 0 up to the number of samples. Borrows the samples, and working storage of
+/// wordCount() entries. Does not fail. What it has to say is asked for every few samples, so that
+/// it is all inline.
+class SampleRuns {
+ public:
+  /// Entries of working storage that a channel of so many samples needs.
+  static std::size_t wordCount(std::size_t count) { return count / wordSize + 3; }
+
+  SampleRuns(const std::uint16_t* samples, std::size_t count, std::uint64_t* storage)
+      : samples_(samples), count_(static_cast<std::int64_t>(count)), zeros_(storage) {
+    findZeros(count);
+  }
+
+  /// The first 0 at or after the position; the number of samples when there is none.
+  std::int64_t endFrom(std::int64_t position) const {
+    std::uint64_t zeros = zerosBefore(position + wordSize);
+    for (; zeros == 0; zeros = zerosBefore(position + wordSize)) position += wordSize;
+    return position + std::countr_zero(zeros);
+  }
+
+  /// The index after the last 0 before the position; 0 when there is none.
+  std::int64_t startBefore(std::int64_t position) const {
+    std::uint64_t zeros = zerosBefore(position);
+    for (; zeros == 0; zeros = zerosBefore(position)) position -= wordSize;
+    return position - std::countl_zero(zeros);
+  }
+
+  /// The sum of the samples start..end-1, modulo 2^32.
+  std::uint32_t area(std::int64_t start, std::int64_t end) const {
+    Sums sums      = 0;
+    std::int64_t k = start;
+    for (; k + laneCount <= end; k += laneCount) sums += pairSums(lanesAt(samples_ + k));
+
+    std::uint32_t rest = 0;
+    if (k + laneCount <= count_) {
+      sums += pairSums(lanesAt(samples_ + k) & lanesAt(passing + laneCount - (end - k)));
+    } else {
+      for (; k < end; ++k) rest += samples_[k];
+    }
+    return std::experimental::reduce(sums) + rest;
+  }
+
+ private:
+  template <typename Value, int size>
+  using Simd = std::experimental::simd<Value, std::experimental::simd_abi::deduce_t<Value, size>>;
+  /// Eight samples, worked on side by side; the sums of pairs of them.
+  using Lanes = Simd<std::uint16_t, 8>;
+  using Sums  = Simd<std::uint32_t, 4>;
+
+  static constexpr std::int64_t laneCount = Lanes::size();
+  static constexpr std::int64_t wordSize  = 64;  // samples that an entry of the storage stands for
+
+  // Eight values behind eight others: read from entry 8 - n on, n lanes pass and the others do not.
+  static constexpr std::uint16_t passing[2 * laneCount] = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF,
+                                                           0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
+
+  static Lanes lanesAt(const std::uint16_t* values) {
+    return {values, std::experimental::element_aligned};
+  }
+
+  static Sums pairSums(const Lanes& samples) {
+    const auto pairs = std::bit_cast<Sums>(samples);
+    return (pairs & 0xFFFFU) + (pairs >> 16);
+  }
+
+  /// A bit for every one of sixteen samples that is 0, the first sample's lowest.
+  static std::uint64_t zerosOfSixteen(const std::uint16_t* samples) {
+    const Lanes lowerBits([](std::uint16_t lane) { return static_cast<std::uint16_t>(1 << lane); });
+    const Lanes upperBits                                          = lowerBits << laneCount;
+    Lanes lower                                                    = 0;
+    Lanes upper                                                    = 0;
+    where(lanesAt(samples) == std::uint16_t{0}, lower)             = lowerBits;
+    where(lanesAt(samples + laneCount) == std::uint16_t{0}, upper) = upperBits;
+    return std::experimental::reduce(lower | upper, std::bit_or<>());
+  }
+
+  void findZeros(std::size_t count) {
+    constexpr std::uint64_t allZeros = ~std::uint64_t{0};
+    const std::size_t wholeWords     = count / wordSize;
+
+    zeros_[0] = allZeros;  // before the first sample
+    for (std::size_t word = 0; word < wholeWords; ++word) {
+      const std::uint16_t* const start = samples_ + wordSize * word;
+      zeros_[word + 1]                 = zerosOfSixteen(start) | zerosOfSixteen(start + 16) << 16 |
+                         zerosOfSixteen(start + 32) << 32 | zerosOfSixteen(start + 48) << 48;
+    }
+    std::uint64_t rest = allZeros;
+    for (std::size_t k = wordSize * wholeWords; k < count; ++k) {
+      if (samples_[k] != 0) rest &= ~(std::uint64_t{1} << k % wordSize);
+    }
+    zeros_[wholeWords + 1] = rest;
+    zeros_[wholeWords + 2] = allZeros;
+  }
+
+  /// The bits of the 64 samples before the position, the first sample's lowest.
+  std::uint64_t zerosBefore(std::int64_t position) const {
+    const auto word  = static_cast<std::size_t>(position / wordSize);
+    const auto shift = static_cast<unsigned>(position % wordSize);
+    return zeros_[word] >> shift | zeros_[word + 1] << 1 << (wordSize - 1 - shift);
+  }
+
+  const std::uint16_t* samples_;
+  std::int64_t count_;
+  std::uint64_t* zeros_;  // a bit that is set for every 0; one entry more stands at either end
+};
+
+}  // namespace Quillet
