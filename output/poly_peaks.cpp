@@ -4,6 +4,14 @@
 
 namespace Quillet {
 
+namespace {
+
+// For each called channel; those of noChannel are never used.
+constexpr unsigned char otherChannels[noChannel + 1][3] = {
+    {1, 2, 3}, {0, 2, 3}, {0, 1, 3}, {0, 1, 2}, {0, 0, 0}};
+
+}  // namespace
+
 PolyPeaks::PolyPeaks()
     : summedSignal_(std::make_unique_for_overwrite<std::uint16_t[]>(summedSignalSize)) {}
 
@@ -60,22 +68,15 @@ void PolyPeaks::compute(std::uint16_t* const (&channels)[4], std::uint32_t point
 void chooseSecondPeaks(const Tessaly::String& bases, const std::int32_t* const (&peakPos)[4],
                        const std::uint32_t* const (&peakAmp)[4], char* secondBase,
                        std::int32_t* secondPos) {
-  // Pointers of their own: others would be read anew behind every letter put, which might have
-  // changed them.
-  const char* const letters              = bases.text();
-  const std::int32_t baseCount           = bases.length();
-  const std::int32_t* const positions[4] = {peakPos[0], peakPos[1], peakPos[2], peakPos[3]};
-  const std::uint32_t* const heights[4]  = {peakAmp[0], peakAmp[1], peakAmp[2], peakAmp[3]};
-  for (std::int32_t i = 0; i < baseCount; ++i) {
+  for (std::int32_t i = 0; i < bases.length(); ++i) {
     // No jump hangs on the bases or on the signal here: the processor could not foresee it.
-    const int called      = channelOf(letters[i]);
-    std::uint32_t largest = 0;  // a height, and behind it what is larger for earlier channels
-    for (int channel = 0; channel < 4; ++channel) {
-      const std::uint32_t key = heights[channel][i] << 2 | static_cast<std::uint32_t>(3 - channel);
-      largest                 = std::max(largest, channel == called ? 0 : key);
+    const int called      = channelOf(bases[i]);
+    std::uint64_t largest = 0;  // a height, and behind it what is larger for earlier channels
+    for (const unsigned channel : otherChannels[called]) {
+      largest = std::max(largest, std::uint64_t{peakAmp[channel][i]} << 2 | (3 - channel));
     }
-    const auto second           = 3 - (largest & 3);
-    const std::int32_t position = positions[second][i];
+    const auto second           = static_cast<int>(3 - (largest & 3));
+    const std::int32_t position = peakPos[second][i];
     const bool found = (largest > 3) & (called != noChannel);  // a height of 0 is no peak
     secondBase[i]    = channelLetters[found ? second : noChannel];
     secondPos[i]     = found ? position : 0;

@@ -43,12 +43,13 @@ void scaleSamples(std::uint16_t* samples, std::size_t count, const FixedFactor& 
   const std::uint16_t low   = factor.low;
   for (std::size_t i = 0; i < count; ++i) {
     const std::uint16_t sample = samples[i];
-    // 65536 * upper + lower is the sample times `high`; `carried` comes from the times `low`.
-    const std::uint32_t product = std::uint32_t{sample} * high;
-    const auto upper            = static_cast<std::uint16_t>(product >> 16);
-    const auto lower            = static_cast<std::uint16_t>(product);
-    const auto carried          = static_cast<std::uint16_t>((std::uint32_t{sample} * low) >> 16);
-    const auto sum = static_cast<std::uint16_t>(lower + carried);  // wraps: see the next line
+    // 65536 * upper + lower is the sample times `high`; `carried` comes from that times `low`. The
+    // two halves are two multiplications, since processors have one for each; in different types,
+    // since the compiler would otherwise make one and split its products.
+    const auto upper   = static_cast<std::uint16_t>((std::uint32_t{sample} * high) >> 16);
+    const auto lower   = static_cast<std::uint16_t>(std::uint64_t{sample} * high);
+    const auto carried = static_cast<std::uint16_t>((std::uint32_t{sample} * low) >> 16);
+    const auto sum     = static_cast<std::uint16_t>(lower + carried);  // wraps: see the next line
     const std::uint32_t overflow = sum < lower ? 1 : 0;
     samples[i] = static_cast<std::uint16_t>(std::uint32_t{sample} * whole + upper + overflow);
   }
