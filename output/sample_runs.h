@@ -1,10 +1,13 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <experimental/simd>
 #include <functional>
+#include <numeric>
 
 namespace Quillet {
 
@@ -40,17 +43,13 @@ class SampleRuns {
 
   /// The sum of the samples start..end-1, modulo 2^32.
   std::uint32_t area(std::int64_t start, std::int64_t end) const {
-    Sums sums      = 0;
-    std::int64_t k = start;
-    for (; k + laneCount <= end; k += laneCount) sums += pairSums(lanesAt(samples_ + k));
-
-    std::uint32_t rest = 0;
-    if (k + laneCount <= count_) {
-      sums += pairSums(lanesAt(samples_ + k) & lanesAt(passing + laneCount - (end - k)));
-    } else {
-      for (; k < end; ++k) rest += samples_[k];
+    // As many samples for nearly every run, since the processor could not foresee its length.
+    std::uint32_t sum = 0;
+    for (; start + atOnce <= count_; start += atOnce) {
+      sum += sumOfFirst(samples_ + start, std::min(end - start, atOnce));
+      if (start + atOnce >= end) return sum;
     }
-    return std::experimental::reduce(sums) + rest;
+    return std::accumulate(samples_ + start, samples_ + end, sum);
   }
 
  private:
@@ -63,9 +62,14 @@ class SampleRuns {
   static constexpr std::int64_t laneCount = Lanes::size();
   static constexpr std::int64_t wordSize  = 64;  // samples that an entry of the storage stands for
 
-  // Eight values behind eight others: read from entry 8 - n on, n lanes pass and the others do not.
-  static constexpr std::uint16_t passing[2 * laneCount] = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF,
-                                                           0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
+  static constexpr std::int64_t atOnce = 64;  // samples that are added up whether there or not
+
+  // Read from entry 64 - n on, n samples pass and the others do not.
+  static constexpr auto passing = [] {
+    std::array<std::uint16_t, 2 * atOnce> masks{};
+    std::fill_n(masks.begin(), atOnce, std::uint16_t{0xFFFF});
+    return masks;
+  }();
 
   static Lanes lanesAt(const std::uint16_t* values) {
     return {values, std::experimental::element_aligned};
@@ -74,6 +78,16 @@ class SampleRuns {
   static Sums pairSums(const Lanes& samples) {
     const auto pairs = std::bit_cast<Sums>(samples);
     return (pairs & 0xFFFFU) + (pairs >> 16);
+  }
+
+  /// The sum of `count` samples, in the time that all take.
+  static std::uint32_t sumOfFirst(const std::uint16_t* samples, std::int64_t count) {
+    const std::uint16_t* const masks = passing.data() + atOnce - count;
+    Sums sums                        = 0;
+    for (std::int64_t k = 0; k < atOnce; k += laneCount) {
+      sums += pairSums(lanesAt(samples + k) & lanesAt(masks + k));
+    }
+    return std::experimental::reduce(sums);
   }
 
   /// A bit for every one of sixteen samples that is 0, the first sample's lowest.
