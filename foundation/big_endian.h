@@ -18,12 +18,6 @@ inline std::uint32_t swapBytes(std::uint32_t value) {
   return (value << 24) | ((value & 0xFF00u) << 8) | ((value >> 8) & 0xFF00u) | (value >> 24);
 }
 
-inline std::uint64_t swapBytes(std::uint64_t value) {
-  const auto upper = static_cast<std::uint32_t>(value >> 32);
-  const auto lower = static_cast<std::uint32_t>(value);
-  return std::uint64_t{swapBytes(lower)} << 32 | swapBytes(upper);
-}
-
 /// The 16-bit number whose two bytes start at `bytes`.
 inline std::uint16_t bigEndian16(const void* bytes) {
   std::uint16_t value = 0;
@@ -46,12 +40,6 @@ inline void putBigEndian16(void* bytes, std::uint16_t value) {
 
 /// Stores `value` as four bytes at `bytes`.
 inline void putBigEndian32(void* bytes, std::uint32_t value) {
-  if constexpr (std::endian::native != std::endian::big) value = swapBytes(value);
-  std::memcpy(bytes, &value, sizeof value);
-}
-
-/// Stores `value` as eight bytes at `bytes`.
-inline void putBigEndian64(void* bytes, std::uint64_t value) {
   if constexpr (std::endian::native != std::endian::big) value = swapBytes(value);
   std::memcpy(bytes, &value, sizeof value);
 }

@@ -30,9 +30,11 @@ struct DigitText {
   }
 };
 
+static_assert(sizeof(DigitText) == 4);
+
 struct DigitGroup {
   DigitText text;
-  std::uint32_t taken;  // hundreds: what to subtract so that the next group is left, marked or not
+  std::uint32_t taken;  // 100 * the digits, to be subtracted so that the next group is left
 };
 
 /// Three digits that others follow: at 0 to 999 as they are, at 1000 to 1999, where the 1 is the
@@ -42,7 +44,9 @@ inline constexpr auto leadingDigits = [] {
   for (std::uint32_t i = 0; i < 2000; ++i) {
     DigitText& text              = groups[i].text;
     const std::uint32_t digits[] = {i / 100 % 10, i / 10 % 10, i % 10};
-    for (int k = i < 1000 || i >= 1100 ? 0 : i >= 1010 ? 1 : i > 1000 ? 2 : 3; k < 3; ++k) {
+    // Of a marked group the zeros in front: those of 000, of 001 to 009, of 010 to 099.
+    const int skipped = i == 1000 ? 3 : i < 1000 ? 0 : i < 1010 ? 2 : i < 1100 ? 1 : 0;
+    for (int k = skipped; k < 3; ++k) {
       text.characters[text.length++] = static_cast<char>('0' + digits[k]);
     }
     groups[i].taken = 100 * (i == 1000 ? 999 : i);  // of the empty group, a 1 stays as the mark

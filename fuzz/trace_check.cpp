@@ -42,9 +42,9 @@ constexpr const char* formerBases     = "former bases";
 constexpr const char* formerQualities = "former qualities";
 const std::vector<std::int32_t> formerPeaks{-1, -2, -3};
 
-void takeChannels(const Quillet::TraceFile& trace, Outcome& outcome) {
+void takeChannels(Quillet::TraceFile& trace, Outcome& outcome) {
   std::unique_ptr<std::uint16_t[]> channels[4];
-  trace.newChannels(channels, outcome.pointCount);
+  trace.releaseChannels(channels, outcome.pointCount);
   for (std::size_t i = 0; i < 4; ++i) {
     outcome.channels[i].assign(channels[i].get(), channels[i].get() + outcome.pointCount);
   }

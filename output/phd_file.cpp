@@ -30,19 +30,17 @@ void writeBases(Tessaly::FileWriter& writer, const PhdRecord& record) {
   const char* const qualities     = record.qualities.text();
   const std::int32_t* const peaks = record.peaks;
   const std::int32_t qualityCount = record.qualities.length();
-  writeLines<longestLine>(writer, record.bases.length(),
-                          [=](char* text, std::int32_t begin, std::int32_t end) {
-                            for (std::int32_t i = begin; i < end; ++i) {
-                              // Deliberate: a quality byte is a signed number, so that 128..255 are
-                              // written as -128..-1.
-                              const std::int32_t quality =
-                                  i < qualityCount ? static_cast<std::int8_t>(qualities[i]) : 0;
-                              text = putWord(text, bases[i]);
-                              text = putShortWord(text, quality);
-                              text = putShortLine(text, peaks[i]);
-                            }
-                            return text;
-                          });
+  const auto putLines             = [=](char* text, std::int32_t begin, std::int32_t end) {
+    for (std::int32_t i = begin; i < end; ++i) {
+      // Deliberate: a quality byte is a signed number, so that 128..255 are written as -128..-1.
+      const std::int32_t quality = i < qualityCount ? static_cast<std::int8_t>(qualities[i]) : 0;
+      text                       = putWord(text, bases[i]);
+      text                       = putShortWord(text, quality);
+      text                       = putShortLine(text, peaks[i]);
+    }
+    return text;
+  };
+  writeLines<longestLine>(writer, record.bases.length(), putLines);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "output/poly_file.h"
 
+#include "foundation/channels.h"
 #include "output/file_writer.h"
 #include "output/poly_peaks.h"
 #include "output/text_lines.h"
@@ -48,28 +49,29 @@ void writePolyFile(Tessaly::FileWriter& writer, const Tessaly::String& path,
   const std::uint32_t* const heightsOfG = found.peakAmp(2);
   const std::uint32_t* const heightsOfT = found.peakAmp(3);
 
-  writeLines<longestLine>(writer, bases.length(),
-                          [=, &found](char* text, std::int32_t begin, std::int32_t end) {
-                            std::int32_t called[blockOfLines], second[blockOfLines];
-                            normalisedHeights(found, letters, begin, end, called);
-                            normalisedHeights(found, secondLetters, begin, end, second);
+  const auto putLines = [=, &found](char* text, std::int32_t begin, std::int32_t end) {
+    std::int32_t called[blockOfLines];
+    std::int32_t second[blockOfLines];
+    normalisedHeights(found, letters, begin, end, called);
+    normalisedHeights(found, secondLetters, begin, end, second);
 
-                            for (std::int32_t i = begin; i < end; ++i) {
-                              text = putWord(text, letters[i]);
-                              text = putShortWord(text, peaks[i]);
-                              text = putWord(text, called[i - begin]);
-                              text = putWord(text, '0');
-                              text = putWord(text, secondLetters[i]);
-                              text = putShortWord(text, secondPeaks[i]);
-                              text = putWord(text, second[i - begin]);
-                              text = putWord(text, '0');
-                              text = putShortWord(text, signedHeight(heightsOfA[i]));
-                              text = putShortWord(text, signedHeight(heightsOfC[i]));
-                              text = putShortWord(text, signedHeight(heightsOfG[i]));
-                              text = putShortLine(text, signedHeight(heightsOfT[i]));
-                            }
-                            return text;
-                          });
+    for (std::int32_t i = begin; i < end; ++i) {
+      text = putWord(text, letters[i]);
+      text = putShortWord(text, peaks[i]);
+      text = putWord(text, called[i - begin]);
+      text = putWord(text, '0');
+      text = putWord(text, secondLetters[i]);
+      text = putShortWord(text, secondPeaks[i]);
+      text = putWord(text, second[i - begin]);
+      text = putWord(text, '0');
+      text = putShortWord(text, signedHeight(heightsOfA[i]));
+      text = putShortWord(text, signedHeight(heightsOfC[i]));
+      text = putShortWord(text, signedHeight(heightsOfG[i]));
+      text = putShortLine(text, signedHeight(heightsOfT[i]));
+    }
+    return text;
+  };
+  writeLines<longestLine>(writer, bases.length(), putLines);
   writer.close();
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "foundation/channels.h"
+
 namespace Quillet {
 
 namespace {
@@ -16,12 +18,12 @@ PolyPeaks::PolyPeaks()
     : summedSignal_(std::make_unique_for_overwrite<std::uint16_t[]>(summedSignalSize)) {}
 
 void PolyPeaks::reserve(std::size_t pointCount, std::size_t baseCount) {
-  if (pointCount > pointCapacity_) {
+  if (zeros_ == nullptr || pointCount > pointCapacity_) {
     pointCapacity_ = 0;
     maxima_        = std::make_unique_for_overwrite<std::int16_t[]>(4 * pointCount);
+    zeros_         = std::make_unique_for_overwrite<std::uint64_t[]>(zeroWordCount(pointCount));
     pointCapacity_ = pointCount;
   }
-  zeros_.resize(zeroWordCount(pointCount));
   if (baseCount > baseCapacity_) {
     baseCapacity_ = 0;
     for (int channel = 0; channel < 4; ++channel) {
@@ -36,10 +38,11 @@ void PolyPeaks::reserve(std::size_t pointCount, std::size_t baseCount) {
 }
 
 // A file can claim millions of samples: the trace behind it needs that memory itself.
-void PolyPeaks::releaseLongMaxima() {
+void PolyPeaks::releaseLongTrace() {
   if (pointCapacity_ <= keptPointCount) return;
   pointCapacity_ = 0;
   maxima_.reset();
+  zeros_.reset();
 }
 
 void PolyPeaks::compute(std::uint16_t* const (&channels)[4], std::uint32_t pointCount,
@@ -54,15 +57,15 @@ void PolyPeaks::compute(std::uint16_t* const (&channels)[4], std::uint32_t point
             {peakPos_[0].get(), peakPos_[1].get(), peakPos_[2].get(), peakPos_[3].get()},
             {peakAmp_[0].get(), peakAmp_[1].get(), peakAmp_[2].get(), peakAmp_[3].get()});
 
-  releaseLongMaxima();
   for (int channel = 0; channel < 4; ++channel) {
     normaliseAreas(channels[channel], pointCount, averages[channel], peakPos(channel),
-                   peakAmp(channel), bases.length(), zeros_.data(), normAmp_[channel].get());
+                   peakAmp(channel), bases.length(), zeros_.get(), normAmp_[channel].get());
   }
 
   chooseSecondPeaks(bases, {peakPos(0), peakPos(1), peakPos(2), peakPos(3)},
                     {peakAmp(0), peakAmp(1), peakAmp(2), peakAmp(3)}, secondBase_.get(),
                     secondPos_.get());
+  releaseLongTrace();
 }
 
 void chooseSecondPeaks(const Tessaly::String& bases, const std::int32_t* const (&peakPos)[4],

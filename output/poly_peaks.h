@@ -3,9 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <vector>
 
-#include "foundation/channels.h"
 #include "foundation/string.h"
 
 namespace Quillet {
@@ -26,8 +24,8 @@ struct CalledTrace {
 ///
 /// Channels are numbered 0..3 for A, C, G, T; positions are 0-based sample indices; heights are
 /// amplitudes after both rescalings (0..65280). Owns its results, which describe the trace of the
-/// last compute(), and the working storage. Both only grow, but for the maxima of a trace that is
-/// far too long to be one, which go at once: one object serves a whole batch.
+/// last compute(), and the working storage. Both only grow, but for the working storage of a
+/// trace that is far too long to be one, which goes at once: one object serves a whole batch.
 /// Errors: nothing but an allocation failure, whatever the peaks say; the time is in proportion to
 /// samples and bases, with a logarithm where the peaks are in disorder.
 /// Use: construct once, then compute() for each trace and read the results.
@@ -50,7 +48,7 @@ class PolyPeaks {
   static constexpr std::size_t keptPointCount = 1 << 18;  // well above any instrument's trace
 
   void reserve(std::size_t pointCount, std::size_t baseCount);
-  void releaseLongMaxima();
+  void releaseLongTrace();
 
   std::unique_ptr<std::int32_t[]> peakPos_[4];
   std::unique_ptr<std::uint32_t[]> peakAmp_[4];
@@ -60,7 +58,7 @@ class PolyPeaks {
   std::size_t baseCapacity_ = 0;
 
   std::unique_ptr<std::int16_t[]> maxima_;  // working storage of findPeaks
-  std::vector<std::uint64_t> zeros_;        // working storage of normaliseAreas
+  std::unique_ptr<std::uint64_t[]> zeros_;  // working storage of normaliseAreas
   std::size_t pointCapacity_ = 0;
   std::unique_ptr<std::uint16_t[]> summedSignal_;  // working storage of balanceChannels
 };

@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <span>
 
+#include "foundation/channels.h"
 #include "output/poly_peaks.h"
 #include "output/sample_scaling.h"
 
@@ -22,24 +24,29 @@ std::uint16_t largestSample(std::uint16_t* const (&channels)[4], std::size_t cou
   return std::max({a, c, g, t});
 }
 
-/// Multiplies every sample by a quotient of whole numbers, by way of `double` as seen from outside;
-/// the largest sample times the quotient is within 16 bits, as both numbers are.
-void scaleByQuotient(std::uint16_t* samples, std::size_t count, std::uint32_t numerator,
-                     std::uint32_t denominator, std::uint32_t largest) {
+constexpr std::uint32_t fullRange          = 65280;  // what the highest sample is to come to
+constexpr std::uint32_t largestSampleValue = 65535;
+
+/// Multiplies every sample by a quotient of whole numbers, by way of `double` as seen from outside.
+/// Both numbers are 1..65535, no sample exceeds `bound`, and this times the quotient is at most
+/// 65535.
+void scaleByQuotient(std::span<std::uint16_t* const> channels, std::size_t count,
+                     std::uint32_t numerator, std::uint32_t denominator, std::uint32_t bound) {
   if (numerator == denominator) return;
-  if (const auto factor = fixedFactor(numerator, denominator, largest)) {
-    scaleSamples(samples, count, *factor);
-  } else {
-    scaleSamples(samples, count, static_cast<double>(numerator) / denominator);
+  const auto factor     = fixedFactor(numerator, denominator, bound);
+  const double quotient = static_cast<double>(numerator) / denominator;
+  for (std::uint16_t* samples : channels) {
+    if (factor) {
+      scaleSamples(samples, count, *factor);
+    } else {
+      scaleSamples(samples, count, quotient);
+    }
   }
 }
-
-constexpr std::uint32_t fullRange = 65280;  // what the highest sample is to come to
 
 // The stretch of the trace that the channel balance is taken from, in sample indices.
 constexpr std::uint32_t balanceFirstIndex = 1499;
 constexpr std::uint32_t balanceLastIndex  = 2500;
-constexpr std::uint32_t largestHeight     = 65535;
 static_assert(summedSignalSize == balanceLastIndex + 1);
 
 /// The maxima of the summed signal at which one channel was the highest.
@@ -96,9 +103,7 @@ void tallyHighest(std::uint16_t* const (&channels)[4], std::uint32_t k, PeakTall
 void scaleToFullRange(std::uint16_t* const (&channels)[4], std::uint32_t pointCount) {
   const std::uint16_t largest = largestSample(channels, pointCount);
   if (largest == 0) return;
-  for (std::uint16_t* samples : channels) {
-    scaleByQuotient(samples, pointCount, fullRange, largest, largest);
-  }
+  scaleByQuotient(channels, pointCount, fullRange, largest, largest);
 }
 
 void balanceChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCount,
@@ -113,7 +118,7 @@ void balanceChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCou
   for (std::size_t i = 0; i < maximumCount; ++i) tallyHighest(channels, indices[i], tallies);
 
   std::uint32_t heights[4];
-  std::uint32_t smallest = largestHeight;
+  std::uint32_t smallest = largestSampleValue;
   for (int channel = 0; channel < 4; ++channel) {
     heights[channel]  = tallies[channel].averageHeight();
     averages[channel] = static_cast<float>(heights[channel]);
@@ -121,7 +126,8 @@ void balanceChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCou
   }
   for (int channel = 0; channel < 4; ++channel) {
     if (heights[channel] == 0) continue;
-    scaleByQuotient(channels[channel], pointCount, smallest, heights[channel], largestHeight);
+    scaleByQuotient({&channels[channel], 1}, pointCount, smallest, heights[channel],
+                    largestSampleValue);
   }
 }
 

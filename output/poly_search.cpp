@@ -1,20 +1,13 @@
 #include <algorithm>
-#include <experimental/simd>
-#include <utility>
 
+#include "foundation/channels.h"
+#include "output/lanes.h"
+#include "output/maximum_tree.h"
 #include "output/poly_peaks.h"
 
 namespace Quillet {
 
 namespace {
-
-// Working storage holds the maxima of all channels, the four of a sample side by side: its height
-// where a channel has a maximum, 0 elsewhere. Stored less 32768, since processors compare signed
-// numbers, eight at a time.
-constexpr int channelCount = 4;
-
-std::int16_t stored(std::uint16_t height) { return static_cast<std::int16_t>(height ^ 0x8000); }
-std::uint16_t heightOf(std::int16_t stored) { return static_cast<std::uint16_t>(stored ^ 0x8000); }
 
 /// A maximum stands more than 3 above its neighbours when 2 * sample - left - right > 3. In whole
 /// numbers that is: at least 2 above the neighbours' mean, rounded up, which needs 16 bits only.
@@ -23,7 +16,7 @@ std::int16_t maximumAt(std::uint16_t left, std::uint16_t sample, std::uint16_t r
   const auto higher = sample > mean ? sample : mean;
   const auto excess = static_cast<std::uint16_t>(higher - mean);
   const auto kept = static_cast<std::uint16_t>(-static_cast<int>(excess > 1));  // all bits or none
-  return stored(sample & kept);
+  return storedHeight(sample & kept);
 }
 
 void markMaxima(std::uint16_t* const (&channels)[channelCount], std::size_t count,
@@ -44,17 +37,12 @@ void markMaxima(std::uint16_t* const (&channels)[channelCount], std::size_t coun
   std::int16_t* const lastOnes = maxima + channelCount * last;
   for (int channel = 0; channel < channelCount; ++channel) {
     const std::uint16_t* const samples = channels[channel];
+    // The index before the first, which one sample asks for, is a huge one.
     const auto sampleAt = [&](std::size_t k) { return k < count ? samples[k] : std::uint16_t{0}; };
     maxima[channel]     = maximumAt(0, samples[0], sampleAt(1));
     lastOnes[channel]   = maximumAt(sampleAt(last - 1), samples[last], 0);
   }
 }
-
-/// Sample indices, both included, among which a base seeks its maximum; none when last < first.
-struct SearchRange {
-  std::int64_t first;
-  std::int64_t last;
-};
 
 std::int64_t midpoint(std::int32_t left, std::int32_t right) {
   return (std::int64_t{left} + right) / 2;  // truncates toward zero
@@ -72,91 +60,9 @@ std::int64_t lowMidpoint(const std::int32_t* peaks, std::int32_t i) {
   return i == 0 ? peaks[0] / 2 : midpoint(peaks[i - 1], peaks[i]);
 }
 
-/// The first highest maximum of a range; a height of 0 means that there is none.
-struct Peak {
-  std::uint32_t height  = 0;
-  std::int32_t position = 0;
-};
-
-/// Deliberate: a peak's position is the index after its maximum.
-std::int32_t positionAfter(std::uint32_t maximumIndex) {
-  // Fits: the maximum lies before the midpoint of two 32-bit indices.
-  return static_cast<std::int32_t>(maximumIndex + 1);
-}
-
-/// Finds the first highest maximum of any range in logarithmic time.
-///
-/// A tree over blocks of samples. A key has the height in its upper half and the distance from the
-/// largest index in its lower half, so that the largest key is the first of the highest maxima.
-/// Borrows the maxima of the channel that build() was last called with.
-class MaximumTree {
- public:
-  explicit MaximumTree(std::size_t pointCount)
-      : pointCount_(pointCount),
-        blockCount_((pointCount + blockSize - 1) / blockSize),
-        keys_(std::make_unique_for_overwrite<std::uint64_t[]>(2 * blockCount_)) {}
-
-  void build(const std::int16_t* maxima, int channel) {
-    maxima_ = maxima + channel;
-    for (std::size_t block = 0; block < blockCount_; ++block) {
-      const std::size_t start    = block * blockSize;
-      keys_[blockCount_ + block] = scan(start, std::min(start + blockSize, pointCount_));
-    }
-    for (std::size_t k = blockCount_; k-- > 1;) keys_[k] = std::max(keys_[2 * k], keys_[2 * k + 1]);
-  }
-
-  Peak find(const SearchRange& range) const {
-    if (range.first > range.last) return {};
-    const auto first             = static_cast<std::size_t>(range.first);
-    const auto end               = static_cast<std::size_t>(range.last + 1);
-    const std::size_t firstBlock = (first + blockSize - 1) / blockSize;
-    const std::size_t endBlock   = end / blockSize;
-    if (firstBlock >= endBlock) return peakOf(scan(first, end));
-
-    std::uint64_t best =
-        std::max(scan(first, firstBlock * blockSize), scan(endBlock * blockSize, end));
-    std::size_t left  = firstBlock + blockCount_;
-    std::size_t right = endBlock + blockCount_;
-    for (; left < right; left /= 2, right /= 2) {
-      if (left % 2 != 0) best = std::max(best, keys_[left++]);
-      if (right % 2 != 0) best = std::max(best, keys_[--right]);
-    }
-    return peakOf(best);
-  }
-
- private:
-  static constexpr std::size_t blockSize      = 32;
-  static constexpr std::uint32_t largestIndex = 0xFFFFFFFF;
-
-  std::uint64_t scan(std::size_t start, std::size_t end) const {
-    std::uint64_t best = 0;
-    for (std::size_t i = start; i < end; ++i) {
-      best = std::max(
-          best, std::uint64_t{heightOf(maxima_[channelCount * i])} << 32 | (largestIndex - i));
-    }
-    return best;
-  }
-
-  static Peak peakOf(std::uint64_t key) {
-    const auto height = static_cast<std::uint32_t>(key >> 32);
-    if (height == 0) return {};
-    return {height, positionAfter(largestIndex - static_cast<std::uint32_t>(key))};
-  }
-
-  std::size_t pointCount_;
-  std::size_t blockCount_;
-  std::unique_ptr<std::uint64_t[]> keys_;  // the blocks' in the upper half, each above its two
-  const std::int16_t* maxima_ = nullptr;   // every fourth is one of the channel
-};
-
 namespace simd = std::experimental;
 
-/// What is known of two samples, channel by channel; of one, in more bits.
-using PairLanes =
-    simd::simd<std::int16_t, simd::simd_abi::deduce_t<std::int16_t, 2 * channelCount>>;
-using Lanes = simd::simd<std::int32_t, simd::simd_abi::deduce_t<std::int32_t, channelCount>>;
-
-/// The peaks of all channels.
+/// The peaks that all channels have in one range.
 struct Peaks {
   std::int32_t heights[channelCount]   = {};
   std::int32_t positions[channelCount] = {};
@@ -184,33 +90,41 @@ constexpr std::int32_t largestOffset   = longestInLanes - 1;
 /// four channels side by side. No branch hangs on the signal or on the length: the processor could
 /// not foresee it.
 Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
+  constexpr std::size_t pairSize  = 2 * std::size_t{channelCount};
   const std::int16_t* const start = maxima + channelCount * range.first;
   const std::int64_t lastPair     = range.last - range.first - 1;
-  PairLanes highest               = stored(0);
-  PairLanes pairOffset            = 0;
+
+  Lanes<std::int16_t, pairSize> highest    = storedHeight(0);
+  Lanes<std::int16_t, pairSize> pairOffset = 0;
   for (std::int64_t k = 0; k < longestInLanes; k += 2) {
     // Behind the range, its last pair is looked at again. Of an odd number of samples, one is in
     // two pairs.
     const std::int64_t offset = std::min(k, lastPair);
-    const PairLanes heights(start + channelCount * offset, simd::element_aligned);
-    where(heights > highest, pairOffset) = static_cast<std::int16_t>(k);
-    highest                              = max(highest, heights);
-  }
-  pairOffset = min(pairOffset, PairLanes(static_cast<std::int16_t>(lastPair)));
+    const auto heights        = lanesAt<pairSize>(start + channelCount * offset);
 
-  // Of a height and what is left behind its offset, the largest is the first of the highest.
-  const auto keyOf = [](const auto& heights, const auto& offsets, std::int32_t added) {
-    return simd::static_simd_cast<Lanes>(heights) << 16 |
-           (largestOffset - added - simd::static_simd_cast<Lanes>(offsets));
+    simd::where(heights > highest, pairOffset) = static_cast<std::int16_t>(k);
+    highest                                    = simd::max(highest, heights);
+  }
+  const Lanes<std::int16_t, pairSize> lastOffset = static_cast<std::int16_t>(lastPair);
+  pairOffset                                     = simd::min(pairOffset, lastOffset);
+
+  // A key has the stored height in its upper half and the distance from the largest offset in its
+  // lower half, so that the largest key is the first of the highest maxima.
+  using Keys       = Lanes<std::int32_t, channelCount>;
+  const auto keyOf = [](const auto& heights, const auto& offsets, std::int32_t indexInPair) {
+    return simd::static_simd_cast<Keys>(heights) << 16 |
+           (largestOffset - indexInPair - simd::static_simd_cast<Keys>(offsets));
   };
   const auto [firstHeights, secondHeights] = simd::split<channelCount, channelCount>(highest);
   const auto [firstOffsets, secondOffsets] = simd::split<channelCount, channelCount>(pairOffset);
-  const Lanes best =
+  const Keys best =
       simd::max(keyOf(firstHeights, firstOffsets, 0), keyOf(secondHeights, secondOffsets, 1));
-  const Lanes height           = (best >> 16) - stored(0);
-  const Lanes offset           = largestOffset - (best & largestOffset);
-  Lanes position               = positionAfter(static_cast<std::uint32_t>(range.first)) + offset;
-  where(height == 0, position) = 0;
+
+  const Keys height = (best >> 16) - storedHeight(0);  // undoes the 32768
+  const Keys offset = largestOffset - (best & largestOffset);
+  Keys position     = positionAfter(static_cast<std::uint32_t>(range.first)) + offset;
+
+  simd::where(height == 0, position) = 0;
 
   Peaks peaks;
   height.copy_to(peaks.heights, simd::element_aligned);
@@ -223,7 +137,7 @@ Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
 std::int32_t searchByScanning(const CalledTrace& trace, const std::int16_t* maxima,
                               std::int32_t* const (&peakPos)[channelCount],
                               std::uint32_t* const (&peakAmp)[channelCount]) {
-  // The ranges of ascending peaks do not overlap; some disorder is still cheapest to walk.
+  // The ranges of ascending peaks do not overlap; some disorder is still cheapest to scan.
   const std::int32_t baseCount    = trace.bases.length();
   const std::int32_t* const peaks = trace.peaks;
   std::int64_t samplesLeft        = 4 * (std::int64_t{trace.pointCount} + baseCount);
@@ -231,7 +145,7 @@ std::int32_t searchByScanning(const CalledTrace& trace, const std::int16_t* maxi
   std::int64_t low = baseCount == 0 ? 0 : lowMidpoint(peaks, 0);
   for (std::int32_t i = 0; i < baseCount; ++i) {
     const std::int64_t high   = lowMidpoint(peaks, i + 1);
-    const SearchRange range   = rangeBetween(std::exchange(low, high), high, trace.pointCount);
+    const SearchRange range   = rangeBetween(low, high, trace.pointCount);
     const std::int64_t length = range.last - range.first + 1;
     samplesLeft -= std::max(length, std::int64_t{0});
     if (samplesLeft < 0) return i;
@@ -242,6 +156,7 @@ std::int32_t searchByScanning(const CalledTrace& trace, const std::int16_t* maxi
       peakAmp[channel][i] = static_cast<std::uint32_t>(found.heights[channel]);
       peakPos[channel][i] = found.positions[channel];
     }
+    low = high;
   }
   return baseCount;
 }
@@ -254,17 +169,18 @@ void searchByTree(const CalledTrace& trace, std::int32_t firstBase, const std::i
   for (int channel = 0; channel < channelCount; ++channel) {
     tree.build(maxima, channel);
     for (std::int32_t i = firstBase; i < trace.bases.length(); ++i) {
-      const Peak peak     = tree.find(rangeBetween(lowMidpoint(trace.peaks, i),
-                                                   lowMidpoint(trace.peaks, i + 1), trace.pointCount));
-      peakAmp[channel][i] = peak.height;
-      peakPos[channel][i] = peak.position;
+      const std::int64_t low  = lowMidpoint(trace.peaks, i);
+      const std::int64_t high = lowMidpoint(trace.peaks, i + 1);
+      const Peak peak         = tree.find(rangeBetween(low, high, trace.pointCount));
+      peakAmp[channel][i]     = peak.height;
+      peakPos[channel][i]     = peak.position;
     }
   }
 }
 
 /// The called base always has a position: where no peak was found, that of the call itself.
-void fallBackToCalls(const CalledTrace& trace, std::int32_t* const (&peakPos)[4],
-                     std::uint32_t* const (&peakAmp)[4]) {
+void fallBackToCalls(const CalledTrace& trace, std::int32_t* const (&peakPos)[channelCount],
+                     std::uint32_t* const (&peakAmp)[channelCount]) {
   for (std::int32_t i = 0; i < trace.bases.length(); ++i) {
     const int called = channelOf(trace.bases[i]);
     if (called == noChannel || peakAmp[called][i] != 0) continue;
@@ -278,8 +194,9 @@ void fallBackToCalls(const CalledTrace& trace, std::int32_t* const (&peakPos)[4]
 
 }  // namespace
 
-void findPeaks(const CalledTrace& trace, std::int16_t* maxima, std::int32_t* const (&peakPos)[4],
-               std::uint32_t* const (&peakAmp)[4]) {
+void findPeaks(const CalledTrace& trace, std::int16_t* maxima,
+               std::int32_t* const (&peakPos)[channelCount],
+               std::uint32_t* const (&peakAmp)[channelCount]) {
   markMaxima(trace.channels, trace.pointCount, maxima);
   const std::int32_t done = searchByScanning(trace, maxima, peakPos, peakAmp);
   if (done < trace.bases.length()) searchByTree(trace, done, maxima, peakPos, peakAmp);

@@ -5,9 +5,10 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <experimental/simd>
 #include <functional>
 #include <numeric>
+
+#include "output/lanes.h"
 
 namespace Quillet {
 
@@ -15,8 +16,7 @@ namespace Quillet {
 ///
 /// A run is a stretch of samples other than 0; what lies outside the channel counts as 0. Positions
 /// are sample indices, 0 up to the number of samples. Borrows the samples, and working storage of
-/// wordCount() entries. Does not fail. What it has to say is asked for every few samples, so that
-/// it is all inline.
+/// wordCount() entries. Does not fail. It is asked every few samples, so it is all inline.
 class SampleRuns {
  public:
   /// Entries of working storage that a channel of so many samples needs.
@@ -29,15 +29,15 @@ class SampleRuns {
 
   /// The first 0 at or after the position; the number of samples when there is none.
   std::int64_t endFrom(std::int64_t position) const {
-    std::uint64_t zeros = zerosBefore(position + wordSize);
-    for (; zeros == 0; zeros = zerosBefore(position + wordSize)) position += wordSize;
+    std::uint64_t zeros;
+    while ((zeros = zerosBefore(position + wordSize)) == 0) position += wordSize;
     return position + std::countr_zero(zeros);
   }
 
   /// The index after the last 0 before the position; 0 when there is none.
   std::int64_t startBefore(std::int64_t position) const {
-    std::uint64_t zeros = zerosBefore(position);
-    for (; zeros == 0; zeros = zerosBefore(position)) position -= wordSize;
+    std::uint64_t zeros;
+    while ((zeros = zerosBefore(position)) == 0) position -= wordSize;
     return position - std::countl_zero(zeros);
   }
 
@@ -53,14 +53,12 @@ class SampleRuns {
   }
 
  private:
-  template <typename Value, int size>
-  using Simd = std::experimental::simd<Value, std::experimental::simd_abi::deduce_t<Value, size>>;
-  /// Eight samples, worked on side by side; the sums of pairs of them.
-  using Lanes = Simd<std::uint16_t, 8>;
-  using Sums  = Simd<std::uint32_t, 4>;
+  static constexpr std::size_t laneCount = 8;
 
-  static constexpr std::int64_t laneCount = Lanes::size();
-  static constexpr std::int64_t wordSize  = 64;  // samples that an entry of the storage stands for
+  using Samples = Lanes<std::uint16_t, laneCount>;
+  using Sums    = Lanes<std::uint32_t, laneCount / 2>;  // of pairs of samples
+
+  static constexpr std::int64_t wordSize = 64;  // samples that an entry of the storage stands for
 
   static constexpr std::int64_t atOnce = 64;  // samples that are added up whether there or not
 
@@ -71,11 +69,7 @@ class SampleRuns {
     return masks;
   }();
 
-  static Lanes lanesAt(const std::uint16_t* values) {
-    return {values, std::experimental::element_aligned};
-  }
-
-  static Sums pairSums(const Lanes& samples) {
+  static Sums pairSums(const Samples& samples) {
     const auto pairs = std::bit_cast<Sums>(samples);
     return (pairs & 0xFFFFU) + (pairs >> 16);
   }
@@ -84,21 +78,25 @@ class SampleRuns {
   static std::uint32_t sumOfFirst(const std::uint16_t* samples, std::int64_t count) {
     const std::uint16_t* const masks = passing.data() + atOnce - count;
     Sums sums                        = 0;
-    for (std::int64_t k = 0; k < atOnce; k += laneCount) {
-      sums += pairSums(lanesAt(samples + k) & lanesAt(masks + k));
+    for (std::size_t k = 0; k < atOnce; k += laneCount) {
+      sums += pairSums(lanesAt<laneCount>(samples + k) & lanesAt<laneCount>(masks + k));
     }
     return std::experimental::reduce(sums);
   }
 
   /// A bit for every one of sixteen samples that is 0, the first sample's lowest.
   static std::uint64_t zerosOfSixteen(const std::uint16_t* samples) {
-    const Lanes lowerBits([](std::uint16_t lane) { return static_cast<std::uint16_t>(1 << lane); });
-    const Lanes upperBits                                          = lowerBits << laneCount;
-    Lanes lower                                                    = 0;
-    Lanes upper                                                    = 0;
-    where(lanesAt(samples) == std::uint16_t{0}, lower)             = lowerBits;
-    where(lanesAt(samples + laneCount) == std::uint16_t{0}, upper) = upperBits;
-    return std::experimental::reduce(lower | upper, std::bit_or<>());
+    const Samples lowerBits(
+        [](std::uint16_t lane) { return static_cast<std::uint16_t>(1 << lane); });
+    const Samples upperBits = lowerBits << static_cast<int>(laneCount);
+    const Samples lowerHalf = lanesAt<laneCount>(samples);
+    const Samples upperHalf = lanesAt<laneCount>(samples + laneCount);
+
+    Samples zeros                                    = 0;
+    Samples upperZeros                               = 0;
+    where(lowerHalf == std::uint16_t{0}, zeros)      = lowerBits;
+    where(upperHalf == std::uint16_t{0}, upperZeros) = upperBits;
+    return std::experimental::reduce(zeros | upperZeros, std::bit_or<>());
   }
 
   void findZeros(std::size_t count) {

@@ -10,7 +10,7 @@ namespace Quillet {
 // product in `double`, without its fraction; nearly always whole numbers of 16 bits give the same,
 // several times as fast.
 
-/// A factor of `whole` and (65536 * high + low) / 2^32.
+/// The factor whole + (65536 * high + low) / 2^32.
 struct FixedFactor {
   std::uint16_t whole;
   std::uint16_t high;
@@ -19,7 +19,7 @@ struct FixedFactor {
 
 /// The fixed factor with which every sample up to `largest` comes out as it does with the quotient
 /// as a `double`; none where there is no such factor, or where it takes long to tell.
-/// Both numbers are 1..65535, and so is the largest sample times the quotient.
+/// Both numbers are 1..65535; the largest sample times the quotient is at most 65535.
 std::optional<FixedFactor> fixedFactor(std::uint32_t numerator, std::uint32_t denominator,
                                        std::uint32_t largest);
 

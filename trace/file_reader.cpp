@@ -96,7 +96,7 @@ bool FileReader::refill() {
 /// Bytes that can be taken at once, one behind the other in the window: the unread ones of the
 /// block in view and those of the whole blocks behind it. 0 when the block is used up.
 std::int64_t FileReader::unreadInWindow() const {
-  if (isExhausted() || atEnd_ || !is_open()) return unreadCount();
+  if (isExhausted() || !is_open()) return unreadCount();
   const std::int64_t behind = windowOffset_ + windowBytes_ - nextOffset_;
   return unreadCount() + behind / blockSize_ * blockSize_;
 }
@@ -105,7 +105,7 @@ std::int64_t FileReader::unreadInWindow() const {
 /// in view afterwards, as if one block had been shown after the other.
 void FileReader::pass(std::int64_t count) {
   const std::int64_t taken   = cursor_ + count;
-  const std::int64_t refills = taken > end_ ? (taken - 1) / blockSize_ : 0;
+  const std::int64_t refills = (taken - 1) / blockSize_;
   if (refills > 0) {
     enterBlock(nextOffset_ + (refills - 1) * blockSize_, blockSize_);
     block_ = static_cast<std::int32_t>(block_ + refills);  // modulo 2^32

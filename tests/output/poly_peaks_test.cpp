@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
-#include <string>
 #include <vector>
 
 #include "tests/output/plain_poly.h"

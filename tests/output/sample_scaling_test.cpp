@@ -95,10 +95,10 @@ TEST(ScaleSamples, ProductsAreTruncated) {
 }
 
 TEST(ScaleSamples, TheLowerPartsCarryIntoTheProduct) {
-  // The factor is 2 but for 2^-32, so that every product falls short of twice the sample by less
-  // than 1.
-  const Quillet::FixedFactor factor{.whole = 1, .high = 0xFFFF, .low = 0xFFFF};
-  EXPECT_THAT(scaled({1, 2, 0x7FFF}, factor), ElementsAre(1, 3, 0xFFFD));
+  // A third, rounded up. Three times: the lower half of 3 * 0x5555 is 0xFFFF, the upper one of
+  // 3 * 0x5556 is 1, and together they make the 1 of the product.
+  const Quillet::FixedFactor third{.whole = 0, .high = 0x5555, .low = 0x5556};
+  EXPECT_THAT(scaled({3, 6, 65535}, third), ElementsAre(1, 2, 21845));
 }
 
 }  // namespace

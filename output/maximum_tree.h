@@ -1,0 +1,108 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "foundation/channels.h"
+
+namespace Quillet {
+
+// The maxima of all channels, the four of a sample side by side: its height where a channel has a
+// maximum, 0 elsewhere. They are stored less 32768, since processors compare signed numbers when
+// they compare several at once.
+
+inline std::int16_t storedHeight(std::uint16_t height) {
+  return static_cast<std::int16_t>(height ^ 0x8000);
+}
+
+inline std::uint16_t heightOf(std::int16_t stored) {
+  return static_cast<std::uint16_t>(stored ^ 0x8000);
+}
+
+/// Sample indices, both included, among which a base seeks its maximum; none when last < first.
+struct SearchRange {
+  std::int64_t first;
+  std::int64_t last;
+};
+
+/// The first highest maximum of a range; a height of 0 means that there is none.
+struct Peak {
+  std::uint32_t height  = 0;
+  std::int32_t position = 0;
+};
+
+/// Deliberate: a peak's position is the index after its maximum.
+inline std::int32_t positionAfter(std::uint32_t maximumIndex) {
+  // Fits: the maximum lies before the midpoint of two 32-bit indices.
+  return static_cast<std::int32_t>(maximumIndex + 1);
+}
+
+/// Finds the first highest maximum of any range in logarithmic time.
+///
+/// A tree over blocks of samples. A key has the height in its upper half and the distance from the
+/// largest index in its lower half, so that the largest key is the first of the highest maxima.
+/// Borrows the maxima that build() was last called with.
+class MaximumTree {
+ public:
+  explicit MaximumTree(std::size_t pointCount)
+      : pointCount_(pointCount),
+        blockCount_(pointCount / blockSize + 1),
+        keys_(std::make_unique_for_overwrite<std::uint64_t[]>(2 * blockCount_)) {}
+
+  /// Takes the channel's maxima from those of all channels.
+  void build(const std::int16_t* maxima, int channel) {
+    maxima_ = maxima + channel;
+    for (std::size_t block = 0; block < blockCount_; ++block) {
+      const std::size_t start    = block * blockSize;
+      keys_[blockCount_ + block] = scan(start, std::min(start + blockSize, pointCount_));
+    }
+    for (std::size_t k = blockCount_; k-- > 1;) keys_[k] = std::max(keys_[2 * k], keys_[2 * k + 1]);
+  }
+
+  Peak find(const SearchRange& range) const {
+    if (range.first > range.last) return {};
+    const auto first             = static_cast<std::size_t>(range.first);
+    const auto end               = static_cast<std::size_t>(range.last + 1);
+    const std::size_t firstBlock = (first + blockSize - 1) / blockSize;
+    const std::size_t endBlock   = end / blockSize;
+    if (firstBlock >= endBlock) return peakOf(scan(first, end));
+
+    std::uint64_t best =
+        std::max(scan(first, firstBlock * blockSize), scan(endBlock * blockSize, end));
+    std::size_t left  = firstBlock + blockCount_;
+    std::size_t right = endBlock + blockCount_;
+    for (; left < right; left /= 2, right /= 2) {
+      if (left % 2 != 0) best = std::max(best, keys_[left++]);
+      if (right % 2 != 0) best = std::max(best, keys_[--right]);
+    }
+    return peakOf(best);
+  }
+
+ private:
+  static constexpr std::size_t blockSize      = 32;
+  static constexpr std::uint32_t largestIndex = 0xFFFFFFFF;
+
+  std::uint64_t scan(std::size_t start, std::size_t end) const {
+    std::uint64_t best = 0;
+    for (std::size_t i = start; i < end; ++i) {
+      const std::uint64_t height = heightOf(maxima_[channelCount * i]);
+      best                       = std::max(best, height << 32 | (largestIndex - i));
+    }
+    return best;
+  }
+
+  static Peak peakOf(std::uint64_t key) {
+    const auto height = static_cast<std::uint32_t>(key >> 32);
+    if (height == 0) return {};
+    return {height, positionAfter(largestIndex - static_cast<std::uint32_t>(key))};
+  }
+
+  std::size_t pointCount_;
+  std::size_t blockCount_;
+  std::unique_ptr<std::uint64_t[]> keys_;  // the blocks' in the upper half, each above its two
+  const std::int16_t* maxima_ = nullptr;   // every fourth is one of the channel
+};
+
+}  // namespace Quillet
