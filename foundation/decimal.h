@@ -9,8 +9,8 @@
 namespace Tessaly {
 
 // The decimal text of numbers, as fast as result files want it: they hold little else. Digits come
-// from tables, in groups of three, three and two. No jump hangs on how many there are, since the
-// processor could not foresee it.
+// from tables, in groups of three, three and two. Hardly a jump hangs on how many there are, since
+// the processor could not foresee it.
 //
 // The first group that is not 0 loses its zeros in front, and those before it have no text at all.
 // A number with no digit put yet is marked by a 1 in front of its next group, which leads to the
@@ -34,7 +34,7 @@ static_assert(sizeof(DigitText) == 4);
 
 struct DigitGroup {
   DigitText text;
-  std::uint32_t taken;  // 100 * the digits, to be subtracted so that the next group is left
+  std::uint32_t taken;  // 100 * the group, or 100 less, which passes the mark on to the next one
 };
 
 /// Three digits that others follow: at 0 to 999 as they are, at 1000 to 1999, where the 1 is the
@@ -49,7 +49,7 @@ inline constexpr auto leadingDigits = [] {
     for (int k = skipped; k < 3; ++k) {
       text.characters[text.length++] = static_cast<char>('0' + digits[k]);
     }
-    groups[i].taken = 100 * (i == 1000 ? 999 : i);  // of the empty group, a 1 stays as the mark
+    groups[i].taken = 100 * (i == 1000 ? 999 : i);
   }
   return groups;
 }();

@@ -10,8 +10,8 @@
 namespace Quillet {
 
 // The maxima of all channels, the four of a sample side by side: its height where a channel has a
-// maximum, 0 elsewhere. They are stored less 32768, since processors compare signed numbers when
-// they compare several at once.
+// maximum, 0 elsewhere. They are stored less 32768, since x86-64 processors compare signed
+// numbers when they compare several at once.
 
 inline std::int16_t storedHeight(std::uint16_t height) {
   return static_cast<std::int16_t>(height ^ 0x8000);

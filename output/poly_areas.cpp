@@ -34,8 +34,9 @@ void normaliseAreas(const std::uint16_t* samples, std::uint32_t pointCount, floa
       continue;
     }
 
-    const std::int64_t end   = runs.endFrom(position);
-    const std::uint32_t area = runs.area(runs.startBefore(position), end);  // wraps modulo 2^32
+    const std::int64_t end = runs.endFrom(position);
+    // Deliberate: wraps modulo 2^32.
+    const std::uint32_t area = runs.area(runs.startBefore(position), end);
     passed                   = end;
 
     // Deliberate: a peak that comes after one of this run and lies before it shares in it.

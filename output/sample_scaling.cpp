@@ -37,7 +37,7 @@ std::optional<FixedFactor> fixedFactor(std::uint32_t numerator, std::uint32_t de
 }
 
 // Stands apart from where factors are made: only of values that come as 16 bits does the compiler
-// see that the upper halves of their products are wanted, which processors compute directly.
+// see that the upper halves of their products are wanted, which x86-64 processors compute directly.
 void scaleSamples(std::uint16_t* samples, std::size_t count, const FixedFactor& factor) {
   const std::uint16_t whole = factor.whole;
   const std::uint16_t high  = factor.high;
@@ -45,8 +45,8 @@ void scaleSamples(std::uint16_t* samples, std::size_t count, const FixedFactor& 
   for (std::size_t i = 0; i < count; ++i) {
     const std::uint16_t sample = samples[i];
     // 65536 * upper + lower is the sample times `high`; `carried` comes from that times `low`. The
-    // two halves are two multiplications, since processors have one for each; in different types,
-    // since the compiler would otherwise make one and split its products.
+    // two halves are two multiplications, since x86-64 processors have one for each; in different
+    // types, since the compiler would otherwise make one and split its products.
     const auto upper   = static_cast<std::uint16_t>((std::uint32_t{sample} * high) >> 16);
     const auto lower   = static_cast<std::uint16_t>(std::uint64_t{sample} * high);
     const auto carried = static_cast<std::uint16_t>((std::uint32_t{sample} * low) >> 16);

@@ -7,8 +7,8 @@
 namespace Quillet {
 
 // Samples are scaled by a quotient of two whole numbers. What they come to is laid down as the
-// product in `double`, without its fraction; nearly always whole numbers of 16 bits give the same,
-// several times as fast.
+// product in `double`, without its fraction; mostly whole numbers of 16 bits give the same, in less
+// than half the time where the compiler turns the loop into vector instructions.
 
 /// The factor whole + (65536 * high + low) / 2^32.
 struct FixedFactor {

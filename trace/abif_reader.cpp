@@ -66,7 +66,7 @@ class DirectoryWalk {
   static_assert(entryName == 0 && entryNumber == nameSize);
 
   bool readEntry() {
-    // Deliberate: a name is unreadable, wherever it stands, once the file's last byte was read.
+    // Deliberate: a name is unreadable, wherever it stands, once the file's last block is used up.
     if (file_.hasEnded()) return false;
     char head[headSize];  // name and number in one read: most entries are passed over after it
     if (file_.readBytesAt(signedOffset(entryOffset_ + entryName), head, headSize) < headSize)

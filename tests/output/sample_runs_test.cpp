@@ -106,7 +106,7 @@ TEST(SampleRuns, AgreesWithThePlainSearchOnRandomSamples) {
   for (int round = 0; round < 30; ++round) {
     Samples samples(random() % 400);
     const auto zeroEvery = 2 + random() % 120;
-    const auto limit     = round % 2 == 0 ? 65536 : 3;
+    const auto limit     = round % 2 == 0 ? 65536U : 3U;
     for (auto& sample : samples) {
       sample = static_cast<std::uint16_t>(random() % zeroEvery == 0 ? 0 : random() % limit);
     }
