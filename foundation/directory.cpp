@@ -78,6 +78,12 @@ bool Directory::read(const char* path, bool includeHidden) {
   subdirectories_.clear();
   files_.clear();
 
+  // Counted beforehand: a long list that grew would leave behind all the places it has stood in.
+  std::size_t entryCount = 0;
+  while (readdir(handle.get()) != nullptr) ++entryCount;
+  rewinddir(handle.get());
+  files_.reserve(entryCount);
+
   const std::size_t nameOffset = entryPath.size();
   while (const dirent* entry = readdir(handle.get())) {
     const char* name = entry->d_name;
