@@ -81,9 +81,11 @@ void balanceChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCou
 void findPeaks(const CalledTrace& trace, std::int16_t* maxima, std::int32_t* const (&peakPos)[4],
                std::uint32_t* const (&peakAmp)[4]);
 
-/// Stage 4, for one channel: shares the area of every run of signal out to the peaks in it. `zeros`
-/// is working storage, zeroWordCount() entries.
+/// Entries of the working storage of stage 4.
 std::size_t zeroWordCount(std::size_t pointCount);
+
+/// Stage 4, for one channel: shares the area of every run of signal out to the peaks in it. `zeros`
+/// is working storage, zeroWordCount(pointCount) entries.
 void normaliseAreas(const std::uint16_t* samples, std::uint32_t pointCount, float average,
                     const std::int32_t* peakPos, const std::uint32_t* peakAmp,
                     std::int32_t baseCount, std::uint64_t* zeros, std::int32_t* normAmp);

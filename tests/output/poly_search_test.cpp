@@ -71,7 +71,7 @@ TEST(FindPeaks, ThePositionIsTheIndexAfterTheMaximum) {
 TEST(FindPeaks, ARangeOfAnyLengthGivesItsFirstHighestMaximum) {
   std::vector<std::size_t> lengths(20);
   std::iota(lengths.begin(), lengths.end(), std::size_t{1});
-  lengths.push_back(40000);  // more than 16 bits with a sign can count
+  lengths.push_back(40000);  // far longer than what is looked through in lanes
   for (const std::size_t length : lengths) {
     // The peaks 0, 20 and this one make the range of base 1 start at 11.
     const auto nextPeak     = static_cast<std::int32_t>(2 * (11 + length) - 20);
