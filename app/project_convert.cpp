@@ -28,7 +28,7 @@ std::vector<std::string> firstWords(std::istream& stream) {
   std::vector<std::string> words;
   for (std::string line; std::getline(stream, line);) {
     const auto start = std::find_if_not(line.begin(), line.end(), Tessaly::isWhiteSpace);
-    const auto end   = std::find_if(start, line.end(), Tessaly::isWhiteSpace);
+    const auto end = std::find_if(start, line.end(), Tessaly::isWhiteSpace);
     if (start != end) words.emplace_back(start, end);
   }
   return words;
@@ -133,11 +133,11 @@ void Batch::convert(const std::string& listedName) {
   writePhdFile(writer, phdFile_,
                {.sampleName = name_,
                 .callerName = callerName_,
-                .timeText   = project_.timeText(),
+                .timeText = project_.timeText(),
                 .pointCount = pointCount,
-                .bases      = bases_,
-                .qualities  = qualities_,
-                .peaks      = peaks_.data()});
+                .bases = bases_,
+                .qualities = qualities_,
+                .peaks = peaks_.data()});
   polyPeaks_.compute({channels[0].get(), channels[1].get(), channels[2].get(), channels[3].get()},
                      pointCount, bases_, peaks_.data());
   writePolyFile(writer, project_.polyPath() + name_ + ".poly", name_, bases_, peaks_.data(),

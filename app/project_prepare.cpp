@@ -29,7 +29,7 @@ void Project::prepare() {
 void Project::resolveRoot() {
   workPath_ = settings_.dataDir;
   if (!isAbsolute(workPath_)) {
-    workPath_                  = workingDir_.text() + settings_.dataDir;
+    workPath_ = workingDir_.text() + settings_.dataDir;
     const std::string& editDir = settings_.editDir;
     // People start the program from inside the edit directory: its parent is the project then.
     // Deliberate: the ending is compared as plain text, so that "my_edit_dir/" loses it as well.

@@ -18,7 +18,7 @@ namespace Quillet {
 namespace {
 
 constexpr const char* resourceFileName = ".quilletrc";
-constexpr const char* flagSource       = ".quilletrc file";
+constexpr const char* flagSource = ".quilletrc file";
 
 /// Opens the first resource file there is and says which; false when there is none.
 bool openResourceFile(std::ifstream& stream, Tessaly::String& path) {

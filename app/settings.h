@@ -25,7 +25,7 @@ struct Settings {
   std::string phdDir;      // receives the .phd.1 files
   std::string polyDir;     // receives the .poly files
   std::string listFile_;   // names to convert; "-" is standard input, empty the chromat directory
-  bool overwrite       = false;
+  bool overwrite = false;
   bool stripExtensions = true;
 
   /// Gives the list file's name; false, with `name` untouched, when there is none.

@@ -63,9 +63,9 @@ void makeProject(const fs::path& root, int fileCount, std::size_t sampleCount, i
     fs::create_directories(root / name);
   }
   const fs::path chromats = root / "chromat_dir";
-  const int distinct      = std::min(fileCount, distinctTraceCount);
+  const int distinct = std::min(fileCount, distinctTraceCount);
   for (int i = 0; i < distinct; ++i) {
-    const auto seed         = static_cast<std::uint32_t>(i + 1);
+    const auto seed = static_cast<std::uint32_t>(i + 1);
     const std::string bytes = traceFile(traceOfSize(seed, sampleCount, baseCount));
     for (int copy = i; copy < fileCount; copy += distinct) {
       writeFile(chromats / nameOf(copy), bytes);

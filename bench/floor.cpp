@@ -21,7 +21,7 @@ constexpr std::size_t largestFile = 1 << 20;  // bytes
 struct Task {
   std::string trace;
   std::string sample;
-  std::size_t phdSize  = 0;
+  std::size_t phdSize = 0;
   std::size_t polySize = 0;
 };
 

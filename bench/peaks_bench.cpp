@@ -16,9 +16,9 @@ class Stages {
   explicit Stages(std::uint32_t seed) : trace_(seed) {
     for (int c = 0; c < 4; ++c) {
       channels_[c] = add(samples_, pointCount());
-      peakPos_[c]  = add(positions_, baseCount());
-      normAmp_[c]  = add(positions_, baseCount());
-      peakAmp_[c]  = add(heights_, baseCount());
+      peakPos_[c] = add(positions_, baseCount());
+      normAmp_[c] = add(positions_, baseCount());
+      peakAmp_[c] = add(heights_, baseCount());
     }
     restore();
   }
@@ -76,9 +76,9 @@ class Stages {
       std::make_unique<std::uint16_t[]>(Quillet::summedSignalSize);
   std::unique_ptr<std::uint64_t[]> zeros_ =
       std::make_unique<std::uint64_t[]>(Quillet::zeroWordCount(pointCount()));
-  std::unique_ptr<char[]> secondBase_        = std::make_unique<char[]>(baseCount());
+  std::unique_ptr<char[]> secondBase_ = std::make_unique<char[]>(baseCount());
   std::unique_ptr<std::int32_t[]> secondPos_ = std::make_unique<std::int32_t[]>(baseCount());
-  float averages_[4]                         = {};
+  float averages_[4] = {};
 };
 
 void prepareNothing(Stages&) {}
@@ -104,7 +104,7 @@ void measure(benchmark::State& state, Prepare prepare, Step step) {
   constexpr std::uint32_t traceCount = 32;
   std::vector<std::unique_ptr<Stages>> traces;
   double pointCount = 0;
-  double baseCount  = 0;
+  double baseCount = 0;
   for (std::uint32_t seed = 1; seed <= traceCount; ++seed) {
     traces.push_back(std::make_unique<Stages>(seed));
     prepare(*traces.back());
@@ -116,7 +116,7 @@ void measure(benchmark::State& state, Prepare prepare, Step step) {
     benchmark::ClobberMemory();
   }
   state.counters["per sample"] = timeOfEach(4 * pointCount);
-  state.counters["per base"]   = timeOfEach(baseCount);
+  state.counters["per base"] = timeOfEach(baseCount);
 }
 
 void copyChannels(benchmark::State& state) {

@@ -82,11 +82,11 @@ void phdFile(benchmark::State& state) {
     Quillet::writePhdFile(writer, sink,
                           {.sampleName = "sample",
                            .callerName = "KB 1.4",
-                           .timeText   = "Sun Nov 15 12:04:40 2026",
+                           .timeText = "Sun Nov 15 12:04:40 2026",
                            .pointCount = trace.pointCount(),
-                           .bases      = trace.bases,
-                           .qualities  = trace.qualities,
-                           .peaks      = trace.peaks.data()});
+                           .bases = trace.bases,
+                           .qualities = trace.qualities,
+                           .peaks = trace.peaks.data()});
   }
   state.counters["per base"] = timeOfEach(trace.baseCount());
 }

@@ -34,8 +34,8 @@ void makeProject(const fs::path& root, int traceCount) {
   const fs::path chromats = root / "chromat_dir";
   for (int i = 1; i <= traceCount; ++i) {
     const std::string number = (i < 10 ? "0" : "") + std::to_string(i);
-    const fs::path file      = chromats / ("clone" + number + ".ab1");
-    const auto seed          = static_cast<std::uint32_t>(i);
+    const fs::path file = chromats / ("clone" + number + ".ab1");
+    const auto seed = static_cast<std::uint32_t>(i);
     writeFile(file, traceFile(believableTrace(seed, 600 + (i * 137) % 301)));
     if (i % 3 == 0 && std::system(("gzip -f -n '" + file.string() + "'").c_str()) != 0) {
       throw std::runtime_error("can not gzip " + file.string());

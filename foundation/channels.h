@@ -5,8 +5,8 @@
 // The four channels of a trace stand in the order A, C, G, T, whatever order a file keeps them in.
 namespace Quillet {
 
-inline constexpr int channelCount      = 4;
-inline constexpr int noChannel         = channelCount;
+inline constexpr int channelCount = 4;
+inline constexpr int noChannel = channelCount;
 inline constexpr char channelLetters[] = "ACGTN";  // N is that of noChannel
 
 /// The channel of an upper-case A, C, G or T; noChannel for any other base. Looked up, since the

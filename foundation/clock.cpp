@@ -12,8 +12,8 @@ namespace {
 constexpr const char* monthNames[] = {"January",   "February", "March",    "April",
                                       "May",       "June",     "July",     "August",
                                       "September", "October",  "November", "December"};
-constexpr const char* dayNames[]   = {"Sunday",   "Monday", "Tuesday", "Wednesday",
-                                      "Thursday", "Friday", "Saturday"};
+constexpr const char* dayNames[] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                    "Thursday", "Friday", "Saturday"};
 
 constexpr int unknown = -1;
 
@@ -52,8 +52,8 @@ class PatternText {
 
   void putFourDigits(int value) {
     const int thousands = value / 1000;
-    const int rest      = value - 1000 * thousands;
-    const int hundreds  = rest / 100;
+    const int rest = value - 1000 * thousands;
+    const int hundreds = rest / 100;
     put(digit(thousands));
     put(digit(hundreds));
     putTwoDigits(rest - 100 * hundreds);
@@ -70,7 +70,7 @@ class PatternText {
   static constexpr std::size_t step = 1024;
   std::unique_ptr<char[]> characters_;
   std::size_t length_ = 0;
-  std::size_t size_   = 0;
+  std::size_t size_ = 0;
 };
 
 }  // namespace
@@ -80,7 +80,7 @@ Clock::Clock() : Clock(std::time(nullptr)) {}
 Clock::Clock(std::time_t moment) : seconds_(moment) {
   if (const std::tm* fields = std::localtime(&seconds_)) {
     fields_ = *fields;
-    known_  = true;
+    known_ = true;
   }
 }
 

@@ -42,7 +42,7 @@ struct DigitGroup {
 inline constexpr auto leadingDigits = [] {
   std::array<DigitGroup, 2000> groups{};
   for (std::uint32_t i = 0; i < 2000; ++i) {
-    DigitText& text              = groups[i].text;
+    DigitText& text = groups[i].text;
     const std::uint32_t digits[] = {i / 100 % 10, i / 10 % 10, i % 10};
     // Of a marked group the zeros in front: those of 000, of 001 to 009, of 010 to 099.
     const int skipped = i == 1000 ? 3 : i < 1000 ? 0 : i < 1010 ? 2 : i < 1100 ? 1 : 0;
@@ -83,7 +83,7 @@ inline char* putDecimal(char* text, std::int32_t value) {
     return text;
   }
   const std::uint32_t marked = 100'000'000 + number;
-  const DigitGroup& group    = leadingDigits[marked / 100'000];
+  const DigitGroup& group = leadingDigits[marked / 100'000];
   return putLastFive(group.text.put(text), marked - 1000 * group.taken);
 }
 

@@ -19,8 +19,8 @@ struct DirectoryCloser {
 };
 using DirectoryHandle = std::unique_ptr<DIR, DirectoryCloser>;
 
-constexpr mode_t directoryBit  = 0040000;
-constexpr mode_t ownerReadBit  = 0400;
+constexpr mode_t directoryBit = 0040000;
+constexpr mode_t ownerReadBit = 0400;
 constexpr mode_t ownerWriteBit = 0200;
 
 std::size_t workingDirectorySize = 256;  // bytes for getcwd; grows, and stays grown for later calls

@@ -30,7 +30,7 @@ class Directory {
 
    protected:
     explicit Exception(const char* path);
-    Exception(const Exception&)            = default;
+    Exception(const Exception&) = default;
     Exception& operator=(const Exception&) = default;
 
    private:

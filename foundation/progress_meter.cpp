@@ -9,8 +9,8 @@ namespace Tessaly {
 
 namespace {
 
-constexpr std::string_view eraseLine  = "\x1b[2K";
-constexpr std::string_view lineUp     = "\x1b[A";
+constexpr std::string_view eraseLine = "\x1b[2K";
+constexpr std::string_view lineUp = "\x1b[A";
 constexpr std::size_t percentageWidth = 4;
 
 }  // namespace

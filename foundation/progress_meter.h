@@ -37,8 +37,8 @@ class ProgressMeter {
   bool onTerminal_;
   std::int64_t itemCount_;
   std::int64_t scaledCount_;    // not consulted by the operations
-  std::int64_t progress_  = 0;  // 100 times the items since start()
-  std::int64_t percent_   = 0;  // as last drawn
+  std::int64_t progress_ = 0;   // 100 times the items since start()
+  std::int64_t percent_ = 0;    // as last drawn
   std::int64_t threshold_ = 0;  // percent times item count: progress up to here is drawn already
 };
 

@@ -125,7 +125,7 @@ void String::setPrefix(const char* source, std::int32_t count) {
   if (source == nullptr) {
     throw stringParameterError;
   }
-  const void* end             = std::memchr(source, '\0', static_cast<std::size_t>(count));
+  const void* end = std::memchr(source, '\0', static_cast<std::size_t>(count));
   const std::ptrdiff_t length = end == nullptr ? count : static_cast<const char*>(end) - source;
   keepOrStore(source, static_cast<std::int32_t>(length));  // fits: at most `count`
 }
@@ -149,7 +149,7 @@ void String::append(const char* run, std::int32_t count) {
     std::unique_ptr<char[]> buffer = newBuffer(2 * newLength);
     copyRun(buffer.get(), text_.get(), length_);
     copyRun(buffer.get() + length_, run, count);
-    text_     = std::move(buffer);  // only now: `run` may lie in the old buffer
+    text_ = std::move(buffer);  // only now: `run` may lie in the old buffer
     capacity_ = static_cast<std::int32_t>(2 * newLength);  // fits: newBuffer refuses more
   } else {
     copyRun(text_.get() + length_, run, count);
@@ -185,7 +185,7 @@ void String::fill(char character) { fillRun(text_.get(), character, length_); }
 void String::fill(char character, std::int32_t count) {
   const std::int64_t doubled = 2 * std::int64_t{checkedCount(count)};
   if (capacity_ <= count) {
-    text_     = newBuffer(doubled);
+    text_ = newBuffer(doubled);
     capacity_ = static_cast<std::int32_t>(doubled);  // fits: newBuffer refuses more
   }
   fillRun(text_.get(), character, count);
@@ -205,9 +205,9 @@ void String::lowerCase() {
 }
 
 void String::stripLeading() {
-  char* end         = text_.get() + length_;
+  char* end = text_.get() + length_;
   const char* first = std::find_if_not(text_.get(), end, isWhiteSpace);
-  const auto kept   = static_cast<std::int32_t>(end - first);  // fits: at most the length
+  const auto kept = static_cast<std::int32_t>(end - first);  // fits: at most the length
   copyRun(text_.get(), first, kept);
   setLength(kept);
 }
@@ -235,7 +235,7 @@ void String::store(const char* run, std::int32_t count, std::int64_t bytes) {
   } else {
     std::unique_ptr<char[]> buffer = newBuffer(bytes);
     copyRun(buffer.get(), run, count);
-    text_     = std::move(buffer);                 // only now: `run` may lie in the old buffer
+    text_ = std::move(buffer);                     // only now: `run` may lie in the old buffer
     capacity_ = static_cast<std::int32_t>(bytes);  // fits: newBuffer refuses more
   }
   setLength(count);
@@ -246,7 +246,7 @@ void String::keepOrStore(const char* run, std::int32_t count) {
 }
 
 void String::setLength(std::int32_t count) {
-  length_                                = count;
+  length_ = count;
   text_[static_cast<std::size_t>(count)] = '\0';
 }
 

@@ -9,8 +9,8 @@ namespace Tessaly {
 
 /// What a String throws: a pointer to one of these constant texts, never an object.
 inline constexpr const char* stringAllocationError = "ERROR: String can not be allocated.";
-inline constexpr const char* stringPositionError   = "ERROR: String position is out of range";
-inline constexpr const char* stringParameterError  = "ERROR: String parameter is invalid";
+inline constexpr const char* stringPositionError = "ERROR: String position is out of range";
+inline constexpr const char* stringParameterError = "ERROR: String parameter is invalid";
 
 /// Whether the C locale counts the character as white space, whatever locale is set.
 inline bool isWhiteSpace(char character) {
@@ -158,7 +158,7 @@ class String {
   void setLength(std::int32_t count);
 
   std::unique_ptr<char[]> text_;
-  std::int32_t length_   = 0;
+  std::int32_t length_ = 0;
   std::int32_t capacity_ = 0;
 };
 

@@ -10,17 +10,17 @@ namespace Tessaly {
 namespace {
 
 constexpr std::int32_t largestDecimals = 15;
-constexpr std::int32_t numberTextSize  = 352;  // bytes; 309 digits, 15 decimals, signs and point
+constexpr std::int32_t numberTextSize = 352;  // bytes; 309 digits, 15 decimals, signs and point
 
 enum class Justify { left, right, centre };
 
 struct FieldFormat {
   std::int32_t position = 0;  // "A": bytes away from where the alignment puts the value
-  Justify justify       = Justify::left;
-  char fillCharacter    = ' ';
+  Justify justify = Justify::left;
+  char fillCharacter = ' ';
   std::int32_t decimals = 0;
-  bool alwaysSign       = false;
-  bool signAtRim        = false;
+  bool alwaysSign = false;
+  bool signAtRim = false;
 };
 
 /// Takes the digits at `place`; a number that does not fit is the largest one.
@@ -87,9 +87,9 @@ String fieldOf(const String& value, std::int32_t signCount, std::int32_t width,
     throw stringParameterError;
   }
   const std::int32_t length = value.length();
-  const std::int32_t room   = std::max(width, length) - length;
-  const std::int32_t start  = placeOf(format, room);
-  const std::int32_t early  = format.signAtRim ? signCount : 0;
+  const std::int32_t room = std::max(width, length) - length;
+  const std::int32_t start = placeOf(format, room);
+  const std::int32_t early = format.signAtRim ? signCount : 0;
 
   String field(length + room);
   field.append(value.text(), early);
@@ -120,8 +120,8 @@ String decimalsText(double value, std::int32_t decimals) {
   }
   char number[numberTextSize];
   const double unsignedZero = value == 0 ? 0 : value;  // a negative zero has no sign
-  const char* const end     = std::to_chars(number, number + numberTextSize, unsignedZero,
-                                            std::chars_format::fixed, decimals)
+  const char* const end = std::to_chars(number, number + numberTextSize, unsignedZero,
+                                        std::chars_format::fixed, decimals)
                               .ptr;
   String text;
   text.append(number, static_cast<std::int32_t>(end - number));  // at most the buffer

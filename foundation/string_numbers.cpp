@@ -51,12 +51,12 @@ int hexadecimalDigit(char character) {
   return character >= 'A' && character <= 'F' ? character - 'A' + 10 : -1;
 }
 
-constexpr int keptDigits        = 15;  // significant digits of a double's text
-constexpr int lowestFixed       = -6;  // exponents of ten that are written in fixed notation
-constexpr int highestFixed      = 15;
+constexpr int keptDigits = 15;   // significant digits of a double's text
+constexpr int lowestFixed = -6;  // exponents of ten that are written in fixed notation
+constexpr int highestFixed = 15;
 constexpr int largestExactPower = 22;  // products up to 1e22 are exact
-constexpr int largestPower      = std::numeric_limits<double>::max_exponent10;
-constexpr int doubleTextSize    = 40;  // bytes; the longest text has 1 + 2 + 5 + 15 characters
+constexpr int largestPower = std::numeric_limits<double>::max_exponent10;
+constexpr int doubleTextSize = 40;  // bytes; the longest text has 1 + 2 + 5 + 15 characters
 
 /// A positive number as digits d[0].d[1]d[2]... times ten to the `exponent`.
 struct Decimal {
@@ -74,7 +74,7 @@ double powerOfTen(int exponent) {
     }
     return power;
   }
-  char text[8]                   = "1e";
+  char text[8] = "1e";
   const std::to_chars_result end = std::to_chars(text + 2, text + sizeof text, exponent);
   std::from_chars(text, end.ptr, power);
   return power;
@@ -82,7 +82,7 @@ double powerOfTen(int exponent) {
 
 /// Brings a positive finite value into [1, 10) and returns the exponent of ten taken out of it.
 int takeExponent(double& value) {
-  int exponent    = 0;
+  int exponent = 0;
   double quotient = value;
   while (quotient >= 10) {
     ++exponent;
@@ -92,7 +92,7 @@ int takeExponent(double& value) {
   for (int raised = 0; mantissa < 1; --exponent) {
     if (raised == largestPower) {  // a denormal value: go on from what the powers have reached
       quotient = mantissa;
-      raised   = 0;
+      raised = 0;
     }
     ++raised;
     mantissa = quotient * powerOfTen(raised);
@@ -111,19 +111,19 @@ Decimal decimalOf(double value) {
   decimal.exponent = takeExponent(value);
   for (char& place : decimal.digits) {
     const int digit = static_cast<int>(value);  // 0..9, truncated
-    place           = static_cast<char>('0' + digit);
-    value           = (value - digit) * 10;
+    place = static_cast<char>('0' + digit);
+    value = (value - digit) * 10;
   }
 
-  const bool up      = decimal.digits[keptDigits] >= '5';
+  const bool up = decimal.digits[keptDigits] >= '5';
   const char dropped = up ? '9' : '0';
-  int count          = keptDigits;
+  int count = keptDigits;
   while (count > 0 && decimal.digits[count - 1] == dropped) {
     --count;
   }
   if (count == 0) {  // fifteen nines, rounded up
     decimal.digits[0] = '1';
-    count             = 1;
+    count = 1;
     ++decimal.exponent;
   } else if (up) {
     ++decimal.digits[count - 1];
@@ -175,13 +175,13 @@ void String::set(std::int32_t value) {
 void String::set(double value) { set(textOf(value)); }
 
 bool String::isDecimalNumber() const {
-  const char* place     = text_.get();
+  const char* place = text_.get();
   const char* const end = place + length_;
   if (place != end && isSign(*place)) {
     ++place;
   }
   const char* const mantissa = place;
-  place                      = behindFraction(behindDigits(place, end), end);
+  place = behindFraction(behindDigits(place, end), end);
   if (place == mantissa) {
     return false;
   }

@@ -23,7 +23,7 @@ StringScanner::StringScanner(const char* text)
     : owned_(ownedCopy(text)), scanned_(owned_.get()), position_(owned_->text()) {}
 
 void StringScanner::attach(const String& text) {
-  scanned_  = &text;
+  scanned_ = &text;
   position_ = text.text();
 }
 

@@ -147,9 +147,9 @@ class Vector {
   void removeRun(std::int32_t index, std::int32_t count);
 
   std::unique_ptr<T[]> elements_;
-  std::int32_t size_     = 0;
+  std::int32_t size_ = 0;
   std::int32_t capacity_ = 1;
-  std::int32_t cursor_   = 0;
+  std::int32_t cursor_ = 0;
 };
 
 template <typename T>
@@ -158,7 +158,7 @@ void Vector<T>::sortRange(std::int32_t first, std::int32_t last) {
   if (first >= last) {
     return;
   }
-  T* const elements     = elements_.get();
+  T* const elements = elements_.get();
   std::int32_t boundary = first;  // elements first + 1 .. boundary are below the pivot
   for (std::int32_t index = first + 1; index <= last; ++index) {
     if (elements[index] < elements[first]) {
@@ -180,7 +180,7 @@ void Vector<T>::sortRange(std::int32_t first, std::int32_t last) {
 
 template <typename T>
 void Vector<T>::clear() {
-  size_   = 0;
+  size_ = 0;
   cursor_ = 0;
 }
 
@@ -214,7 +214,7 @@ template <typename T>
 void Vector<T>::set(std::int32_t index, T value) {
   checkIndex(index);
   elements_[static_cast<std::size_t>(index)] = std::move(value);
-  cursor_                                    = index;
+  cursor_ = index;
 }
 
 template <typename T>
@@ -241,8 +241,8 @@ void Vector<T>::assign(const T* values, std::int32_t count) {
 template <typename T>
 void Vector<T>::assign(T value) {
   elements_[0] = std::move(value);  // there is always room for one
-  size_        = 1;
-  cursor_      = 0;
+  size_ = 1;
+  cursor_ = 0;
 }
 
 template <typename T>
@@ -280,7 +280,7 @@ void Vector<T>::removeRange(std::int32_t index, std::int32_t count) {
 template <typename T>
 void Vector<T>::truncate(std::int32_t size) {
   checkIndex(size);  // Deliberate: the present size is refused too.
-  size_   = size;
+  size_ = size;
   cursor_ = 0;
 }
 

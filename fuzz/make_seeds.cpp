@@ -17,7 +17,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using Seeds  = std::vector<std::pair<std::string, std::string>>;  // names and bytes
+using Seeds = std::vector<std::pair<std::string, std::string>>;  // names and bytes
 
 Seeds abifSeeds() {
   const std::vector<int> qualities{9, 200, 0, 30};

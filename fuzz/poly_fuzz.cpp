@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr std::int64_t mostSamples      = 2600;  // the channel balance looks at 1499..2500
+constexpr std::int64_t mostSamples = 2600;  // the channel balance looks at 1499..2500
 constexpr std::int64_t longestPlainWalk = 20'000;
 
 /// Big-endian numbers out of the bytes, as long as there are any; then zeros.
@@ -41,8 +41,8 @@ class Source {
 PolyInput inputFrom(Source source) {
   PolyInput input;
   const std::size_t pointCount = source.next(2) % (mostSamples + 1);
-  const std::uint32_t bases    = source.next(1);
-  const bool anywhere          = source.next(1) % 2 == 1;
+  const std::uint32_t bases = source.next(1);
+  const bool anywhere = source.next(1) % 2 == 1;
   for (std::uint32_t i = 0; i < bases; ++i) {
     const auto byte = static_cast<char>(source.next(1));
     input.bases += static_cast<unsigned char>(byte) < 192 ? "ACGT"[byte & 3] : byte;
@@ -52,7 +52,7 @@ PolyInput inputFrom(Source source) {
                                    : static_cast<std::int16_t>(source.next(2)));
   }
   const std::vector<std::uint8_t> signal = source.rest();
-  std::size_t at                         = 0;
+  std::size_t at = 0;
   for (auto& channel : input.channels) {
     channel.resize(pointCount);
     for (std::uint16_t& sample : channel) {
@@ -88,24 +88,24 @@ std::int64_t plainWalk(const PolyInput& input) {
 void searchNearTrace(const PolyInput& input, PolyResult& result) {
   for (std::size_t channel = 0; channel < 4; ++channel) {
     const std::vector<std::uint16_t>& samples = input.channels[channel];
-    const auto read                           = [&](std::int64_t index) -> std::int32_t {
+    const auto read = [&](std::int64_t index) -> std::int32_t {
       return index < 0 || index >= input.pointCount() ? 0
-                                                                                : samples[static_cast<std::size_t>(index)];
+                                                      : samples[static_cast<std::size_t>(index)];
     };
     for (std::size_t i = 0; i < input.bases.size(); ++i) {
       const std::int64_t here = input.peaks[i];
-      std::int32_t best       = 0;
-      std::int64_t bestPos    = 0;
+      std::int32_t best = 0;
+      std::int64_t bestPos = 0;
       const std::int64_t last = std::min(rangeEnd(input, i), input.pointCount() + 2);
       for (auto j = std::max<std::int64_t>(rangeStart(input, i) + 2, 0); j <= last; ++j) {
         if (best < read(j - 1) && 2 * read(j - 1) - read(j - 2) - read(j) > 3) {
-          best    = read(j - 1);
+          best = read(j - 1);
           bestPos = j;
         }
       }
       if (best == 0 && "ACGT"[channel] == input.bases[i]) {
         bestPos = here;
-        best    = read(here);
+        best = read(here);
       }
       result.peakPos[channel].push_back(static_cast<std::int32_t>(bestPos));
       result.peakAmp[channel].push_back(static_cast<std::uint32_t>(best));
@@ -147,8 +147,8 @@ PolyResult compute(Quillet::PolyPeaks& peaks, PolyInput& input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
-  const PolyInput input   = inputFrom(Source(bytes, count));
-  PolyInput expected      = input;
+  const PolyInput input = inputFrom(Source(bytes, count));
+  PolyInput expected = input;
   const PolyResult wanted = plainResult(expected);
 
   setDirt(0x5A);

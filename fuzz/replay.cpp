@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
 namespace {
 
 namespace fs = std::filesystem;
-using Bytes  = std::vector<std::uint8_t>;
+using Bytes = std::vector<std::uint8_t>;
 
 Bytes bytesOf(const fs::path& file) {
   std::ifstream stream(file, std::ios::binary);
@@ -62,7 +62,7 @@ class Damage {
     constexpr std::uint32_t extremes[]{0,          1,          0xFFFFFFFF, 0x7FFFFFFF,
                                        0x80000000, 0x00010000, 0x00400001, 0xFFFFFF00};
     const std::uint32_t extreme = extremes[below(std::size(extremes))];
-    const std::size_t start     = below(bytes.size());
+    const std::size_t start = below(bytes.size());
     for (std::size_t i = 0; i < 4 && start + i < bytes.size(); ++i) {
       bytes[start + i] = static_cast<std::uint8_t>(extreme >> (24 - 8 * i) & 0xFF);
     }
@@ -81,7 +81,7 @@ void runTarget(const Bytes& bytes) {
 
 int main(int argc, char** argv) {
   int mutantCount = 0;
-  int inputCount  = 0;
+  int inputCount = 0;
   Damage damage;
   for (int i = 1; i < argc; ++i) {
     const std::string argument = argv[i];

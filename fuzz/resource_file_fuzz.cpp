@@ -59,8 +59,8 @@ struct Model {
     const std::string start = "in " + source + ": ";
     for (std::size_t i = 0; i < words.size() && error.empty(); ++i) {
       const std::string& word = words[i];
-      const bool isRoot       = word == "-d" || word == "-dir";
-      const bool isList       = word == "-l" || word == "-list";
+      const bool isRoot = word == "-d" || word == "-dir";
+      const bool isList = word == "-l" || word == "-list";
       if (isList) settings.listFile_.clear();
       if ((isRoot || isList) && i + 1 == words.size()) {
         error = start + "`" + word + "' requires an argument.";
@@ -84,7 +84,7 @@ struct Model {
     int lineNumber = 0;
     for (const std::string& line : linesOf(text)) {
       const std::string start = "in " + path + "line " + std::to_string(++lineNumber) + ": ";
-      const Words words       = split(line, " \t\v\f\r");
+      const Words words = split(line, " \t\v\f\r");
       if (words.empty()) continue;
       std::string* const directory = words[0] == "chromatdir" ? &settings.chromatDir
                                      : words[0] == "phddir"   ? &settings.phdDir
@@ -110,7 +110,7 @@ class CaughtStderr {
  public:
   CaughtStderr() : former_(std::cerr.rdbuf(text_.rdbuf())) {}
   ~CaughtStderr() { std::cerr.rdbuf(former_); }
-  CaughtStderr(const CaughtStderr&)            = delete;
+  CaughtStderr(const CaughtStderr&) = delete;
   CaughtStderr& operator=(const CaughtStderr&) = delete;
   std::string text() const { return text_.str(); }
 
@@ -169,7 +169,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
 
   const std::string input(reinterpret_cast<const char*>(bytes), count);
   const std::string mark = "\n%%\n";
-  const std::size_t end  = input.find(mark);
+  const std::size_t end = input.find(mark);
   const std::string text = end == std::string::npos ? input : input.substr(0, end + 1);
   const Words words = end == std::string::npos ? Words() : linesOf(input.substr(end + mark.size()));
   file.hold(bytes, text.size());

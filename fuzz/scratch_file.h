@@ -13,7 +13,7 @@ class ScratchFile {
  public:
   explicit ScratchFile(const std::string& name);
   ~ScratchFile();
-  ScratchFile(const ScratchFile&)            = delete;
+  ScratchFile(const ScratchFile&) = delete;
   ScratchFile& operator=(const ScratchFile&) = delete;
 
   /// The file's whole content from now on.

@@ -19,11 +19,11 @@ constexpr std::uint32_t openedTwiceCount = 100'000;
 
 /// All that a caller gets from a trace.
 struct Outcome {
-  bool opened              = false;
-  std::int32_t status      = -1;
-  bool usableQualities     = false;
+  bool opened = false;
+  std::int32_t status = -1;
+  bool usableQualities = false;
   std::uint32_t pointCount = 0;
-  std::uint32_t baseCount  = 0;
+  std::uint32_t baseCount = 0;
   std::vector<std::uint16_t> channels[4];
   std::string bases;
   std::string qualities;
@@ -38,7 +38,7 @@ std::string standardText(const Tessaly::String& text) {
 }
 
 // What the holders of the base calls contain before a trace is asked for its own.
-constexpr const char* formerBases     = "former bases";
+constexpr const char* formerBases = "former bases";
 constexpr const char* formerQualities = "former qualities";
 const std::vector<std::int32_t> formerPeaks{-1, -2, -3};
 
@@ -56,9 +56,9 @@ void takeCalls(const Quillet::TraceFile& trace, Outcome& outcome) {
   Tessaly::Vector<std::int32_t> peaks;
   peaks.assign(formerPeaks.data(), static_cast<std::int32_t>(formerPeaks.size()));
   outcome.usableQualities = trace.getBaseCalls(bases, qualities, peaks);
-  outcome.baseCount       = trace.baseCount();
-  outcome.bases           = standardText(bases);
-  outcome.qualities       = standardText(qualities);
+  outcome.baseCount = trace.baseCount();
+  outcome.bases = standardText(bases);
+  outcome.qualities = standardText(qualities);
   outcome.peaks.assign(peaks.data(), peaks.data() + peaks.size());
   outcome.callerName = standardText(trace.callerName());
 }
@@ -123,7 +123,7 @@ bool takesLong(std::string_view bytes) {
   if (bytes.starts_with(".scf")) return claimsLong(bytes, 4) || claimsLong(bytes, 12);
   for (const std::string_view name : {"DATA", "PBAS"}) {
     for (std::size_t entry = bytes.find(name); entry < bytes.size();
-         entry             = bytes.find(name, entry + 1)) {
+         entry = bytes.find(name, entry + 1)) {
       if (claimsLong(bytes, entry + 12)) return true;
     }
   }

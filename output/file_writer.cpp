@@ -28,8 +28,8 @@ void FileWriter::setBufferSize(std::int32_t size) {
   bufferStart =
       newSize == 0 ? nullptr : std::make_unique<char[]>(static_cast<std::size_t>(newSize));
   bufferSize = newSize;
-  bufferPos  = bufferStart.get();
-  bufferEnd  = bufferStart.get() + bufferSize;
+  bufferPos = bufferStart.get();
+  bufferEnd = bufferStart.get() + bufferSize;
 }
 
 bool FileWriter::openFile(const char* path, std::ios_base::openmode mode) {

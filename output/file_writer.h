@@ -166,8 +166,8 @@ class FileWriter {
 
   std::ofstream stream;                  // its fail and bad bits are the only error state
   std::unique_ptr<char[]> bufferStart;   // null when the size is 0
-  char* bufferPos         = nullptr;     // next free byte; those before it are pending
-  char* bufferEnd         = nullptr;     // one past the last byte of the buffer
+  char* bufferPos = nullptr;             // next free byte; those before it are pending
+  char* bufferEnd = nullptr;             // one past the last byte of the buffer
   std::int32_t bufferSize = 0;           // bytes
   std::unique_ptr<char[]> streamBuffer;  // the stream's; null before the first open
 };

@@ -122,7 +122,7 @@ void FileWriter::writeField(const char* text, std::int32_t width) {
 void FileWriter::placeAligned(const char* text, std::size_t length, std::int32_t width,
                               bool rightJustify) {
   // Deliberate: unlike a field, the text is never cut.
-  const std::size_t size    = std::max(length, static_cast<std::size_t>(std::max(width, 0)));
+  const std::size_t size = std::max(length, static_cast<std::size_t>(std::max(width, 0)));
   const std::size_t padding = size - length;
   if (rightJustify) placeRepeated(' ', padding);
   place(text, length);

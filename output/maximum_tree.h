@@ -29,7 +29,7 @@ struct SearchRange {
 
 /// The first highest maximum of a range; a height of 0 means that there is none.
 struct Peak {
-  std::uint32_t height  = 0;
+  std::uint32_t height = 0;
   std::int32_t position = 0;
 };
 
@@ -55,7 +55,7 @@ class MaximumTree {
   void build(const std::int16_t* maxima, int channel) {
     maxima_ = maxima + channel;
     for (std::size_t block = 0; block < blockCount_; ++block) {
-      const std::size_t start    = block * blockSize;
+      const std::size_t start = block * blockSize;
       keys_[blockCount_ + block] = scan(start, std::min(start + blockSize, pointCount_));
     }
     for (std::size_t k = blockCount_; k-- > 1;) keys_[k] = std::max(keys_[2 * k], keys_[2 * k + 1]);
@@ -63,15 +63,15 @@ class MaximumTree {
 
   Peak find(const SearchRange& range) const {
     if (range.first > range.last) return {};
-    const auto first             = static_cast<std::size_t>(range.first);
-    const auto end               = static_cast<std::size_t>(range.last + 1);
+    const auto first = static_cast<std::size_t>(range.first);
+    const auto end = static_cast<std::size_t>(range.last + 1);
     const std::size_t firstBlock = (first + blockSize - 1) / blockSize;
-    const std::size_t endBlock   = end / blockSize;
+    const std::size_t endBlock = end / blockSize;
     if (firstBlock >= endBlock) return peakOf(scan(first, end));
 
     std::uint64_t best =
         std::max(scan(first, firstBlock * blockSize), scan(endBlock * blockSize, end));
-    std::size_t left  = firstBlock + blockCount_;
+    std::size_t left = firstBlock + blockCount_;
     std::size_t right = endBlock + blockCount_;
     for (; left < right; left /= 2, right /= 2) {
       if (left % 2 != 0) best = std::max(best, keys_[left++]);
@@ -81,14 +81,14 @@ class MaximumTree {
   }
 
  private:
-  static constexpr std::size_t blockSize      = 32;
+  static constexpr std::size_t blockSize = 32;
   static constexpr std::uint32_t largestIndex = 0xFFFFFFFF;
 
   std::uint64_t scan(std::size_t start, std::size_t end) const {
     std::uint64_t best = 0;
     for (std::size_t i = start; i < end; ++i) {
       const std::uint64_t height = heightOf(maxima_[channelCount * i]);
-      best                       = std::max(best, height << 32 | (largestIndex - i));
+      best = std::max(best, height << 32 | (largestIndex - i));
     }
     return best;
   }

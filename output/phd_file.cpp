@@ -26,17 +26,17 @@ void writeHeader(Tessaly::FileWriter& writer, const PhdRecord& record) {
 constexpr std::size_t longestLine = 2 + 2 * Tessaly::longestDecimal;
 
 void writeBases(Tessaly::FileWriter& writer, const PhdRecord& record) {
-  const char* const bases         = record.bases.text();
-  const char* const qualities     = record.qualities.text();
+  const char* const bases = record.bases.text();
+  const char* const qualities = record.qualities.text();
   const std::int32_t* const peaks = record.peaks;
   const std::int32_t qualityCount = record.qualities.length();
-  const auto putLines             = [=](char* text, std::int32_t begin, std::int32_t end) {
+  const auto putLines = [=](char* text, std::int32_t begin, std::int32_t end) {
     for (std::int32_t i = begin; i < end; ++i) {
       // Deliberate: a quality byte is a signed number, so that 128..255 are written as -128..-1.
       const std::int32_t quality = i < qualityCount ? static_cast<std::int8_t>(qualities[i]) : 0;
-      text                       = putWord(text, bases[i]);
-      text                       = putShortWord(text, quality);
-      text                       = putShortLine(text, peaks[i]);
+      text = putWord(text, bases[i]);
+      text = putShortWord(text, quality);
+      text = putShortLine(text, peaks[i]);
     }
     return text;
   };

@@ -37,11 +37,11 @@ void normaliseAreas(const std::uint16_t* samples, std::uint32_t pointCount, floa
     const std::int64_t end = runs.endFrom(position);
     // Deliberate: wraps modulo 2^32.
     const std::uint32_t area = runs.area(runs.startBefore(position), end);
-    passed                   = end;
+    passed = end;
 
     // Deliberate: a peak that comes after one of this run and lies before it shares in it.
     const std::int32_t first = base;
-    std::uint16_t heightSum  = 0;
+    std::uint16_t heightSum = 0;
     for (; base < baseCount && peakPos[base] < end; ++base) {
       // Deliberate: wraps modulo 65536, and a sum that wraps to 0 counts as 0.
       heightSum = static_cast<std::uint16_t>(heightSum + peakAmp[base]);

@@ -41,8 +41,8 @@ void writePolyFile(Tessaly::FileWriter& writer, const Tessaly::String& path,
 
   // Pointers of their own: what lies in an object would be read anew behind every character put,
   // which might have changed it.
-  const char* const letters             = bases.text();
-  const char* const secondLetters       = found.secondBase();
+  const char* const letters = bases.text();
+  const char* const secondLetters = found.secondBase();
   const std::int32_t* const secondPeaks = found.secondPos();
   const std::uint32_t* const heightsOfA = found.peakAmp(0);
   const std::uint32_t* const heightsOfC = found.peakAmp(1);

@@ -20,8 +20,8 @@ PolyPeaks::PolyPeaks()
 void PolyPeaks::reserve(std::size_t pointCount, std::size_t baseCount) {
   if (zeros_ == nullptr || pointCount > pointCapacity_) {
     pointCapacity_ = 0;
-    maxima_        = std::make_unique_for_overwrite<std::int16_t[]>(4 * pointCount);
-    zeros_         = std::make_unique_for_overwrite<std::uint64_t[]>(zeroWordCount(pointCount));
+    maxima_ = std::make_unique_for_overwrite<std::int16_t[]>(4 * pointCount);
+    zeros_ = std::make_unique_for_overwrite<std::uint64_t[]>(zeroWordCount(pointCount));
     pointCapacity_ = pointCount;
   }
   if (baseCount > baseCapacity_) {
@@ -31,8 +31,8 @@ void PolyPeaks::reserve(std::size_t pointCount, std::size_t baseCount) {
       peakAmp_[channel] = std::make_unique_for_overwrite<std::uint32_t[]>(baseCount);
       normAmp_[channel] = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
     }
-    secondBase_   = std::make_unique_for_overwrite<char[]>(baseCount);
-    secondPos_    = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
+    secondBase_ = std::make_unique_for_overwrite<char[]>(baseCount);
+    secondPos_ = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
     baseCapacity_ = baseCount;
   }
 }
@@ -73,16 +73,16 @@ void chooseSecondPeaks(const Tessaly::String& bases, const std::int32_t* const (
                        std::int32_t* secondPos) {
   for (std::int32_t i = 0; i < bases.length(); ++i) {
     // No jump hangs on the bases or on the signal here: the processor could not foresee it.
-    const int called      = channelOf(bases[i]);
+    const int called = channelOf(bases[i]);
     std::uint64_t largest = 0;  // a height, and behind it what is larger for earlier channels
     for (const unsigned channel : otherChannels[called]) {
       largest = std::max(largest, std::uint64_t{peakAmp[channel][i]} << 2 | (3 - channel));
     }
-    const auto second           = static_cast<int>(3 - (largest & 3));
+    const auto second = static_cast<int>(3 - (largest & 3));
     const std::int32_t position = peakPos[second][i];
     const bool found = (largest > 3) & (called != noChannel);  // a height of 0 is no peak
-    secondBase[i]    = channelLetters[found ? second : noChannel];
-    secondPos[i]     = found ? position : 0;
+    secondBase[i] = channelLetters[found ? second : noChannel];
+    secondPos[i] = found ? position : 0;
   }
 }
 

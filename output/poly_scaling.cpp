@@ -24,7 +24,7 @@ std::uint16_t largestSample(std::uint16_t* const (&channels)[4], std::size_t cou
   return std::max({a, c, g, t});
 }
 
-constexpr std::uint32_t fullRange          = 65280;  // what the highest sample is to come to
+constexpr std::uint32_t fullRange = 65280;  // what the highest sample is to come to
 constexpr std::uint32_t largestSampleValue = 65535;
 
 /// Multiplies every sample by a quotient of whole numbers, by way of `double` as seen from outside.
@@ -33,7 +33,7 @@ constexpr std::uint32_t largestSampleValue = 65535;
 void scaleByQuotient(std::span<std::uint16_t* const> channels, std::size_t count,
                      std::uint32_t numerator, std::uint32_t denominator, std::uint32_t bound) {
   if (numerator == denominator) return;
-  const auto factor     = fixedFactor(numerator, denominator, bound);
+  const auto factor = fixedFactor(numerator, denominator, bound);
   const double quotient = static_cast<double>(numerator) / denominator;
   for (std::uint16_t* samples : channels) {
     if (factor) {
@@ -46,12 +46,12 @@ void scaleByQuotient(std::span<std::uint16_t* const> channels, std::size_t count
 
 // The stretch of the trace that the channel balance is taken from, in sample indices.
 constexpr std::uint32_t balanceFirstIndex = 1499;
-constexpr std::uint32_t balanceLastIndex  = 2500;
+constexpr std::uint32_t balanceLastIndex = 2500;
 static_assert(summedSignalSize == balanceLastIndex + 1);
 
 /// The maxima of the summed signal at which one channel was the highest.
 struct PeakTally {
-  std::int32_t count        = 0;
+  std::int32_t count = 0;
   std::uint32_t heightTotal = 0;
 
   /// 1..65535; 0 when there is none.
@@ -79,8 +79,8 @@ std::size_t listMaxima(const std::uint16_t* summed, std::uint32_t last, std::uin
   std::size_t count = 0;
   for (std::uint32_t k = balanceFirstIndex + 2; k < last; ++k) {
     const std::uint16_t middle = summed[k - 1];
-    const bool isMaximum       = (summed[k - 2] < middle) & (summed[k] < middle);
-    indices[count]             = k;
+    const bool isMaximum = (summed[k - 2] < middle) & (summed[k] < middle);
+    indices[count] = k;
     count += isMaximum ? 1 : 0;
   }
   return count;
@@ -93,7 +93,7 @@ void tallyHighest(std::uint16_t* const (&channels)[4], std::uint32_t k, PeakTall
     best = std::max(best, std::uint32_t{channels[channel][k]} << 2 | (3 - channel));
   }
   const std::uint32_t height = best >> 2;
-  PeakTally& tally           = tallies[3 - (best & 3)];
+  PeakTally& tally = tallies[3 - (best & 3)];
   tally.count += height != 0 ? 1 : 0;
   tally.heightTotal += height;
 }
@@ -120,7 +120,7 @@ void balanceChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCou
   std::uint32_t heights[4];
   std::uint32_t smallest = largestSampleValue;
   for (int channel = 0; channel < 4; ++channel) {
-    heights[channel]  = tallies[channel].averageHeight();
+    heights[channel] = tallies[channel].averageHeight();
     averages[channel] = static_cast<float>(heights[channel]);
     if (heights[channel] != 0) smallest = std::min(smallest, heights[channel]);
   }

@@ -12,7 +12,7 @@ namespace {
 /// A maximum stands more than 3 above its neighbours when 2 * sample - left - right > 3. In whole
 /// numbers that is: at least 2 above the neighbours' mean, rounded up, which needs 16 bits only.
 std::int16_t maximumAt(std::uint16_t left, std::uint16_t sample, std::uint16_t right) {
-  const auto mean   = static_cast<std::uint16_t>((left + right + 1) >> 1);
+  const auto mean = static_cast<std::uint16_t>((left + right + 1) >> 1);
   const auto higher = sample > mean ? sample : mean;
   const auto excess = static_cast<std::uint16_t>(higher - mean);
   const auto kept = static_cast<std::uint16_t>(-static_cast<int>(excess > 1));  // all bits or none
@@ -28,19 +28,19 @@ void markMaxima(std::uint16_t* const (&channels)[channelCount], std::size_t coun
   const std::uint16_t* const t = channels[3];
   for (std::size_t i = 1; i + 1 < count; ++i) {
     std::int16_t* const marked = maxima + channelCount * i;
-    marked[0]                  = maximumAt(a[i - 1], a[i], a[i + 1]);
-    marked[1]                  = maximumAt(c[i - 1], c[i], c[i + 1]);
-    marked[2]                  = maximumAt(g[i - 1], g[i], g[i + 1]);
-    marked[3]                  = maximumAt(t[i - 1], t[i], t[i + 1]);
+    marked[0] = maximumAt(a[i - 1], a[i], a[i + 1]);
+    marked[1] = maximumAt(c[i - 1], c[i], c[i + 1]);
+    marked[2] = maximumAt(g[i - 1], g[i], g[i + 1]);
+    marked[3] = maximumAt(t[i - 1], t[i], t[i + 1]);
   }
-  const std::size_t last       = count - 1;
+  const std::size_t last = count - 1;
   std::int16_t* const lastOnes = maxima + channelCount * last;
   for (int channel = 0; channel < channelCount; ++channel) {
     const std::uint16_t* const samples = channels[channel];
     // The index before the first, which one sample asks for, is a huge one.
     const auto sampleAt = [&](std::size_t k) { return k < count ? samples[k] : std::uint16_t{0}; };
-    maxima[channel]     = maximumAt(0, samples[0], sampleAt(1));
-    lastOnes[channel]   = maximumAt(sampleAt(last - 1), samples[last], 0);
+    maxima[channel] = maximumAt(0, samples[0], sampleAt(1));
+    lastOnes[channel] = maximumAt(sampleAt(last - 1), samples[last], 0);
   }
 }
 
@@ -64,7 +64,7 @@ namespace simd = std::experimental;
 
 /// The peaks that all channels have in one range.
 struct Peaks {
-  std::int32_t heights[channelCount]   = {};
+  std::int32_t heights[channelCount] = {};
   std::int32_t positions[channelCount] = {};
 };
 
@@ -75,7 +75,7 @@ Peaks scan(const std::int16_t* maxima, const SearchRange& range) {
     for (int channel = 0; channel < channelCount; ++channel) {
       const std::int32_t height = heightOf(maxima[channelCount * k + channel]);
       if (height <= peaks.heights[channel]) continue;
-      peaks.heights[channel]   = height;
+      peaks.heights[channel] = height;
       peaks.positions[channel] = positionAfter(static_cast<std::uint32_t>(k));
     }
   }
@@ -83,34 +83,34 @@ Peaks scan(const std::int16_t* maxima, const SearchRange& range) {
 }
 
 constexpr std::int64_t shortestInLanes = 2;
-constexpr std::int64_t longestInLanes  = 16;  // bases are seldom further apart
-constexpr std::int32_t largestOffset   = longestInLanes - 1;
+constexpr std::int64_t longestInLanes = 16;  // bases are seldom further apart
+constexpr std::int32_t largestOffset = longestInLanes - 1;
 
 /// Looks through a range that is neither shorter nor longer than these, two samples at a time, all
 /// four channels side by side. No branch hangs on the signal or on the length: the processor could
 /// not foresee it.
 Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
-  constexpr std::size_t pairSize  = 2 * std::size_t{channelCount};
+  constexpr std::size_t pairSize = 2 * std::size_t{channelCount};
   const std::int16_t* const start = maxima + channelCount * range.first;
-  const std::int64_t lastPair     = range.last - range.first - 1;
+  const std::int64_t lastPair = range.last - range.first - 1;
 
-  Lanes<std::int16_t, pairSize> highest    = storedHeight(0);
+  Lanes<std::int16_t, pairSize> highest = storedHeight(0);
   Lanes<std::int16_t, pairSize> pairOffset = 0;
   for (std::int64_t k = 0; k < longestInLanes; k += 2) {
     // Behind the range, its last pair is looked at again. Of an odd number of samples, one is in
     // two pairs.
     const std::int64_t offset = std::min(k, lastPair);
-    const auto heights        = lanesAt<pairSize>(start + channelCount * offset);
+    const auto heights = lanesAt<pairSize>(start + channelCount * offset);
 
     simd::where(heights > highest, pairOffset) = static_cast<std::int16_t>(k);
-    highest                                    = simd::max(highest, heights);
+    highest = simd::max(highest, heights);
   }
   const Lanes<std::int16_t, pairSize> lastOffset = static_cast<std::int16_t>(lastPair);
-  pairOffset                                     = simd::min(pairOffset, lastOffset);
+  pairOffset = simd::min(pairOffset, lastOffset);
 
   // A key has the stored height in its upper half and the distance from the largest offset in its
   // lower half, so that the largest key is the first of the highest maxima.
-  using Keys       = Lanes<std::int32_t, channelCount>;
+  using Keys = Lanes<std::int32_t, channelCount>;
   const auto keyOf = [](const auto& heights, const auto& offsets, std::int32_t indexInPair) {
     return simd::static_simd_cast<Keys>(heights) << 16 |
            (largestOffset - indexInPair - simd::static_simd_cast<Keys>(offsets));
@@ -122,7 +122,7 @@ Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
 
   const Keys height = (best >> 16) - storedHeight(0);  // undoes the 32768
   const Keys offset = largestOffset - (best & largestOffset);
-  Keys position     = positionAfter(static_cast<std::uint32_t>(range.first)) + offset;
+  Keys position = positionAfter(static_cast<std::uint32_t>(range.first)) + offset;
 
   simd::where(height == 0, position) = 0;
 
@@ -138,20 +138,20 @@ std::int32_t searchByScanning(const CalledTrace& trace, const std::int16_t* maxi
                               std::int32_t* const (&peakPos)[channelCount],
                               std::uint32_t* const (&peakAmp)[channelCount]) {
   // The ranges of ascending peaks do not overlap; some disorder is still cheapest to scan.
-  const std::int32_t baseCount    = trace.bases.length();
+  const std::int32_t baseCount = trace.bases.length();
   const std::int32_t* const peaks = trace.peaks;
-  std::int64_t samplesLeft        = 4 * (std::int64_t{trace.pointCount} + baseCount);
+  std::int64_t samplesLeft = 4 * (std::int64_t{trace.pointCount} + baseCount);
 
   std::int64_t low = baseCount == 0 ? 0 : lowMidpoint(peaks, 0);
   for (std::int32_t i = 0; i < baseCount; ++i) {
-    const std::int64_t high   = lowMidpoint(peaks, i + 1);
-    const SearchRange range   = rangeBetween(low, high, trace.pointCount);
+    const std::int64_t high = lowMidpoint(peaks, i + 1);
+    const SearchRange range = rangeBetween(low, high, trace.pointCount);
     const std::int64_t length = range.last - range.first + 1;
     samplesLeft -= std::max(length, std::int64_t{0});
     if (samplesLeft < 0) return i;
 
     const bool fitsLanes = shortestInLanes <= length && length <= longestInLanes;
-    const Peaks found    = fitsLanes ? scanInLanes(maxima, range) : scan(maxima, range);
+    const Peaks found = fitsLanes ? scanInLanes(maxima, range) : scan(maxima, range);
     for (int channel = 0; channel < channelCount; ++channel) {
       peakAmp[channel][i] = static_cast<std::uint32_t>(found.heights[channel]);
       peakPos[channel][i] = found.positions[channel];
@@ -169,11 +169,11 @@ void searchByTree(const CalledTrace& trace, std::int32_t firstBase, const std::i
   for (int channel = 0; channel < channelCount; ++channel) {
     tree.build(maxima, channel);
     for (std::int32_t i = firstBase; i < trace.bases.length(); ++i) {
-      const std::int64_t low  = lowMidpoint(trace.peaks, i);
+      const std::int64_t low = lowMidpoint(trace.peaks, i);
       const std::int64_t high = lowMidpoint(trace.peaks, i + 1);
-      const Peak peak         = tree.find(rangeBetween(low, high, trace.pointCount));
-      peakAmp[channel][i]     = peak.height;
-      peakPos[channel][i]     = peak.position;
+      const Peak peak = tree.find(rangeBetween(low, high, trace.pointCount));
+      peakAmp[channel][i] = peak.height;
+      peakPos[channel][i] = peak.position;
     }
   }
 }
@@ -186,9 +186,9 @@ void fallBackToCalls(const CalledTrace& trace, std::int32_t* const (&peakPos)[ch
     if (called == noChannel || peakAmp[called][i] != 0) continue;
 
     const std::int32_t position = trace.peaks[i];
-    const bool inside           = position >= 0 && std::int64_t{position} < trace.pointCount;
-    peakPos[called][i]          = position;
-    peakAmp[called][i]          = inside ? trace.channels[called][position] : 0;
+    const bool inside = position >= 0 && std::int64_t{position} < trace.pointCount;
+    peakPos[called][i] = position;
+    peakAmp[called][i] = inside ? trace.channels[called][position] : 0;
   }
 }
 

@@ -56,7 +56,7 @@ class SampleRuns {
   static constexpr std::size_t laneCount = 8;
 
   using Samples = Lanes<std::uint16_t, laneCount>;
-  using Sums    = Lanes<std::uint32_t, laneCount / 2>;  // of pairs of samples
+  using Sums = Lanes<std::uint32_t, laneCount / 2>;  // of pairs of samples
 
   static constexpr std::int64_t wordSize = 64;  // samples that an entry of the storage stands for
 
@@ -77,7 +77,7 @@ class SampleRuns {
   /// The sum of `count` samples, in the time that all take.
   static std::uint32_t sumOfFirst(const std::uint16_t* samples, std::int64_t count) {
     const std::uint16_t* const masks = passing.data() + atOnce - count;
-    Sums sums                        = 0;
+    Sums sums = 0;
     for (std::size_t k = 0; k < atOnce; k += laneCount) {
       sums += pairSums(lanesAt<laneCount>(samples + k) & lanesAt<laneCount>(masks + k));
     }
@@ -92,21 +92,21 @@ class SampleRuns {
     const Samples lowerHalf = lanesAt<laneCount>(samples);
     const Samples upperHalf = lanesAt<laneCount>(samples + laneCount);
 
-    Samples zeros                                    = 0;
-    Samples upperZeros                               = 0;
-    where(lowerHalf == std::uint16_t{0}, zeros)      = lowerBits;
+    Samples zeros = 0;
+    Samples upperZeros = 0;
+    where(lowerHalf == std::uint16_t{0}, zeros) = lowerBits;
     where(upperHalf == std::uint16_t{0}, upperZeros) = upperBits;
     return std::experimental::reduce(zeros | upperZeros, std::bit_or<>());
   }
 
   void findZeros(std::size_t count) {
     constexpr std::uint64_t allZeros = ~std::uint64_t{0};
-    const std::size_t wholeWords     = count / wordSize;
+    const std::size_t wholeWords = count / wordSize;
 
     zeros_[0] = allZeros;  // before the first sample
     for (std::size_t word = 0; word < wholeWords; ++word) {
       const std::uint16_t* const start = samples_ + wordSize * word;
-      zeros_[word + 1]                 = zerosOfSixteen(start) | zerosOfSixteen(start + 16) << 16 |
+      zeros_[word + 1] = zerosOfSixteen(start) | zerosOfSixteen(start + 16) << 16 |
                          zerosOfSixteen(start + 32) << 32 | zerosOfSixteen(start + 48) << 48;
     }
     std::uint64_t rest = allZeros;
@@ -119,7 +119,7 @@ class SampleRuns {
 
   /// The bits of the 64 samples before the position, the first sample's lowest.
   std::uint64_t zerosBefore(std::int64_t position) const {
-    const auto word  = static_cast<std::size_t>(position / wordSize);
+    const auto word = static_cast<std::size_t>(position / wordSize);
     const auto shift = static_cast<unsigned>(position % wordSize);
     return zeros_[word] >> shift | zeros_[word + 1] << 1 << (wordSize - 1 - shift);
   }

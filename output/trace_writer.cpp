@@ -42,7 +42,7 @@ void TraceWriter::writeTrace(Tessaly::String& name, const std::int16_t* const ch
                              std::int32_t count) {
   // The cast keeps the four bytes of the count, whatever its sign.
   Tessaly::putBigEndian32(header + ScfLayout::headerSampleCount, static_cast<std::uint32_t>(count));
-  const std::size_t pointCount        = static_cast<std::size_t>(std::max(count, 0));
+  const std::size_t pointCount = static_cast<std::size_t>(std::max(count, 0));
   const std::unique_ptr<char[]> block = interleave(channels, pointCount);
 
   name.append(".scf");

@@ -15,9 +15,9 @@ namespace Quillet {
 /// more than once the last occurrence counts.
 struct AbifDirectory {
   struct Item {
-    std::uint32_t count  = 0;
+    std::uint32_t count = 0;
     std::uint32_t offset = 0;
-    bool found           = false;
+    bool found = false;
   };
 
   Tessaly::String baseOrder;  // letter i names the channel that "DATA" 9 + i holds
@@ -45,8 +45,8 @@ class DirectoryWalk {
       : file_(file), baseOffset_(baseOffset), directory_(directory) {}
 
   bool readAll() {
-    std::uint16_t entrySize       = 0;
-    std::uint32_t entryCount      = 0;
+    std::uint16_t entrySize = 0;
+    std::uint32_t entryCount = 0;
     std::uint32_t directoryOffset = 0;
     if (!file_.readUInt16At(signedOffset(baseOffset_ + headerEntrySize), entrySize) ||
         !file_.readUInt32At(signedOffset(baseOffset_ + headerEntryCount), entryCount) ||
@@ -170,8 +170,8 @@ bool TraceFile::isBacked(const AbifDirectory& directory) const {
 
   // A move to a negative offset leaves the reader behind what it read last.
   const std::uint32_t baseCount = directory.bases.count;
-  std::int64_t standing         = signedOffset(directory.channels[3].offset) + channelSize;
-  const auto isRunBacked        = [&](const AbifDirectory::Item& item, std::int64_t byteCount) {
+  std::int64_t standing = signedOffset(directory.channels[3].offset) + channelSize;
+  const auto isRunBacked = [&](const AbifDirectory::Item& item, std::int64_t byteCount) {
     const std::int64_t offset = signedOffset(item.offset);
     if (offset >= 0) standing = offset;
     const std::int64_t start = standing;
@@ -198,9 +198,9 @@ bool TraceFile::readAbifChannels(const AbifDirectory& directory) {
 }
 
 void TraceFile::readAbifCalls(const AbifDirectory& directory) {
-  baseCount_        = directory.bases.count;
-  bases_            = std::make_unique_for_overwrite<char[]>(baseCount_);
-  qualities_        = std::make_unique_for_overwrite<char[]>(baseCount_);
+  baseCount_ = directory.bases.count;
+  bases_ = std::make_unique_for_overwrite<char[]>(baseCount_);
+  qualities_ = std::make_unique_for_overwrite<char[]>(baseCount_);
   const auto stored = std::make_unique_for_overwrite<std::uint16_t[]>(baseCount_);
 
   // Deliberate: a move that fails is no failure, reading goes on from where the reader stands.
@@ -214,7 +214,7 @@ void TraceFile::readAbifCalls(const AbifDirectory& directory) {
   if (directory.callerName.count > 1) {
     // Texts count in signed 32 bits. One that is longer than the file ends with the file.
     constexpr std::uint32_t longest = std::numeric_limits<std::int32_t>::max();
-    const std::uint32_t length      = std::min(directory.callerName.count - 1, longest);
+    const std::uint32_t length = std::min(directory.callerName.count - 1, longest);
     seek(signedOffset(directory.callerName.offset + 1));  // past the length byte
     readText(callerName_, static_cast<std::int32_t>(length));
   }

@@ -36,9 +36,9 @@ void FileReader::setBufferSize(std::int32_t blockSize) {
   bufferSize_ = 0;
   windowOffset_ += windowBytes_;  // here the stream stands
   windowBytes_ = 0;
-  blockStart_  = nullptr;
+  blockStart_ = nullptr;
   cursor_ = end_ = 0;
-  atEnd_         = false;
+  atEnd_ = false;
 }
 
 bool FileReader::open(const String& path) { return open(path.text()); }
@@ -104,7 +104,7 @@ std::int64_t FileReader::unreadInWindow() const {
 /// Moves past `count` of the bytes that unreadInWindow() counts. The block of the last of them is
 /// in view afterwards, as if one block had been shown after the other.
 void FileReader::pass(std::int64_t count) {
-  const std::int64_t taken   = cursor_ + count;
+  const std::int64_t taken = cursor_ + count;
   const std::int64_t refills = (taken - 1) / blockSize_;
   if (refills > 0) {
     enterBlock(nextOffset_ + (refills - 1) * blockSize_, blockSize_);
@@ -132,8 +132,8 @@ bool FileReader::loadWindow(std::int64_t offset) {
   const std::int64_t blockBytes = std::min<std::int64_t>(blockSize_, fileSize_ - offset);
   if (isDamaged_) return readWindow(offset, blockBytes);
 
-  const bool whole          = fileSize_ <= wholeFileLimit;
-  const std::int64_t start  = whole ? 0 : offset / windowStep * windowStep;
+  const bool whole = fileSize_ <= wholeFileLimit;
+  const std::int64_t start = whole ? 0 : offset / windowStep * windowStep;
   const std::int64_t wanted = whole ? fileSize_  // else: room for a block that starts in the window
                                     : std::min(windowStep + blockSize_, fileSize_ - start);
   if (!readWindow(start, wanted)) return false;
@@ -158,12 +158,12 @@ bool FileReader::readWindow(std::int64_t start, std::int64_t wanted) {
     return false;
   }
   if (room) {
-    buffer_     = std::move(room);
+    buffer_ = std::move(room);
     bufferSize_ = wanted;
   }
   read(buffer_.get(), wanted);
   windowOffset_ = start;
-  windowBytes_  = gcount();
+  windowBytes_ = gcount();
   if (bad()) {
     isDamaged_ = true;
   } else if (windowBytes_ < wanted) {
@@ -175,10 +175,10 @@ bool FileReader::readWindow(std::int64_t start, std::int64_t wanted) {
 
 void FileReader::enterBlock(std::int64_t offset, std::int32_t byteCount) {
   blockStart_ = byteCount > 0 ? buffer_.get() + (offset - windowOffset_) : nullptr;
-  cursor_     = 0;
-  end_        = byteCount;
+  cursor_ = 0;
+  end_ = byteCount;
   blockBytes_ = byteCount;
-  atEnd_      = byteCount < blockSize_ || blockSize_ == 0;
+  atEnd_ = byteCount < blockSize_ || blockSize_ == 0;
   nextOffset_ = offset + byteCount;
 }
 

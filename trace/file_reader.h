@@ -32,7 +32,7 @@ class FileReader : public std::ifstream {
   FileReader();
   /// A negative block size is taken as 0.
   explicit FileReader(std::int32_t blockSize);
-  FileReader(const FileReader&)            = delete;
+  FileReader(const FileReader&) = delete;
   FileReader& operator=(const FileReader&) = delete;
 
   /// Takes effect with the next block that is read; bytes of the present block are given up.
@@ -144,18 +144,18 @@ class FileReader : public std::ifstream {
                                     // can put it behind `end_`
   std::int32_t end_ = 0;            // one past the last valid byte of the block
   std::int32_t blockSize_;          // bytes
-  std::int32_t block_      = 0;     // number of the block in view, but see seek()
+  std::int32_t block_ = 0;          // number of the block in view, but see seek()
   std::int32_t blockBytes_ = 0;     // bytes that the last block delivered
-  std::int32_t lineCount_  = 0;
-  bool atEnd_              = false;  // the last block was short: there is no further refill
+  std::int32_t lineCount_ = 0;
+  bool atEnd_ = false;  // the last block was short: there is no further refill
 
-  const char* blockStart_    = nullptr;  // first byte of the block in view
-  std::int64_t nextOffset_   = 0;        // file offset at which the next refill reads
-  std::int64_t fileSize_     = 0;        // bytes that reading may count on
-  std::int64_t windowOffset_ = 0;        // file offset of the window's first byte
-  std::int64_t windowBytes_  = 0;        // valid bytes in the window
-  std::int64_t bufferSize_   = 0;        // bytes that the window has room for
-  bool isDamaged_            = false;    // reading this file has failed: windows are single blocks
+  const char* blockStart_ = nullptr;  // first byte of the block in view
+  std::int64_t nextOffset_ = 0;       // file offset at which the next refill reads
+  std::int64_t fileSize_ = 0;         // bytes that reading may count on
+  std::int64_t windowOffset_ = 0;     // file offset of the window's first byte
+  std::int64_t windowBytes_ = 0;      // valid bytes in the window
+  std::int64_t bufferSize_ = 0;       // bytes that the window has room for
+  bool isDamaged_ = false;            // reading this file has failed: windows are single blocks
 };
 
 }  // namespace Tessaly

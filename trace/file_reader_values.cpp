@@ -65,7 +65,7 @@ bool FileReader::takeValue(Value& value) {
 template <typename Value>
 std::int32_t FileReader::takeArray(Value* destination, std::int32_t count) {
   constexpr std::int32_t size = sizeof(Value);
-  std::int32_t taken          = 0;
+  std::int32_t taken = 0;
   while (taken < count) {
     const auto run = static_cast<std::int32_t>(  // fits: at most the count
         std::min<std::int64_t>(unreadInWindow() / size, count - taken));

@@ -13,13 +13,13 @@ using namespace ScfLayout;
 
 /// The header fields that are used; what the file does not hold is zero.
 struct ScfHeader {
-  std::uint32_t sampleCount   = 0;
-  std::uint32_t baseCount     = 0;
-  std::int32_t samplesOffset  = 0;  // bytes from the start of the file; negative from 2^31 on
-  std::int32_t basesOffset    = 0;
+  std::uint32_t sampleCount = 0;
+  std::uint32_t baseCount = 0;
+  std::int32_t samplesOffset = 0;  // bytes from the start of the file; negative from 2^31 on
+  std::int32_t basesOffset = 0;
   std::int32_t commentsOffset = 0;
-  std::int32_t sampleSize     = 2;     // bytes, 1 or 2
-  bool interleaved            = true;  // version 2 layout: point by point, base by base
+  std::int32_t sampleSize = 2;  // bytes, 1 or 2
+  bool interleaved = true;      // version 2 layout: point by point, base by base
 };
 
 namespace {
@@ -56,12 +56,12 @@ ScfHeader readHeader(Tessaly::FileReader& file) {
   };
   const auto offset = [&](std::int32_t at) { return static_cast<std::int32_t>(number(at)); };
   ScfHeader header;
-  header.sampleCount    = number(headerSampleCount);
-  header.baseCount      = number(headerBaseCount);
-  header.samplesOffset  = offset(headerSamplesOffset);
-  header.basesOffset    = offset(headerBasesOffset);
+  header.sampleCount = number(headerSampleCount);
+  header.baseCount = number(headerBaseCount);
+  header.samplesOffset = offset(headerSamplesOffset);
+  header.basesOffset = offset(headerBasesOffset);
   header.commentsOffset = offset(headerCommentsOffset);
-  header.sampleSize     = number(headerSampleSize) == 1 ? 1 : 2;
+  header.sampleSize = number(headerSampleSize) == 1 ? 1 : 2;
   // Deliberate: the version's first character counts as signed, so one of 128 and above is old, as
   // is one that the file does not hold.
   header.interleaved = static_cast<signed char>(bytes[headerVersion]) <= '2';
@@ -73,13 +73,13 @@ class SampleSum {
  public:
   // Both sums wrap modulo 2^16. The low bytes are those of sums modulo 2^8.
   std::uint16_t next(std::uint16_t stored) {
-    slope_  = static_cast<std::uint16_t>(slope_ + stored);
+    slope_ = static_cast<std::uint16_t>(slope_ + stored);
     sample_ = static_cast<std::uint16_t>(sample_ + slope_);
     return sample_;
   }
 
  private:
-  std::uint16_t slope_  = 0;
+  std::uint16_t slope_ = 0;
   std::uint16_t sample_ = 0;
 };
 
@@ -91,12 +91,12 @@ bool TraceFile::readScf() {
   if (!isBacked(header)) return false;
 
   pointCount_ = header.sampleCount;
-  baseCount_  = header.baseCount;
+  baseCount_ = header.baseCount;
   for (auto& channel : channels_)
     channel = std::make_unique_for_overwrite<std::uint16_t[]>(pointCount_);
-  bases_     = std::make_unique_for_overwrite<char[]>(baseCount_);
+  bases_ = std::make_unique_for_overwrite<char[]>(baseCount_);
   qualities_ = std::make_unique_for_overwrite<char[]>(baseCount_);
-  peaks_     = std::make_unique_for_overwrite<std::uint32_t[]>(std::size_t{baseCount_} + 1);
+  peaks_ = std::make_unique_for_overwrite<std::uint32_t[]>(std::size_t{baseCount_} + 1);
 
   // Moves that fail are no failure: reading goes on from where the reader stands.
   seek(header.samplesOffset);
@@ -130,9 +130,9 @@ bool TraceFile::isBacked(const ScfHeader& header) const {
 
 void TraceFile::readScfSamples2(std::int32_t sampleSize) {
   unsigned char chunk[chunkSize];
-  const std::int32_t recordSize    = 4 * sampleSize;
+  const std::int32_t recordSize = 4 * sampleSize;
   const std::uint32_t chunkRecords = static_cast<std::uint32_t>(chunkSize / recordSize);
-  std::uint32_t count              = 0;
+  std::uint32_t count = 0;
   for (std::uint32_t first = 0; first < pointCount_; first += count) {
     count = std::min(chunkRecords, pointCount_ - first);
     const std::int32_t held =
@@ -152,7 +152,7 @@ void TraceFile::readScfSamples2(std::int32_t sampleSize) {
 void TraceFile::readScfBases2() {
   unsigned char chunk[chunkSize];
   constexpr std::uint32_t chunkRecords = chunkSize / baseRecordSize;
-  std::uint32_t count                  = 0;
+  std::uint32_t count = 0;
   for (std::uint32_t first = 0; first < baseCount_; first += count) {
     count = std::min(chunkRecords, baseCount_ - first);
     const std::int32_t held =
@@ -160,13 +160,13 @@ void TraceFile::readScfBases2() {
     if (held % baseRecordSize < baseRecordProbabilities) dropPart(chunk, held, baseRecordSize);
     for (std::uint32_t i = 0; i < count; ++i) {
       const unsigned char* record = chunk + std::size_t{i} * baseRecordSize;
-      const char letter           = static_cast<char>(record[baseRecordBase]);
-      const int channel           = channelOf(letter);
-      peaks_[first + i]           = Tessaly::bigEndian32(record + baseRecordPeak);
-      bases_[first + i]           = letter;
-      qualities_[first + i]       = channel == noChannel
-                                        ? '\0'
-                                        : static_cast<char>(record[baseRecordProbabilities + channel]);
+      const char letter = static_cast<char>(record[baseRecordBase]);
+      const int channel = channelOf(letter);
+      peaks_[first + i] = Tessaly::bigEndian32(record + baseRecordPeak);
+      bases_[first + i] = letter;
+      qualities_[first + i] = channel == noChannel
+                                  ? '\0'
+                                  : static_cast<char>(record[baseRecordProbabilities + channel]);
     }
   }
 }
@@ -193,7 +193,7 @@ void TraceFile::readScfSamples3(std::int32_t sampleSize) {
 void TraceFile::readScfBases3() {
   // One run of the A probabilities, then those of C, of G and of T. What is left of a peak that the
   // file cuts lands among them, but then no letter calls for it.
-  const std::size_t count  = baseCount_;
+  const std::size_t count = baseCount_;
   const auto probabilities = std::make_unique_for_overwrite<char[]>(4 * count);
   fill(peaks_.get(), count);
   fill(probabilities.get(), 4 * count);
@@ -209,7 +209,7 @@ void TraceFile::readScfBases3() {
 // none is kept: what follows the comments may be one endless line.
 void TraceFile::readScfComments() {
   constexpr std::string_view label = "BCAL=";
-  std::size_t matched              = 0;  // characters at the start of the line
+  std::size_t matched = 0;  // characters at the start of the line
   for (std::int8_t character = 0; readInt8(character);) {
     if (character == label[matched]) {
       if (++matched < label.size()) continue;

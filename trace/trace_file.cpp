@@ -20,7 +20,7 @@ constexpr signed char largestPlaceholderQuality = 9;
 template <typename Value, typename Read>
 void readThenZero(Value* destination, std::size_t count, Read read) {
   constexpr std::size_t largestRead = std::size_t{1} << 30;
-  std::size_t held                  = 0;
+  std::size_t held = 0;
   while (held < count) {
     const std::size_t wanted = std::min(count - held, largestRead);
     const auto got =

@@ -23,9 +23,9 @@ void remove(const Tessaly::String& name) { runInShell(Tessaly::String("rm ") + n
 }  // namespace
 
 bool TraceFile::open(Tessaly::String& name) {
-  status_              = 0;
+  status_ = 0;
   Tessaly::String path = directory_ + name;
-  bool compressed      = name.endsWith(".gz");
+  bool compressed = name.endsWith(".gz");
   if (compressed) {
     name.removeLast(3);  // found or not, shows in what comes out of it
   } else if (!FileReader::open(path) && !exists(path)) {
@@ -40,7 +40,7 @@ bool TraceFile::open(Tessaly::String& name) {
   // A file that does not open has no known first bytes.
   if (compressed) {
     const Tessaly::String packed = path;
-    path                         = tempName();
+    path = tempName();
     unpack(packed, path);
     FileReader::open(path);
   }

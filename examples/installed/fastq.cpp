@@ -15,7 +15,7 @@ namespace {
 std::string qualityLetters(const Tessaly::String& qualities, std::int32_t baseCount) {
   std::string letters(static_cast<std::size_t>(baseCount), '!');
   for (std::int32_t i = 0; i < std::min(baseCount, qualities.length()); ++i) {
-    const int quality                    = static_cast<unsigned char>(qualities.text()[i]);
+    const int quality = static_cast<unsigned char>(qualities.text()[i]);
     letters[static_cast<std::size_t>(i)] = static_cast<char>('!' + std::min(quality, 93));
   }
   return letters;

@@ -24,8 +24,8 @@ struct Report {
 };
 
 Report mainWhenRunEndsIn(Outcome wanted) {
-  outcome      = wanted;
-  char name[]  = "quillet";
+  outcome = wanted;
+  char name[] = "quillet";
   char* argv[] = {name, nullptr};
   const CapturedStderr captured;
   const int status = quilletMain(1, argv);

@@ -11,7 +11,7 @@ namespace {
 using Tessaly::ParseError;
 
 TEST(ParseError, TheTextNamesWhatIsKnownAboutThePlace) {
-  constexpr std::int32_t lastLine  = std::numeric_limits<std::int32_t>::max();
+  constexpr std::int32_t lastLine = std::numeric_limits<std::int32_t>::max();
   constexpr std::int32_t firstLine = std::numeric_limits<std::int32_t>::min();
   const struct {
     const char* fileName;

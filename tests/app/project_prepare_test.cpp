@@ -48,7 +48,7 @@ class ProjectPrepare : public ::testing::Test {
     const EnvironmentVariable pwd("PWD", place.c_str());
     const CapturedStderr captured;
     project_ = std::make_unique<Project>(settings_);
-    thrown_  = 0;
+    thrown_ = 0;
     try {
       project_->prepare();
     } catch (int number) {
@@ -178,7 +178,7 @@ TEST_F(ProjectPrepare, RelativeDirectoriesLieUnderTheRootAndAbsoluteOnesAnywhere
   folder_.makeFolder("elsewhere/phd");
   folder_.makeFolder("p/in/traces");
   settings_.chromatDir = "in/traces/";
-  settings_.phdDir     = at("elsewhere/phd/");
+  settings_.phdDir = at("elsewhere/phd/");
 
   prepareIn(at("p"));
 

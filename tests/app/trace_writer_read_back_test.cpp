@@ -27,7 +27,7 @@ TEST(TraceWriter, WhatItWritesIsReadBackWithTheBytesOfEachSampleExchanged) {
       {1, 2, 3}, {0x0102, 0x7FFF, 0}, {-1, -2, 256}, {0x1234, 5, 0x0500}};
   const std::int16_t* const channels[4] = {written[0].data(), written[1].data(), written[2].data(),
                                            written[3].data()};
-  Tessaly::String name                  = folder.at("trace");
+  Tessaly::String name = folder.at("trace");
   Quillet::TraceWriter().writeTrace(name, channels, 3);
 
   Quillet::TraceFile trace;

@@ -30,7 +30,7 @@ std::vector<int> spike(std::size_t count, std::size_t position, int height) {
 /// 60 bases A with qualities 33, 20, 20... but for a 100 that the quality gate stops.
 std::string stoppedTrace() {
   std::vector<int> qualities(60, 20);
-  qualities[0]  = 33;
+  qualities[0] = 33;
   qualities[50] = 100;
   return trace(std::string(60, 'A'), qualities);
 }
@@ -43,7 +43,7 @@ std::string stoppedTrace() {
 TEST(CarriedCalls, ATraceWithoutBaseCallsTakesOverBasesQualitiesAndPeaks) {
   const ProjectFolder project;
   std::vector<int> thymine = spike(20, 6, 51);
-  thymine[10]              = 255;
+  thymine[10] = 255;
   project.addTrace("a.ab1", AbifBuilder()
                                 .bases("ACG")
                                 .qualities({20, 30, 40})

@@ -245,7 +245,7 @@ TEST(BatchNames, TheListFileIsSoughtInTheWorkingDirectoryAndNotInTheProject) {
   project.write("elsewhere/names", "a.ab1\n");
 
   const ProgramResult result =
-      runQuillet({.folder    = project.at("elsewhere").text(),
+      runQuillet({.folder = project.at("elsewhere").text(),
                   .arguments = {"-d", project.path().string(), "-l", "names"}});
 
   EXPECT_EQ(result.err, banner() + meterLines({0, 100}));
@@ -343,7 +343,7 @@ TEST(BatchNames, TheChromatDirectoryIsTakenInAscendingByteOrder) {
   const ProgramResult result = project.run();
 
   std::string expected = banner() + meterLines({0});
-  int percentage       = 0;
+  int percentage = 0;
   for (const char* name : {"10", "9", "B", "_", "a", "a-1", "a.1", "b", "~", "\xe9"}) {
     expected += meterLines({percentage += 10}) + project.invalidTrace(name);
   }

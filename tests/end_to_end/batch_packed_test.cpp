@@ -50,8 +50,8 @@ std::string withoutEnd(std::string bytes, std::size_t count) {
 /// The trace packed, with another checksum: four bytes before the length, which is four bytes too.
 std::string withWrongChecksum() {
   std::string bytes = gzipped(anyTrace());
-  char& byte        = bytes[bytes.size() - 8];
-  byte              = static_cast<char>(byte ^ 1);
+  char& byte = bytes[bytes.size() - 8];
+  byte = static_cast<char>(byte ^ 1);
   return bytes;
 }
 
@@ -224,11 +224,11 @@ TEST(PackedTraces, AreUnpackedIntoAFileOfTheWorkingDirectoryThatIsNamedByTheMome
   const ProjectFolder project;
   project.addGzipped("x.ab1.gz", anyTrace());
   project.makeFolder("elsewhere");
-  const auto environment   = project.withGunzip("ls > ../seen\nexec gzip -d \"$@\"\n");
+  const auto environment = project.withGunzip("ls > ../seen\nexec gzip -d \"$@\"\n");
   const std::time_t before = std::time(nullptr);
 
-  const ProgramResult result = runQuillet({.folder      = project.at("elsewhere").text(),
-                                           .arguments   = {"-d", project.path().string()},
+  const ProgramResult result = runQuillet({.folder = project.at("elsewhere").text(),
+                                           .arguments = {"-d", project.path().string()},
                                            .environment = environment});
 
   EXPECT_EQ(result.err, banner() + meterLines({0, 100}));
@@ -244,7 +244,7 @@ TEST(PackedTraces, AreGivenToTheGunzipOfTheSearchPathWithTheWholePath) {
   const ProjectFolder project;
   project.addTrace("x.ab1.gz", "anything");
 
-  runQuillet({.folder      = project.path().string(),
+  runQuillet({.folder = project.path().string(),
               .environment = project.withGunzip("echo \"$@\" > edit_dir/seen\n")});
 
   EXPECT_EQ(project.read("edit_dir/seen"),

@@ -305,7 +305,7 @@ TEST(QualityGate, ExemptsBasesNOfEitherCase) {
   std::map<int, char> allLowerN;
   std::map<int, char> allBut59;
   for (int i = 40; i <= 59; ++i) {
-    allN[i]      = 'N';
+    allN[i] = 'N';
     allLowerN[i] = 'n';
     if (i != 59) allBut59[i] = 'N';
   }

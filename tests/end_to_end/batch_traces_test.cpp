@@ -211,7 +211,7 @@ TEST(BatchTraces, CutAnywhereBeforeTheLastFieldOfTheDirectoryAreReportedAndSkipp
   ASSERT_EQ(whole.size(), 602u);
   std::vector<std::string> names;
   std::string expected = banner() + meterLines({0});
-  int shown            = 0;
+  int shown = 0;
   for (int size = 0; size <= 602; ++size) {
     const std::string name = "cut-to-" + std::to_string(size);
     project.addTrace(name, AbifBuilder().truncatedTo(static_cast<std::size_t>(size)).build());

@@ -32,8 +32,8 @@ class Directories : public ::testing::Test {
   }
 
   ProgramRun runIn(const std::string& name, std::vector<std::string> arguments = {}) const {
-    return {.folder      = at(name),
-            .arguments   = std::move(arguments),
+    return {.folder = at(name),
+            .arguments = std::move(arguments),
             .environment = {{"HOME", folder_.path().string()}}};
   }
 
@@ -154,29 +154,29 @@ TEST_F(Directories, TheDataDirectoryIsReportedAsItWasResolved) {
 
 TEST_F(Directories, PwdIsBelievedEvenWhenItIsWrong) {
   folder_.makeFolder("elsewhere");
-  ProgramRun run         = runIn("elsewhere");
+  ProgramRun run = runIn("elsewhere");
   run.environment["PWD"] = at("p");
   expectBatch(run);
 
-  run                    = runIn("p");
+  run = runIn("p");
   run.environment["PWD"] = at("nowhere");
   expectReport(run, "no such file or directory: " + at("nowhere/"));
 
-  run                    = runIn(".");
+  run = runIn(".");
   run.environment["PWD"] = "p";  // relative to where the process stands
   expectBatch(run);
 }
 
 TEST_F(Directories, WithoutPwdTheSystemSaysWhereTheProgramStands) {
   ProgramRun run = runIn("p/edit_dir");
-  run.unset      = {"PWD"};
+  run.unset = {"PWD"};
   expectBatch(run);
 
-  run                    = runIn("p");
+  run = runIn("p");
   run.environment["PWD"] = "";
   expectBatch(run);
 
-  run       = runIn("p/phd_dir");
+  run = runIn("p/phd_dir");
   run.unset = {"PWD"};
   expectReport(run, "no such file or directory: " + at("p/phd_dir/chromat_dir/"));
 }
@@ -187,7 +187,7 @@ TEST_F(Directories, AWorkingDirectoryThatIsGoneBecomesTheRootDirectoryAfterAWarn
   const std::string script =
       "rmdir ../gone; unset PWD; exec '" + std::string(QUILLET_PROGRAM) + "'";
   ProgramRun run = runIn("gone");
-  run.arguments  = {"-c", script};
+  run.arguments = {"-c", script};
 
   const ProgramResult result = runProgram("sh", run);
 

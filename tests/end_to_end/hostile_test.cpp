@@ -19,11 +19,11 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-constexpr std::size_t hostileSize         = std::size_t{2} << 20;  // bytes
-constexpr std::uint32_t mostUnbacked      = 4'194'304;  // samples or bases that a file may invent
-constexpr std::uint32_t one               = 1;
-constexpr std::uint32_t all32Bits         = 0xFFFFFFFF;
-constexpr std::uint32_t moreThanIsBacked  = mostUnbacked + one;
+constexpr std::size_t hostileSize = std::size_t{2} << 20;  // bytes
+constexpr std::uint32_t mostUnbacked = 4'194'304;  // samples or bases that a file may invent
+constexpr std::uint32_t one = 1;
+constexpr std::uint32_t all32Bits = 0xFFFFFFFF;
+constexpr std::uint32_t moreThanIsBacked = mostUnbacked + one;
 constexpr std::uint32_t channelNumbers[4] = {9, 10, 11, 12};
 
 std::string filled(std::string bytes, const std::string& pattern, std::size_t size = hostileSize) {
@@ -77,7 +77,7 @@ std::vector<Hostile> hostiles() {
   // Peak positions are pairs of bytes: twice 257, twice 25443, and so on. Half of the search ranges
   // between them are 12593 samples long: walked sample by sample, they would take most of the time.
   const std::string farApart = "\1\1\1\1cccc";
-  const std::string mixed    = "ACGTTGCATTACGGCA";
+  const std::string mixed = "ACGTTGCATTACGGCA";
   return {
       {"abif_far_apart", claimingAbif(mostUnbacked, farApart), true},
       {"abif_mixed", claimingAbif(mostUnbacked, mixed), true},
@@ -104,7 +104,7 @@ std::string goodTrace() { return believableTrace(7, 300).abif().build(); }
 ProgramResult runWithin(const ProjectFolder& project, int kibibytes, int seconds) {
   const std::string memory =
       underAddressSanitizer ? "" : "ulimit -v " + std::to_string(kibibytes) + " && ";
-  return runProgram("sh", {.folder    = project.path().string(),
+  return runProgram("sh", {.folder = project.path().string(),
                            .arguments = {"-c", memory + "ulimit -t " + std::to_string(seconds) +
                                                    " && exec '" QUILLET_PROGRAM "'"}});
 }
@@ -157,7 +157,7 @@ TEST(Hostile, FilesOf2MebibytesCostAMessageAtMostAndNeither256MebibytesNorMinute
   std::string errors = result.err;
   for (const std::string& name : refused) {
     const std::string message = project.invalidTrace(name);
-    const std::size_t found   = errors.find(message);
+    const std::size_t found = errors.find(message);
     ASSERT_NE(found, std::string::npos) << name;
     errors.erase(found, message.size());
   }

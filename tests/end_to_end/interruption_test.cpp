@@ -56,9 +56,9 @@ class StartedRun {
     for (std::string& text : texts) argv.push_back(text.data());
     argv.push_back(nullptr);
     const std::string folder = project.path().string();
-    std::string pwd          = "PWD=" + folder;
-    std::string path         = "PATH=" + folder + "/bin:/usr/bin:/bin";
-    char* envp[]             = {pwd.data(), path.data(), nullptr};
+    std::string pwd = "PWD=" + folder;
+    std::string path = "PATH=" + folder + "/bin:/usr/bin:/bin";
+    char* envp[] = {pwd.data(), path.data(), nullptr};
 
     child_ = fork();
     if (child_ < 0) throw std::runtime_error("can not fork");
@@ -73,7 +73,7 @@ class StartedRun {
   ~StartedRun() {
     if (child_ > 0) stop(SIGKILL);
   }
-  StartedRun(const StartedRun&)            = delete;
+  StartedRun(const StartedRun&) = delete;
   StartedRun& operator=(const StartedRun&) = delete;
 
   /// Sends the signal and waits for the end; tells whether it was the signal that ended the run.
@@ -219,7 +219,7 @@ class SmallDisk {
   ~SmallDisk() {
     if (mounted_) umount2(place_.c_str(), MNT_DETACH);
   }
-  SmallDisk(const SmallDisk&)            = delete;
+  SmallDisk(const SmallDisk&) = delete;
   SmallDisk& operator=(const SmallDisk&) = delete;
 
   bool isThere() const { return mounted_; }

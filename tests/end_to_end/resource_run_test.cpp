@@ -19,11 +19,11 @@ class ResourceRun : public ::testing::Test {
 
   std::string at(const std::string& name) const { return folder_.at(name).text(); }
 
-  ProgramResult run(std::vector<std::string> arguments         = {},
+  ProgramResult run(std::vector<std::string> arguments = {},
                     std::map<std::string, std::string> changes = {}) const {
     changes.insert({{"HOME", at("home")}, {"TESSALY_PATH", at("etc/")}});
-    return runQuillet({.folder      = folder_.path().string(),
-                       .arguments   = std::move(arguments),
+    return runQuillet({.folder = folder_.path().string(),
+                       .arguments = std::move(arguments),
                        .environment = std::move(changes)});
   }
 
@@ -158,7 +158,7 @@ TEST_F(ResourceRun, TheCommandLineOverridesItsFlags) {
   folder_.write("names", "");
   folder_.write(".quilletrc", "flag -d nowhere\nflag -l missing.txt\n");
 
-  const ProgramResult alone      = run();
+  const ProgramResult alone = run();
   const ProgramResult overridden = run({"-d", ".", "-l", "names"});
 
   EXPECT_EQ(alone.err, reading(".quilletrc") + "ERROR: no such file or directory: " +
@@ -213,9 +213,9 @@ TEST_F(ResourceRun, TessalyPathIsAPrefixWithoutASlashOfItsOwn) {
 TEST_F(ResourceRun, WithoutHomeTheBareNameIsTried) {
   folder_.write("started_here/.quilletrc", "wrong\n");
 
-  const ProgramResult result = runQuillet({.folder      = at("started_here"),
+  const ProgramResult result = runQuillet({.folder = at("started_here"),
                                            .environment = {{"PWD", folder_.path().string()}},
-                                           .unset       = {"HOME"}});
+                                           .unset = {"HOME"}});
 
   EXPECT_EQ(result.err, banner() + "Reading file .quilletrc\n" +
                             "ERROR: in .quilletrcline 1: invalid option: wrong\n" + terminating);

@@ -178,7 +178,7 @@ TEST(Start, EveryPhdFileOfARunCarriesTheSameTimeHoweverLongTheBatchTakes) {
   folder.addTrace("a.ab1", anyTrace());
   folder.addGzipped("b.ab1.gz", anyTrace());
   folder.addTrace("c.ab1", anyTrace());
-  const auto environment   = folder.withGunzip("sleep 1.1\nexec gzip -d \"$@\"\n");
+  const auto environment = folder.withGunzip("sleep 1.1\nexec gzip -d \"$@\"\n");
   const std::time_t before = std::time(nullptr);
 
   const ProgramResult result =
@@ -203,7 +203,7 @@ struct Pipe {
       if (end >= 0) close(end);
     }
   }
-  Pipe(const Pipe&)            = delete;
+  Pipe(const Pipe&) = delete;
   Pipe& operator=(const Pipe&) = delete;
 
   /// Everything until the writers are gone; gives up after 20 quiet seconds.
@@ -237,13 +237,13 @@ ProgramResult runUntilSignal(const ProjectFolder& folder, int number) {
   Pipe out;
   Pipe err;
   const std::string path = folder.path().string();
-  std::string pwd        = "PWD=" + path;
-  std::string home       = "HOME=" + path;
-  std::string program    = QUILLET_PROGRAM;
-  std::string flag       = "-l";
-  std::string standard   = "-";
-  char* argv[]           = {program.data(), flag.data(), standard.data(), nullptr};
-  char* envp[]           = {pwd.data(), home.data(), nullptr};
+  std::string pwd = "PWD=" + path;
+  std::string home = "HOME=" + path;
+  std::string program = QUILLET_PROGRAM;
+  std::string flag = "-l";
+  std::string standard = "-";
+  char* argv[] = {program.data(), flag.data(), standard.data(), nullptr};
+  char* envp[] = {pwd.data(), home.data(), nullptr};
 
   const pid_t child = fork();
   if (child < 0) throw std::runtime_error("can not fork");

@@ -17,7 +17,7 @@ using Tessaly::Clock;
 using Tessaly::String;
 
 // Seconds since 1970-01-01 00:00:00 UTC.
-constexpr std::time_t autumnNoon  = 1794744280;        // 2026-11-15 12:04:40, a Sunday
+constexpr std::time_t autumnNoon = 1794744280;         // 2026-11-15 12:04:40, a Sunday
 constexpr std::time_t winterNight = 1044068709;        // 2003-02-01 03:05:09, a Saturday
 constexpr std::time_t lastMoment = 67768036191676799;  // 2147485547-12-31, 2^31 - 1 years past 1900
 constexpr std::time_t noSuchMoment = std::numeric_limits<std::time_t>::max();

@@ -9,7 +9,7 @@
 
 namespace {
 
-using Put            = char* (*)(char* text, std::int32_t value);
+using Put = char* (*)(char* text, std::int32_t value);
 constexpr Put puts[] = {Tessaly::putDecimal, Tessaly::putShortDecimal};
 
 std::string textOf(Put put, std::int32_t value) {
@@ -69,7 +69,7 @@ TEST(Decimal, EveryNumberOfUpToFiveDigitsIsRight) {
 TEST(Decimal, NumbersOfEveryLengthAreRight) {
   std::mt19937 random(1);
   for (int round = 0; round < 200000; ++round) {
-    const auto bits  = static_cast<std::uint32_t>(random());
+    const auto bits = static_cast<std::uint32_t>(random());
     const auto value = static_cast<std::int32_t>(bits >> (random() % 32));
     for (const Put put : puts) ASSERT_EQ(textOf(put, value), std::to_string(value));
   }

@@ -86,15 +86,15 @@ TEST(DirectoryCheck, APathBehindAClosedDirectoryIsDenied) {
   folder.makeFolder("closed/d");
   chmod(folder.at("closed").text(), 0);
   const String path = folder.at("closed/d");
-  bool ordinary     = false;
-  bool denied       = false;
+  bool ordinary = false;
+  bool denied = false;
   std::string text;
 
   {
     OrdinaryUser user;
     ordinary = user.isOrdinary();
-    denied   = checkThrows<Directory::PermissionDenied>(path, false, false);
-    text     = complaint(path, false, false);
+    denied = checkThrows<Directory::PermissionDenied>(path, false, false);
+    text = complaint(path, false, false);
   }
   chmod(folder.at("closed").text(), 0700);
 
@@ -150,7 +150,7 @@ TEST(DirectoryCheck, OnlyTheOwnersBitsCountWhoeverAsks) {
   folder.makeFolder("others");
   folder.makeFolder("owner");
   const String others = folder.at("others");
-  const String owner  = folder.at("owner");
+  const String owner = folder.at("owner");
   chmod(others.text(), 0077);
   chmod(owner.text(), 0700);
 

@@ -88,7 +88,7 @@ TEST(DirectoryRead, EveryKindOfEntryIsSortedByWhatOpeningItAsADirectoryGives) {
     OrdinaryUser user;
     ordinary = user.isOrdinary();
     const Directory directory(entries.c_str());
-    files          = directory.files();
+    files = directory.files();
     subdirectories = directory.subdirectories();
   }
   chmod(folder.at("entries/closed").text(), 0700);
@@ -116,13 +116,13 @@ TEST(DirectoryRead, WhatLiesInADirectoryThatMayNotBeSearchedIsLeftOut) {
   folder.makeFolder("d/z");
   chmod(folder.at("d").text(), 0444);
   bool ordinary = false;
-  bool opened   = false;
+  bool opened = false;
   Directory directory("nowhere");
 
   {
     OrdinaryUser user;
     ordinary = user.isOrdinary();
-    opened   = directory.read(folder.at("d").text(), false);
+    opened = directory.read(folder.at("d").text(), false);
   }
   chmod(folder.at("d").text(), 0700);
 
@@ -155,7 +155,7 @@ TEST(DirectoryRead, WithoutAFreeFileHandleEveryEntryIsLeftOut) {
   const int lowest = open("/dev/null", O_RDONLY);
   close(lowest);
 
-  rlimit one   = former;
+  rlimit one = former;
   one.rlim_cur = static_cast<rlim_t>(lowest) + 1;  // enough for the directory itself alone
   Directory directory("nowhere");
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &one), 0);

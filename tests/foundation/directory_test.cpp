@@ -85,7 +85,7 @@ TEST(DirectoryCurrent, WithPwdTheSystemIsNotAsked) {
   String path;
   {
     CapturedStderr captured;
-    path    = Directory::currentDirectory();
+    path = Directory::currentDirectory();
     warning = captured.text();
   }
 
@@ -140,7 +140,7 @@ TEST(DirectoryCurrent, AnUnknownWorkingDirectoryIsWarnedOfAndBecomesASlash) {
   String path;
   {
     CapturedStderr captured;
-    path    = Directory::currentDirectory();
+    path = Directory::currentDirectory();
     warning = captured.text();
   }
 

@@ -66,11 +66,11 @@ TEST(ProgressMeter, TwoHundredItemsRedrawAtEverySecondStep) {
 TEST(ProgressMeter, ShowsTheCeilingOfThePercentageWheneverItChanges) {
   for (int itemCount : {1, 2, 3, 7, 99, 100, 101, 150, 1000}) {
     std::string expected = "   0% done\n";
-    int shown            = 0;
+    int shown = 0;
     for (int step = 1; step <= itemCount; ++step) {
       const int percent = (100 * step + itemCount - 1) / itemCount;
       if (percent == shown) continue;
-      shown               = percent;
+      shown = percent;
       const std::string n = std::to_string(percent);
       expected += std::string(4 - n.size(), ' ') + n + "% done\n";
     }
@@ -220,9 +220,9 @@ TEST(ProgressMeter, EachDrawingIsOneWrite) {
     ProgressMeter meter(2, true);
     meter.start();
     meter.step("b.ab1");
-    first  = waitingBytes(ends[1]);
+    first = waitingBytes(ends[1]);
     second = waitingBytes(ends[1]);
-    third  = waitingBytes(ends[1]);
+    third = waitingBytes(ends[1]);
   }
   close(ends[0]);
   close(ends[1]);

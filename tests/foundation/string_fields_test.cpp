@@ -111,7 +111,7 @@ TEST(StringFields, TheSignOfANumberStandsAtTheRimOnRequest) {
 
 TEST(StringFields, ADoubleHasTheDecimalsOfItsPrecision) {
   const double infinity = std::numeric_limits<double>::infinity();
-  const double nan      = std::numeric_limits<double>::quiet_NaN();
+  const double nan = std::numeric_limits<double>::quiet_NaN();
   expectFields<NumberCase<double>>({{2.5, 6, "JR", "   2.5"},
                                     {2.5, 6, "JRP0", "   2.5"},
                                     {2.5, 6, "JRP3", " 2.500"},
@@ -149,7 +149,7 @@ TEST(StringFields, ANegativeWidthIsAParameterError) {
 
 TEST(StringFields, ANullTextOrFormatIsAParameterError) {
   const char* const parameterText = "ERROR: String parameter is invalid";
-  const char* const missing       = nullptr;
+  const char* const missing = nullptr;
   String text("old");
 
   EXPECT_EQ(thrownText([&] { text.setField(missing, 3, ""); }), parameterText);

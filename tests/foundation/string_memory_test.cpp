@@ -26,10 +26,10 @@ constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
   String text("abc");
 
   const std::string resizing = thrownText([&] { text.setCapacity(largest); });
-  const std::string making   = thrownText([] { String unusable(largest - 1); });
+  const std::string making = thrownText([] { String unusable(largest - 1); });
 
   const bool unchanged = text == "abc" && text.capacity() == 4;
-  const bool refused   = resizing == allocationText && making == allocationText;
+  const bool refused = resizing == allocationText && making == allocationText;
   std::exit(limited && refused && unchanged ? 0 : 1);
 }
 

@@ -182,7 +182,7 @@ TEST(StringNumbers, ExtremeDoublesKeepTheirDigits) {
 TEST(StringNumbers, DenormalDoublesEndAndKeepTheirMagnitude) {
   for (const double value :
        {1e-308, 9.99e-309, 1e-310, 1.5e-322, Limits::denorm_min(), -Limits::denorm_min()}) {
-    const String text  = String::textOf(value);
+    const String text = String::textOf(value);
     const double again = std::strtod(text.text(), nullptr);
 
     EXPECT_LT(std::abs(again / value - 1), 1e-14) << text;

@@ -8,8 +8,8 @@
 
 // The texts that a String throws.
 inline const char* const allocationText = "ERROR: String can not be allocated.";
-inline const char* const positionText   = "ERROR: String position is out of range";
-inline const char* const parameterText  = "ERROR: String parameter is invalid";
+inline const char* const positionText = "ERROR: String position is out of range";
+inline const char* const parameterText = "ERROR: String parameter is invalid";
 
 /// Expects text, length, capacity and final zero byte at once.
 inline void expectState(const Tessaly::String& actual, const std::string& text,

@@ -71,7 +71,7 @@ TEST(String, ExactAssignmentOfAbToACapacityOf100LeavesACapacityOf3) {
   ASSERT_EQ(fromString.capacity(), 100);
 
   fromString = String("ab");
-  fromText   = "ab";
+  fromText = "ab";
 
   expectState(fromString, "ab", 3);
   expectState(fromText, "ab", 3);
@@ -93,9 +93,9 @@ TEST(String, ExactAssignmentFromItselfKeepsTheText) {
   String fitting = withCapacity("abcdef", 4);
 
   const String& same = whole;
-  whole              = same;
-  tail               = tail.text() + 2;
-  fitting            = fitting.text();
+  whole = same;
+  tail = tail.text() + 2;
+  fitting = fitting.text();
 
   expectState(whole, "abcdef", 7);
   expectState(tail, "cdef", 5);

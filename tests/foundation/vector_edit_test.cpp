@@ -18,7 +18,7 @@ using testing::IsEmpty;
 
 TEST(Vector, AppendingGrowsToTwiceWhatIsNeeded) {
   const std::int32_t values[] = {4, 5};
-  Numbers vector              = numbers({1, 2, 3});
+  Numbers vector = numbers({1, 2, 3});
   vector.at(1);
 
   vector.append(values, 2);  // 5 needed
@@ -34,7 +34,7 @@ TEST(Vector, AppendingGrowsToTwiceWhatIsNeeded) {
 
 TEST(Vector, ANegativeCountIsOutOfRange) {
   const std::int32_t values[] = {8, 9};
-  Numbers vector              = numbers({1, 2, 3});
+  Numbers vector = numbers({1, 2, 3});
 
   EXPECT_EQ(thrownText([&] { vector.assign(values, -1); }), rangeText);
   EXPECT_EQ(thrownText([&] { vector.append(values, -1); }), rangeText);
@@ -47,7 +47,7 @@ TEST(Vector, ANegativeCountIsOutOfRange) {
 
 TEST(Vector, OverwritingReplacesABlockInTheMiddle) {
   const std::int32_t values[] = {20, 30};
-  Numbers vector              = numbers({1, 2, 3, 4, 5});
+  Numbers vector = numbers({1, 2, 3, 4, 5});
 
   vector.overwrite(1, values, 2);
   EXPECT_THAT(elementsOf(vector), ElementsAre(1, 20, 30, 4, 5));
@@ -59,7 +59,7 @@ TEST(Vector, OverwritingReplacesABlockInTheMiddle) {
 
 TEST(Vector, OverwritingABlockThatEndsAtTheLastElementIsOutOfRange) {
   const std::int32_t values[] = {20, 30};
-  Numbers vector              = numbers({1, 2, 3, 4, 5});
+  Numbers vector = numbers({1, 2, 3, 4, 5});
 
   EXPECT_EQ(thrownText([&] { vector.overwrite(3, values, 2); }), rangeText);
   EXPECT_EQ(thrownText([&] { vector.overwrite(3, numbers({20, 30})); }), rangeText);
@@ -75,7 +75,7 @@ TEST(Vector, OverwritingABlockThatEndsAtTheLastElementIsOutOfRange) {
 
 TEST(Vector, InsertingShiftsTheTailUp) {
   const std::int32_t values[] = {8, 9};
-  Numbers vector              = numbers({1, 2, 3});
+  Numbers vector = numbers({1, 2, 3});
 
   vector.insert(1, 7);  // 4 needed
   EXPECT_THAT(elementsOf(vector), ElementsAre(1, 7, 2, 3));
@@ -89,7 +89,7 @@ TEST(Vector, InsertingShiftsTheTailUp) {
 
 TEST(Vector, InsertingAndOverwritingLeaveTheCursor) {
   const std::int32_t values[] = {8, 9};
-  Numbers vector              = numbers({1, 2, 3, 4, 5});
+  Numbers vector = numbers({1, 2, 3, 4, 5});
   vector.at(3);
 
   vector.insert(1, 7);
@@ -103,7 +103,7 @@ TEST(Vector, InsertingAndOverwritingLeaveTheCursor) {
 
 TEST(Vector, InsertingAtTheSizeAppendsAndBehindItIsOutOfRange) {
   const std::int32_t values[] = {8, 9};
-  Numbers vector              = numbers({1, 2});
+  Numbers vector = numbers({1, 2});
 
   vector.insert(2, 3);
   vector.insert(3, values, 2);
@@ -177,8 +177,8 @@ TEST(Vector, ContainsLooksAtTheElementsInUseOnly) {
 
 TEST(Vector, AVectorMayBeGivenToItself) {
   Numbers assigned = numbers({1, 2, 3});
-  Numbers growing  = numbers({1, 2, 3});
-  Numbers roomy    = numbers({1, 2, 3});
+  Numbers growing = numbers({1, 2, 3});
+  Numbers roomy = numbers({1, 2, 3});
   Numbers inserted = numbers({1, 2, 3});
   roomy.append(4);  // capacity 8
   Numbers insertedRoomy(roomy);
@@ -200,11 +200,11 @@ TEST(Vector, AVectorMayBeGivenToItself) {
 }
 
 TEST(Vector, ElementsOfAVectorMayBeGivenToItself) {
-  Numbers assigned  = numbers({1, 2, 3, 4});
-  Numbers appended  = numbers({1, 2, 3});
-  Numbers inserted  = numbers({1, 2, 3});
-  Numbers roomy     = numbers({1, 2, 3, 4, 5, 6});
-  Numbers leftward  = numbers({1, 2, 3, 4, 5});
+  Numbers assigned = numbers({1, 2, 3, 4});
+  Numbers appended = numbers({1, 2, 3});
+  Numbers inserted = numbers({1, 2, 3});
+  Numbers roomy = numbers({1, 2, 3, 4, 5, 6});
+  Numbers leftward = numbers({1, 2, 3, 4, 5});
   Numbers rightward = numbers({1, 2, 3, 4, 5});
   roomy.truncate(4);
 

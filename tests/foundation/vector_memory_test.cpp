@@ -44,12 +44,12 @@ using RareVector = Tessaly::Vector<Rare>;
 void expectFailure(const char* name, int count, RareVector& vector,
                    const std::function<void()>& action) {
   const std::vector<Rare> before = elementsOf(vector);
-  const std::int32_t capacity    = vector.capacity();
-  const std::int32_t cursor      = vector.cursor();
+  const std::int32_t capacity = vector.capacity();
+  const std::int32_t cursor = vector.cursor();
 
-  Rare::arraysLeft       = count;
+  Rare::arraysLeft = count;
   const std::string text = thrownText(action);
-  Rare::arraysLeft       = 1000;
+  Rare::arraysLeft = 1000;
 
   EXPECT_EQ(text, allocationText) << name;
   EXPECT_EQ(elementsOf(vector), before) << name;
@@ -85,7 +85,7 @@ TEST(Vector, MemoryThatIsNotThereIsAnAllocationErrorAndChangesNothing) {
 TEST(Vector, AGrowthPastTheLargestCapacityIsAnAllocationError) {
   constexpr std::int32_t half = 1 << 30;  // twice this is one more than fits
   const std::int32_t values[] = {8, 9};   // never read
-  Numbers vector              = numbers({1, 2, 3});
+  Numbers vector = numbers({1, 2, 3});
 
   EXPECT_EQ(thrownText([&] { vector.append(values, half - 3); }), allocationText);
   EXPECT_EQ(thrownText([&] { vector.insert(0, values, std::numeric_limits<std::int32_t>::max()); }),

@@ -32,7 +32,7 @@ class RefusingNumbers : public Numbers {
 }  // namespace
 
 TEST(Vector, VirtualOperationsStandInTheirFixedOrder) {
-  using V     = Numbers;
+  using V = Numbers;
   using Value = std::int32_t;
   using Index = std::int32_t;
   using Count = std::int32_t;

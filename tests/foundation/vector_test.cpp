@@ -175,8 +175,8 @@ TEST(Vector, AssigningAndCopyingAlsoTakesALargerCapacity) {
 }
 
 TEST(Vector, AssigningAndCopyingKeepsAnArrayOfTheSameCapacity) {
-  const Numbers source           = numbers({1, 2, 3});
-  Numbers vector                 = numbers({9, 8, 7});
+  const Numbers source = numbers({1, 2, 3});
+  Numbers vector = numbers({9, 8, 7});
   const std::int32_t* const data = vector.data();
 
   const Numbers copy = vector.assignAndCopy(source);
@@ -187,8 +187,8 @@ TEST(Vector, AssigningAndCopyingKeepsAnArrayOfTheSameCapacity) {
 }
 
 TEST(Vector, AssigningAVectorKeepsALargeEnoughArrayAndMovesTheCursorToTheEnd) {
-  Numbers large  = numbers({9, 8, 7, 6});
-  Numbers small  = numbers({9});
+  Numbers large = numbers({9, 8, 7, 6});
+  Numbers small = numbers({9});
   Numbers source = numbers({1, 2});
   source.append(3);  // capacity 6
 
@@ -205,8 +205,8 @@ TEST(Vector, AssigningAVectorKeepsALargeEnoughArrayAndMovesTheCursorToTheEnd) {
 
 TEST(Vector, AssigningAnArrayKeepsALargeEnoughArrayAndMovesTheCursorToTheStart) {
   const std::int32_t values[] = {1, 2, 3};
-  Numbers large               = numbers({9, 8, 7, 6});
-  Numbers small               = numbers({9, 8});
+  Numbers large = numbers({9, 8, 7, 6});
+  Numbers small = numbers({9, 8});
   large.at(3);
   small.at(1);
 
@@ -242,7 +242,7 @@ TEST(Vector, AssigningAValueLeavesItAlone) {
 }
 
 TEST(Vector, CopyingOutGivesTheElements) {
-  const Numbers vector  = numbers({1, 2, 3});
+  const Numbers vector = numbers({1, 2, 3});
   std::int32_t places[] = {9, 9, 9, 9};
 
   const auto owned = vector.copyOut();
@@ -258,7 +258,7 @@ TEST(Vector, CopyingOutGivesTheElements) {
 }
 
 TEST(Vector, CopyingOutAndLookingForAValueLeaveTheCursor) {
-  Numbers vector        = numbers({1, 2, 3});
+  Numbers vector = numbers({1, 2, 3});
   std::int32_t places[] = {9, 9};
   vector.at(1);
 

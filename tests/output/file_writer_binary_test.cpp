@@ -13,7 +13,7 @@ using Tessaly::FileWriter;
 using Tessaly::String;
 
 TEST(FileWriterBinary, RawBytesAreWrittenUnchanged) {
-  const char characters[]      = {'\0', '\n', '\r', '\x7F'};
+  const char characters[] = {'\0', '\n', '\r', '\x7F'};
   const unsigned char octets[] = {0x00, 0x80, 0xFF};
 
   EXPECT_EQ(written([&](FileWriter& w) { w.writeBytes(characters, 4); }), bytes({0, 10, 13, 0x7F}));
@@ -51,12 +51,12 @@ TEST(FileWriterBinary, A32BitValueIsSplitAcrossTheFlushWithoutLossOrReordering) 
 }
 
 TEST(FileWriterBinary, ArraysAreTheirElementsInOrder) {
-  const std::int16_t int16s[]   = {0x0102, -1};
+  const std::int16_t int16s[] = {0x0102, -1};
   const std::uint16_t uint16s[] = {0x0102, 0xFFFE};
-  const std::int32_t int32s[]   = {0x01020304, -1};
+  const std::int32_t int32s[] = {0x01020304, -1};
   const std::uint32_t uint32s[] = {0x01020304, 0xFFFFFFFE};
-  const float floats[]          = {1.5f, -2.0f};
-  const double doubles[]        = {1.5, -2.0};
+  const float floats[] = {1.5f, -2.0f};
+  const double doubles[] = {1.5, -2.0};
 
   EXPECT_EQ(written([&](FileWriter& w) { w.writeBigEndian(int16s, 2); }),
             bytes({1, 2, 0xFF, 0xFF}));

@@ -15,14 +15,14 @@ struct Operation {
   std::string bytes;
 };
 
-inline const std::int16_t int16s[]   = {0x6162, 0x6364};
+inline const std::int16_t int16s[] = {0x6162, 0x6364};
 inline const std::uint16_t uint16s[] = {0x6162, 0x6364};
-inline const std::int32_t int32s[]   = {0x61626364, 0x65666768};
+inline const std::int32_t int32s[] = {0x61626364, 0x65666768};
 inline const std::uint32_t uint32s[] = {0x61626364, 0x65666768};
-inline const float floats[]          = {1.5f, -2.0f};
-inline const double doubles[]        = {0.1};
-inline const char* const characters  = "abcd";
-inline const auto* const octets      = reinterpret_cast<const unsigned char*>("abcd");
+inline const float floats[] = {1.5f, -2.0f};
+inline const double doubles[] = {0.1};
+inline const char* const characters = "abcd";
+inline const auto* const octets = reinterpret_cast<const unsigned char*>("abcd");
 
 /// What never leaves the buffer full.
 inline const Operation placing[] = {

@@ -124,7 +124,7 @@ class StepMaker {
 
   Step integerStep() {
     const std::int32_t value = integer();
-    const std::string t      = std::to_string(value);
+    const std::string t = std::to_string(value);
     switch (below(5)) {
       case 0:
         return {[value](FileWriter& w) { w.write(value); }, t};
@@ -141,8 +141,8 @@ class StepMaker {
 
   Step doubleStep() {
     const NumberText number = doubles[below(std::size(doubles))];
-    const double value      = number.value;
-    const std::string t     = number.text;
+    const double value = number.value;
+    const std::string t = number.text;
     switch (below(5)) {
       case 0:
         return {[value](FileWriter& w) { w.write(value); }, t};
@@ -161,8 +161,8 @@ class StepMaker {
     const std::string t = text();
     const String s(t.c_str());
     const std::int32_t width = static_cast<std::int32_t>(below(80));
-    const auto size          = static_cast<std::size_t>(width);
-    const std::string field  = (t + std::string(size, ' ')).substr(0, size);
+    const auto size = static_cast<std::size_t>(width);
+    const std::string field = (t + std::string(size, ' ')).substr(0, size);
     switch (below(5)) {
       case 0:
         return {[t, width](FileWriter& w) { w.writeField(t.c_str(), width); }, field};
@@ -179,17 +179,17 @@ class StepMaker {
 
   Step alignedStep() {
     const std::int32_t width = static_cast<std::int32_t>(below(80));
-    const bool right         = below(2) == 0;
-    const auto aligned       = [width, right](const std::string& t) {
+    const bool right = below(2) == 0;
+    const auto aligned = [width, right](const std::string& t) {
       const auto size = static_cast<std::size_t>(width);
       const std::string padding(size > t.size() ? size - t.size() : 0, ' ');
       return right ? padding + t : t + padding;
     };
     const std::string t = text();
     const String s(t.c_str());
-    const char c             = 'c';
+    const char c = 'c';
     const std::int32_t value = integer();
-    const NumberText number  = doubles[below(std::size(doubles))];
+    const NumberText number = doubles[below(std::size(doubles))];
     const double numberValue = number.value;
     switch (below(5)) {
       case 0:
@@ -250,7 +250,7 @@ class StepMaker {
 
   Step binaryStep() {
     const std::string t = text();
-    const auto count    = static_cast<std::int32_t>(t.size());
+    const auto count = static_cast<std::int32_t>(t.size());
     switch (below(8)) {
       case 0:
         return bigEndianStep<std::int16_t>();

@@ -24,7 +24,7 @@ std::size_t slotOf(Signature FileWriter::*operation) {
 }
 
 constexpr std::size_t destructorSlots = 2;  // the destructor stands first, in two entries
-constexpr std::size_t operationCount  = 58;
+constexpr std::size_t operationCount = 58;
 
 /// What the entries behind the destructor's lead to. In the same ABI an object with virtual
 /// operations begins with a pointer to its table.
@@ -35,7 +35,7 @@ std::vector<std::uintptr_t> operationsOf(const FileWriter& writer) {
 }
 
 TEST(FileWriter, VirtualOperationsStandInTheirFixedOrder) {
-  using W                              = FileWriter;
+  using W = FileWriter;
   const std::vector<std::size_t> slots = {
       slotOf<bool(const String&)>(&W::open),
       slotOf<bool(const char*)>(&W::open),

@@ -106,23 +106,23 @@ TEST(FileWriter, OfLengthZeroATextOrRunFlushesAFullBufferAndAnArrayDoesNot) {
     Action action;
     const char* expected;
   };
-  const char* const noCharacters     = nullptr;
+  const char* const noCharacters = nullptr;
   const unsigned char* const noBytes = nullptr;
-  const Case cases[]                 = {
-                      {"String", [](FileWriter& w) { w.write(String()); }, "...."},
-                      {"text", [](FileWriter& w) { w.write(""); }, "...."},
-                      {"operator", [](FileWriter& w) { w << ""; }, "...."},
-                      {"char run", [](FileWriter& w) { w.writeBytes(characters, 0); }, "...."},
-                      {"unsigned char run", [](FileWriter& w) { w.writeBytes(octets, 0); }, "...."},
-                      {"char run, null", [&](FileWriter& w) { w.writeBytes(noCharacters, 0); }, "...."},
-                      {"unsigned char run, null", [&](FileWriter& w) { w.writeBytes(noBytes, 0); }, "...."},
-                      {"repeated", [](FileWriter& w) { w.writeRepeated('a', 0); }, "...."},
-                      {"field", [](FileWriter& w) { w.writeField("ab", 0); }, "...."},
-                      {"aligned", [](FileWriter& w) { w.writeAligned("", 0, true); }, "...."},
-                      {"char run of -1", [](FileWriter& w) { w.writeBytes(characters, -1); }, ""},
-                      {"repeated, -1", [](FileWriter& w) { w.writeRepeated('a', -1); }, ""},
-                      {"int16 array", [](FileWriter& w) { w.writeBigEndian(int16s, 0); }, ""},
-                      {"double array", [](FileWriter& w) { w.writeNative(doubles, 0); }, ""},
+  const Case cases[] = {
+      {"String", [](FileWriter& w) { w.write(String()); }, "...."},
+      {"text", [](FileWriter& w) { w.write(""); }, "...."},
+      {"operator", [](FileWriter& w) { w << ""; }, "...."},
+      {"char run", [](FileWriter& w) { w.writeBytes(characters, 0); }, "...."},
+      {"unsigned char run", [](FileWriter& w) { w.writeBytes(octets, 0); }, "...."},
+      {"char run, null", [&](FileWriter& w) { w.writeBytes(noCharacters, 0); }, "...."},
+      {"unsigned char run, null", [&](FileWriter& w) { w.writeBytes(noBytes, 0); }, "...."},
+      {"repeated", [](FileWriter& w) { w.writeRepeated('a', 0); }, "...."},
+      {"field", [](FileWriter& w) { w.writeField("ab", 0); }, "...."},
+      {"aligned", [](FileWriter& w) { w.writeAligned("", 0, true); }, "...."},
+      {"char run of -1", [](FileWriter& w) { w.writeBytes(characters, -1); }, ""},
+      {"repeated, -1", [](FileWriter& w) { w.writeRepeated('a', -1); }, ""},
+      {"int16 array", [](FileWriter& w) { w.writeBigEndian(int16s, 0); }, ""},
+      {"double array", [](FileWriter& w) { w.writeNative(doubles, 0); }, ""},
   };
 
   for (const Case& row : cases) {
@@ -137,7 +137,7 @@ TEST(FileWriter, OfLengthZeroATextOrRunFlushesAFullBufferAndAnArrayDoesNot) {
 
 TEST(FileWriter, AnIntegerOf11CharactersFills11FreeBytesExactly) {
   constexpr std::int32_t smallest = std::numeric_limits<std::int32_t>::min();
-  const auto behind               = [](std::size_t pending) -> Action {
+  const auto behind = [](std::size_t pending) -> Action {
     return [pending](FileWriter& writer) {
       fill(writer, pending);
       writer.write(smallest);

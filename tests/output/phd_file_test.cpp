@@ -16,9 +16,9 @@ using namespace std::string_view_literals;
 
 /// What a test says of a record; the rest is a small valid one.
 struct Sample {
-  const char* callerName   = "KB.bcp";
+  const char* callerName = "KB.bcp";
   std::uint32_t pointCount = 100;
-  const char* bases        = "A";
+  const char* bases = "A";
   std::vector<int> qualities{20};
   std::vector<std::int32_t> peaks{13, 100};
 };

@@ -58,17 +58,17 @@ std::array<float, 4> plainBalance(PolyInput& input) {
   std::array<std::int32_t, 4> counts{};
   std::array<std::uint32_t, 4> totals{};
   for (std::int64_t k = 1501; k < last; ++k) {
-    const auto at             = static_cast<std::size_t>(k);
-    const std::uint16_t left  = sum[at - 2];
-    const std::uint16_t mid   = sum[at - 1];
+    const auto at = static_cast<std::size_t>(k);
+    const std::uint16_t left = sum[at - 2];
+    const std::uint16_t mid = sum[at - 1];
     const std::uint16_t right = sum[at];
     if (!(left < mid && right < mid)) continue;
     std::size_t winner = 4;
-    int largest        = 0;
+    int largest = 0;
     for (std::size_t channel = 0; channel < 4; ++channel) {
       if (read(input.channels[channel], k) > largest) {
         largest = read(input.channels[channel], k);
-        winner  = channel;
+        winner = channel;
       }
     }
     if (largest != 0) {
@@ -82,7 +82,7 @@ std::array<float, 4> plainBalance(PolyInput& input) {
   for (std::size_t channel = 0; channel < 4; ++channel) {
     if (counts[channel] == 0) continue;
     const auto average = totals[channel] / static_cast<std::uint32_t>(counts[channel]);
-    averages[channel]  = static_cast<float>(average);
+    averages[channel] = static_cast<float>(average);
     if (averages[channel] < minAverage) minAverage = averages[channel];
   }
   if (minAverage != 0.0F) {
@@ -101,18 +101,18 @@ void plainSearch(const PolyInput& input, PolyResult& result) {
     result.peakPos[channel].clear();
     result.peakAmp[channel].clear();
     for (std::size_t i = 0; i < input.bases.size(); ++i) {
-      const std::int64_t here     = input.peaks[i];
+      const std::int64_t here = input.peaks[i];
       const std::int64_t nextPeak = input.peaks[i + 1];
-      const std::int64_t hi       = (here + nextPeak) / 2;
-      const std::int64_t lo       = i == 0 ? here / 2 : (input.peaks[i - 1] + here) / 2;
-      std::int32_t p2             = read(s, lo);
-      std::int32_t p1             = read(s, lo + 1);
-      std::int32_t best           = 0;
-      std::int64_t bestPos        = 0;
+      const std::int64_t hi = (here + nextPeak) / 2;
+      const std::int64_t lo = i == 0 ? here / 2 : (input.peaks[i - 1] + here) / 2;
+      std::int32_t p2 = read(s, lo);
+      std::int32_t p1 = read(s, lo + 1);
+      std::int32_t best = 0;
+      std::int64_t bestPos = 0;
       for (std::int64_t j = lo + 2; j <= hi; ++j) {
         const std::int32_t v = read(s, j);
         if (best < p1 && 2 * p1 - p2 - v > 3) {
-          best    = p1;
+          best = p1;
           bestPos = j;
         }
         p2 = p1;
@@ -120,7 +120,7 @@ void plainSearch(const PolyInput& input, PolyResult& result) {
       }
       if (best == 0 && letterOf(channel) == input.bases[i]) {
         bestPos = here;
-        best    = read(s, here);
+        best = read(s, here);
       }
       result.peakPos[channel].push_back(static_cast<std::int32_t>(bestPos));
       result.peakAmp[channel].push_back(static_cast<std::uint32_t>(best));
@@ -130,20 +130,20 @@ void plainSearch(const PolyInput& input, PolyResult& result) {
 
 void plainAreas(const PolyInput& input, const std::array<float, 4>& averages, PolyResult& result) {
   const std::int64_t pointCount = input.pointCount();
-  const std::size_t n           = input.bases.size();
+  const std::size_t n = input.bases.size();
   for (std::size_t channel = 0; channel < 4; ++channel) {
-    const auto& s       = input.channels[channel];
+    const auto& s = input.channels[channel];
     const auto& peakPos = result.peakPos[channel];
     const auto& peakAmp = result.peakAmp[channel];
-    auto& normAmp       = result.normAmp[channel];
+    auto& normAmp = result.normAmp[channel];
     normAmp.assign(n, 0);
 
-    std::size_t b   = 0;
+    std::size_t b = 0;
     std::int64_t at = 0;
     while (at < pointCount) {
       while (at < pointCount && read(s, at) == 0) ++at;
       const std::int64_t start = at;
-      std::uint32_t area       = 0;
+      std::uint32_t area = 0;
       for (; at < pointCount && read(s, at) != 0; ++at) area += read(s, at);
       const std::int64_t end = at;
 
@@ -167,14 +167,14 @@ void plainSecondPeaks(const PolyInput& input, PolyResult& result) {
   result.secondPos.clear();
   for (std::size_t i = 0; i < input.bases.size(); ++i) {
     const std::size_t called = channelOfLetter(input.bases[i]);
-    char letter              = 'N';
-    std::int32_t position    = 0;
-    float largest            = 0.0F;
+    char letter = 'N';
+    std::int32_t position = 0;
+    float largest = 0.0F;
     for (std::size_t m = 0; called < 4 && m < 4; ++m) {
       const auto height = static_cast<float>(result.peakAmp[m][i]);
       if (m != called && height > largest) {
-        largest  = height;
-        letter   = letterOf(m);
+        largest = height;
+        letter = letterOf(m);
         position = result.peakPos[m][i];
       }
     }

@@ -33,24 +33,24 @@ TEST(TruncateToInt32, DropsTheFractionAndGivesTheSmallestIntegerForWhatDoesNotFi
     std::int32_t expected;
   };
   const double infinity = std::numeric_limits<double>::infinity();
-  const Case cases[]    = {
-         {0.0, 0},
-         {0.99, 0},
-         {-0.99, 0},
-         {7.5, 7},
-         {-7.5, -7},
-         {2147483647.0, 2147483647},
-         {2147483647.9, 2147483647},
-         {2147483648.0, smallestInteger},
-         {-2147483647.5, -2147483647},
-         {-2147483648.0, smallestInteger},
-         {-2147483648.9, smallestInteger},
-         {-2147483649.0, smallestInteger},
-         {4294967296.0, smallestInteger},
-         {1e300, smallestInteger},
-         {infinity, smallestInteger},
-         {-infinity, smallestInteger},
-         {std::nan(""), smallestInteger},
+  const Case cases[] = {
+      {0.0, 0},
+      {0.99, 0},
+      {-0.99, 0},
+      {7.5, 7},
+      {-7.5, -7},
+      {2147483647.0, 2147483647},
+      {2147483647.9, 2147483647},
+      {2147483648.0, smallestInteger},
+      {-2147483647.5, -2147483647},
+      {-2147483648.0, smallestInteger},
+      {-2147483648.9, smallestInteger},
+      {-2147483649.0, smallestInteger},
+      {4294967296.0, smallestInteger},
+      {1e300, smallestInteger},
+      {infinity, smallestInteger},
+      {-infinity, smallestInteger},
+      {std::nan(""), smallestInteger},
   };
   for (const Case& c : cases) EXPECT_EQ(Quillet::truncateToInt32(c.value), c.expected) << c.value;
 }

@@ -38,10 +38,10 @@ PolyInput flatTrace(std::size_t pointCount, const std::string& bases,
 
 /// Peaks of A and C around 100 and 1570, with averages for both channels; see the lines below.
 PolyInput balancedTrace(const std::string& bases, const std::vector<std::int32_t>& peaks) {
-  PolyInput input    = flatTrace(1600, bases, peaks);
+  PolyInput input = flatTrace(1600, bases, peaks);
   auto& [a, c, g, t] = input.channels;
   // The highest sample is 65280 already: the first scaling leaves the trace as it is.
-  a[99]  = 16320;
+  a[99] = 16320;
   a[100] = 65280;
   a[101] = 16320;
   c[100] = 2000;
@@ -108,7 +108,7 @@ TEST(PolyFile, ASampleNameCanBeEmpty) {
 
 TEST(PolyFile, PeakIndicesFrom2147483648OnPrintAsNegativeNumbers) {
   constexpr std::int32_t smallest = std::numeric_limits<std::int32_t>::min();
-  PolyInput input                 = flatTrace(10, "AN", {smallest, -1, 10});
+  PolyInput input = flatTrace(10, "AN", {smallest, -1, 10});
 
   EXPECT_EQ(written("s", input), R"(s 1 1 1 1 1
 A -2147483648 0 0 N 0 0 0 0 0 0 0
@@ -119,11 +119,11 @@ N -1 0 0 N 0 0 0 0 0 0 0
 TEST(PolyFile, AHeightThatDoesNotFitPrintsAsTheSmallestInteger) {
   // One run of A, area 78041090, average 30000. The three heights add up to 131080, that is 8.
   PolyInput input = flatTrace(2600, "AAA", {100, 200, 300, 400});
-  auto& a         = input.channels[0];
+  auto& a = input.channels[0];
   a.assign(2600, 30000);
-  a[100]  = 65280;
-  a[200]  = 32900;
-  a[300]  = 32900;
+  a[100] = 65280;
+  a[200] = 32900;
+  a[300] = 32900;
   a[1600] = 30010;
 
   EXPECT_EQ(written("s", input), R"(s 1 1 1 1 1
@@ -146,7 +146,7 @@ TEST(PolyFile, AgreesWithThePlainTextOnRandomTraces) {
       input.peaks.push_back(peak);
     }
     input.peaks.push_back(static_cast<std::int32_t>(input.pointCount()));
-    PolyInput plain         = input;
+    PolyInput plain = input;
     const PolyResult result = plainPoly(plain);
 
     ASSERT_EQ(written("random", input), plainPolyText("random", plain, result)) << round;

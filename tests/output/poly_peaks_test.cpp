@@ -51,7 +51,7 @@ PolyInput randomTrace(std::mt19937& random, std::size_t pointCount) {
       const auto height = static_cast<int>(random() % 16000);
       for (int offset = -5; offset <= 5; ++offset) {
         const auto index = static_cast<std::size_t>(static_cast<int>(center) + offset);
-        auto& sample     = input.channels[channel][index];
+        auto& sample = input.channels[channel][index];
         sample = static_cast<std::uint16_t>(sample + height * (36 - offset * offset) / 36);
       }
     }
@@ -84,8 +84,8 @@ TEST(ChooseSecondPeaks, TheHighestOtherChannelWinsAndTheFirstOfEqualOnes) {
   };
   for (const Case& c : cases) {
     const std::int32_t positions[4] = {1, 2, 3, 4};
-    char secondBase                 = '?';
-    std::int32_t secondPos          = -99;
+    char secondBase = '?';
+    std::int32_t secondPos = -99;
 
     Quillet::chooseSecondPeaks(
         Tessaly::String(c.base), {positions, positions + 1, positions + 2, positions + 3},
@@ -154,10 +154,10 @@ TEST(PolyPeaks, AreaAndBalanceComeFromTheRescaledChannels) {
   input.channels[0][1601] = 100;
   input.channels[1][1700] = 201;  // tallied: C, 4 * 200
   input.channels[1][1701] = 200;
-  input.channels[1][299]  = 16320;  // C: 65280, balanced to 32640
-  input.channels[1][300]  = 8160;   // C: 32640, balanced to 16320
-  input.bases             = "C";
-  input.peaks             = {300, 700};
+  input.channels[1][299] = 16320;  // C: 65280, balanced to 32640
+  input.channels[1][300] = 8160;   // C: 32640, balanced to 16320
+  input.bases = "C";
+  input.peaks = {300, 700};
 
   const PolyResult result = compute(input);
 
@@ -223,13 +223,13 @@ TEST(PolyPeaks, AgreesWithThePlainComputationWhenThePeaksAreNotThoseOfTheTrace) 
 
 TEST(PolyPeaks, ATraceFarTooLongLeavesTheObjectAsGoodAsNew) {
   std::mt19937 random(18);
-  const PolyInput longTrace  = randomTrace(random, (std::size_t{1} << 18) + 1);
+  const PolyInput longTrace = randomTrace(random, (std::size_t{1} << 18) + 1);
   const PolyInput shortTrace = randomTrace(random, 2000);
 
   Quillet::PolyPeaks polyPeaks;
   for (const PolyInput* trace : {&longTrace, &shortTrace, &longTrace}) {
     PolyInput reused = *trace;
-    PolyInput fresh  = *trace;
+    PolyInput fresh = *trace;
     EXPECT_TRUE(computeWith(polyPeaks, reused) == compute(fresh));
   }
 }

@@ -41,7 +41,7 @@ PolyInput flatTrace(std::size_t pointCount, std::uint16_t sample = 0) {
 // Gives the summed signal a maximum at `index`, at which the channel's height is told: the sample
 // behind the maximum.
 void addPeak(PolyInput& input, std::size_t channel, std::size_t index, std::uint16_t height) {
-  input.channels[channel][index]     = static_cast<std::uint16_t>(height + 1);
+  input.channels[channel][index] = static_cast<std::uint16_t>(height + 1);
   input.channels[channel][index + 1] = height;
 }
 
@@ -101,10 +101,10 @@ TEST(ScaleToFullRange, TheHighestSampleCanFallJustShort) {
 }
 
 TEST(BalanceChannels, TheHeightIsReadBehindTheMaximumOfTheSum) {
-  PolyInput input           = flatTrace(3000);  // the sum is 0, 1000, 10
-  input.channels[0][1600]   = 1000;
-  input.channels[1][1601]   = 10;
-  input.channels[2][1601]   = 9;
+  PolyInput input = flatTrace(3000);  // the sum is 0, 1000, 10
+  input.channels[0][1600] = 1000;
+  input.channels[1][1601] = 10;
+  input.channels[2][1601] = 9;
   const PolyInput untouched = input;
 
   const auto averages = balance(input);
@@ -114,7 +114,7 @@ TEST(BalanceChannels, TheHeightIsReadBehindTheMaximumOfTheSum) {
 }
 
 TEST(BalanceChannels, AMaximumBeforeFourZerosCountsForNoChannel) {
-  PolyInput input         = flatTrace(3000);
+  PolyInput input = flatTrace(3000);
   input.channels[0][1600] = 1000;
 
   const auto averages = balance(input);
@@ -123,7 +123,7 @@ TEST(BalanceChannels, AMaximumBeforeFourZerosCountsForNoChannel) {
 }
 
 TEST(BalanceChannels, TheFirstOfEqualChannelsTakesTheMaximum) {
-  PolyInput input         = flatTrace(3000);
+  PolyInput input = flatTrace(3000);
   input.channels[3][1600] = 1000;
   for (const std::size_t channel : {1U, 2U, 3U}) input.channels[channel][1601] = 10;
 
@@ -169,7 +169,7 @@ TEST(BalanceChannels, OnlyMaximaFrom1500UpTo2498OrTwoBeforeTheEndCount) {
       {2000, 1999, 0},  {1502, 1500, 77}, {1501, 1500, 0},  {1500, 1499, 0},
   };
   for (const Case& c : cases) {
-    PolyInput input                   = flatTrace(c.pointCount);
+    PolyInput input = flatTrace(c.pointCount);
     input.channels[2][c.maximumIndex] = 78;
     if (c.maximumIndex + 1 < c.pointCount) input.channels[2][c.maximumIndex + 1] = 77;
 
@@ -183,7 +183,7 @@ TEST(BalanceChannels, OnlyMaximaFrom1500UpTo2498OrTwoBeforeTheEndCount) {
 TEST(BalanceChannels, ATraceOfAtMost1501PointsHasNoAverages) {
   std::mt19937 random(1);
   for (const std::size_t pointCount : {0U, 1U, 1498U, 1499U, 1500U, 1501U}) {
-    PolyInput input           = randomTrace(random, pointCount);
+    PolyInput input = randomTrace(random, pointCount);
     const PolyInput untouched = input;
 
     const auto averages = balance(input);

@@ -16,7 +16,7 @@ namespace {
 using ::testing::Each;
 using ::testing::ElementsAre;
 
-constexpr std::int32_t largestInteger  = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t largestInteger = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t smallestInteger = std::numeric_limits<std::int32_t>::min();
 
 PolyResult search(PolyInput& input) {
@@ -51,7 +51,7 @@ Found findInA(const std::vector<std::uint16_t>& samples, const std::vector<std::
   input.channels.fill(std::vector<std::uint16_t>(samples.size(), 0));
   input.channels[0] = samples;
   input.bases.assign(peaks.size() - 1, 'N');
-  input.peaks             = peaks;
+  input.peaks = peaks;
   const PolyResult result = search(input);
   return {result.peakPos[0][base], result.peakAmp[0][base]};
 }
@@ -74,13 +74,13 @@ TEST(FindPeaks, ARangeOfAnyLengthGivesItsFirstHighestMaximum) {
   lengths.push_back(40000);  // far longer than what is looked through in lanes
   for (const std::size_t length : lengths) {
     // The peaks 0, 20 and this one make the range of base 1 start at 11.
-    const auto nextPeak     = static_cast<std::int32_t>(2 * (11 + length) - 20);
+    const auto nextPeak = static_cast<std::int32_t>(2 * (11 + length) - 20);
     const std::size_t first = 11;
-    const std::size_t last  = first + length - 1;
+    const std::size_t last = first + length - 1;
     for (const std::size_t index : {first, (first + last) / 2, last}) {
       std::vector<std::uint16_t> samples(last + 10, 0);
       samples[first - 2] = samples[last + 2] = 900;  // outside
-      samples[index]                         = 500;
+      samples[index] = 500;
       // Further ones, as high and lower, do not count.
       for (std::size_t k = index + 2; k <= last; k += 2) samples[k] = k % 4 == 0 ? 500 : 499;
       for (std::size_t k = first; k + 2 <= index; k += 2) samples[k] = 499;
@@ -162,7 +162,7 @@ TEST(FindPeaks, SamplesOutsideTheTraceAre0) {
 
 TEST(FindPeaks, SumsOfFarPositionsDoNotWrap) {
   const auto samples = spikeAt(5, 10, 9);
-  const int far      = 1000000000;
+  const int far = 1000000000;
 
   EXPECT_EQ(findInA(samples, {smallestInteger, largestInteger, largestInteger}, 1), (Found{6, 9}));
   EXPECT_EQ(findInA(samples, {smallestInteger, smallestInteger, 30}, 1), nothing);
@@ -180,8 +180,8 @@ TEST(FindPeaks, OnlyTheCalledChannelFallsBackToItsOwnPosition) {
   PolyInput input;  // level signals, no maximum anywhere
   input.channels = {{std::vector<std::uint16_t>(40, 11), std::vector<std::uint16_t>(40, 12),
                      std::vector<std::uint16_t>(40, 13), std::vector<std::uint16_t>(40, 14)}};
-  input.bases    = "ACGT";
-  input.peaks    = {8, 16, 24, 32, 38};
+  input.bases = "ACGT";
+  input.peaks = {8, 16, 24, 32, 38};
 
   const PolyResult result = search(input);
 
@@ -224,7 +224,7 @@ std::vector<std::int32_t> layPeaks(int kind, std::size_t count, int pointCount,
   };
   std::vector<std::int32_t> peaks(count);
   for (std::size_t i = 0; i < count; ++i) {
-    const bool inFirstHalf     = i % 4 < 2;  // 0, 0, N, N, 0, 0: the widest ranges of all
+    const bool inFirstHalf = i % 4 < 2;  // 0, 0, N, N, 0, 0: the widest ranges of all
     const std::int32_t kinds[] = {
         anywhere(0, pointCount),
         anywhere(0, pointCount),
@@ -243,7 +243,7 @@ constexpr int peakKindCount = 7;
 
 PolyInput randomInput(int kind, std::mt19937& random) {
   PolyInput input;
-  const int pointCount      = static_cast<int>(random() % 300);
+  const int pointCount = static_cast<int>(random() % 300);
   const std::uint32_t limit = random() % 2 == 0 ? 12 : 65536;  // often equal, or nearly never
   for (auto& channel : input.channels) {
     for (int i = 0; i < pointCount; ++i) {
@@ -296,8 +296,8 @@ TEST(FindPeaks, OverlappingRangesTakeNoMoreThanLogarithmicTime) {
   input.bases.assign(pointCount, 'N');
 
   const std::clock_t start = std::clock();
-  const PolyResult result  = search(input);
-  const auto seconds       = (std::clock() - start) / CLOCKS_PER_SEC;
+  const PolyResult result = search(input);
+  const auto seconds = (std::clock() - start) / CLOCKS_PER_SEC;
 
   // The ranges of each four bases: N/2..0, 0..N/2, N/2..N, N..N/2.
   const auto last = static_cast<std::size_t>(pointCount) - 4;

@@ -26,7 +26,7 @@ std::vector<Stretch> stretchesIn(const Samples& samples) {
   for (std::int64_t position = 0; position <= static_cast<std::int64_t>(samples.size());
        ++position) {
     const std::int64_t start = runs.startBefore(position);
-    const std::int64_t end   = runs.endFrom(position);
+    const std::int64_t end = runs.endFrom(position);
     stretches.push_back({start, end, runs.area(start, end)});
   }
   return stretches;
@@ -36,8 +36,8 @@ std::vector<Stretch> stretchesIn(const Samples& samples) {
 std::vector<Stretch> plainStretchesIn(const Samples& samples) {
   std::vector<Stretch> stretches;
   for (std::size_t position = 0; position <= samples.size(); ++position) {
-    std::size_t start  = position;
-    std::size_t end    = position;
+    std::size_t start = position;
+    std::size_t end = position;
     std::uint32_t area = 0;
     while (start > 0 && samples[start - 1] != 0) area += samples[--start];
     while (end < samples.size() && samples[end] != 0) area += samples[end++];
@@ -106,7 +106,7 @@ TEST(SampleRuns, AgreesWithThePlainSearchOnRandomSamples) {
   for (int round = 0; round < 30; ++round) {
     Samples samples(random() % 400);
     const auto zeroEvery = 2 + random() % 120;
-    const auto limit     = round % 2 == 0 ? 65536U : 3U;
+    const auto limit = round % 2 == 0 ? 65536U : 3U;
     for (auto& sample : samples) {
       sample = static_cast<std::uint16_t>(random() % zeroEvery == 0 ? 0 : random() % limit);
     }

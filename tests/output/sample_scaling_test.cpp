@@ -69,11 +69,11 @@ TEST(FixedFactor, GivesForEverySampleWhatTheProductInDoubleGives) {
   int found = 0;
   for (int round = 0; round < 400; ++round) {
     // To the full range, whose quotients exceed 1, and down to a smaller height.
-    const bool toFullRange          = round % 2 == 0;
+    const bool toFullRange = round % 2 == 0;
     const std::uint32_t denominator = 1 + below(round % 4 == 0 ? 4000 : 65535);
-    const std::uint32_t numerator   = toFullRange ? 65280 : 1 + below(denominator);
-    const std::uint32_t largest     = toFullRange ? denominator : 65535;
-    const auto factor               = Quillet::fixedFactor(numerator, denominator, largest);
+    const std::uint32_t numerator = toFullRange ? 65280 : 1 + below(denominator);
+    const std::uint32_t largest = toFullRange ? denominator : 65535;
+    const auto factor = Quillet::fixedFactor(numerator, denominator, largest);
     if (!factor) continue;
     ++found;
 

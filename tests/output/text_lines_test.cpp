@@ -40,12 +40,12 @@ std::string expected(std::int32_t count, std::int32_t factor) {
 TEST(TextLines, WordsEndInABlankAndLinesInALineFeed) {
   char text[64];
   char* end = Quillet::putCharacter(text, 'x');
-  end       = Quillet::putWord(end, 'C');
-  end       = Quillet::putWord(end, -12);
-  end       = Quillet::putWord(end, 1234567);
-  end       = Quillet::putShortWord(end, 0);
-  end       = Quillet::putShortWord(end, 1234567);
-  end       = Quillet::putShortLine(end, 345);
+  end = Quillet::putWord(end, 'C');
+  end = Quillet::putWord(end, -12);
+  end = Quillet::putWord(end, 1234567);
+  end = Quillet::putShortWord(end, 0);
+  end = Quillet::putShortWord(end, 1234567);
+  end = Quillet::putShortLine(end, 345);
 
   EXPECT_EQ(std::string(text, end), "xC -12 1234567 0 1234567 345\n");
 }

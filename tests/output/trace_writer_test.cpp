@@ -24,7 +24,7 @@ std::string hostBytes(int high, int low) {
   return std::endian::native == std::endian::big ? bytes({high, low}) : bytes({low, high});
 }
 
-constexpr std::int16_t noSamples[]            = {0};
+constexpr std::int16_t noSamples[] = {0};
 constexpr const std::int16_t* emptyChannels[] = {noSamples, noSamples, noSamples, noSamples};
 
 TEST(TraceWriter, WithoutSamplesTheFileIsOnlyTheHeader) {
@@ -53,10 +53,10 @@ TEST(TraceWriter, SamplesKeepTheByteOrderOfTheHost) {
 
 TEST(TraceWriter, TheChannelsAreInterleavedSampleBySample) {
   ScratchFolder folder;
-  const std::int16_t first[]           = {0x0102, 0x0304};
-  const std::int16_t second[]          = {0x1112, 0x1314};
-  const std::int16_t third[]           = {0x2122, 0x2324};
-  const std::int16_t fourth[]          = {-1, -2};
+  const std::int16_t first[] = {0x0102, 0x0304};
+  const std::int16_t second[] = {0x1112, 0x1314};
+  const std::int16_t third[] = {0x2122, 0x2324};
+  const std::int16_t fourth[] = {-1, -2};
   const std::int16_t* const channels[] = {first, second, third, fourth};
   String name("abc");
 
@@ -99,7 +99,7 @@ TEST(TraceWriter, ManySamplesCrossTheBufferAndTheCountIsBigEndian) {
 
 TEST(TraceWriter, ASecondTraceCarriesItsOwnCount) {
   ScratchFolder folder;
-  const std::int16_t zeros[]           = {0, 0, 0};
+  const std::int16_t zeros[] = {0, 0, 0};
   const std::int16_t* const channels[] = {zeros, zeros, zeros, zeros};
   TraceWriter writer;
   String first("first"), second("second");

@@ -50,7 +50,7 @@ void flipBits(std::string& bytes, Engine& engine) {
 
 void putNoise(std::string& bytes, Engine& engine) {
   const std::size_t start = below(engine, bytes.size());
-  const std::size_t end   = std::min(bytes.size(), start + 1 + below(engine, 4000));
+  const std::size_t end = std::min(bytes.size(), start + 1 + below(engine, 4000));
   for (std::size_t i = start; i < end; ++i) bytes[i] = static_cast<char>(engine());
 }
 
@@ -62,7 +62,7 @@ void putExtreme(std::string& bytes, Engine& engine) {
       {"\0\x40\0\0", 4}, {"\0\x40\0\1", 4}, {"\0\0\0\1", 4}};
   const std::string& extreme = extremes[below(engine, extremes.size())];
   const std::size_t distance = below(engine, std::min<std::size_t>(bytes.size() - 4, 360));
-  const bool atStart         = below(engine, 2) == 0;
+  const bool atStart = below(engine, 2) == 0;
   bytes.replace(atStart ? distance : bytes.size() - 4 - distance, 4, extreme);
 }
 
@@ -99,7 +99,7 @@ std::string commentsOf(const std::string& caller) { return "NAME=soak\nBCAL=" + 
 
 const std::vector<TraceFormat>& formats() {
   using Trace = const TraceContents&;
-  using Text  = const std::string&;
+  using Text = const std::string&;
   static const std::vector<TraceFormat> all{
       {".ab1",
        [](Trace trace, Text caller) {
@@ -131,11 +131,11 @@ std::string readFile(const fs::path& path) {
 /// Writes one trace and returns its name.
 std::string addTrace(const fs::path& chromats, int number, bool damaged, Engine& engine) {
   const TraceFormat& format = formats()[below(engine, formats().size())];
-  const int baseCount       = 300 + static_cast<int>(below(engine, 601));
+  const int baseCount = 300 + static_cast<int>(below(engine, 601));
   // Every third trace does not say who called its bases.
   const std::string caller = number % 3 == 0 ? "" : "caller " + std::to_string(number);
-  std::string bytes        = format.bytes(believableTrace(engine(), baseCount), caller);
-  const bool packed        = below(engine, 20) == 0;
+  std::string bytes = format.bytes(believableTrace(engine(), baseCount), caller);
+  const bool packed = below(engine, 20) == 0;
   const bool damagedAsGzip = damaged && packed && below(engine, 2) == 0;
   if (damaged && !damagedAsGzip) damage(bytes, engine);
 
@@ -162,7 +162,7 @@ void makeProject(const fs::path& root, int count, std::uint32_t seed) {
   std::string sound;
   std::string harmed;
   for (int number = 1; number <= count; ++number) {
-    const bool damaged     = below(engine, 10) == 0;
+    const bool damaged = below(engine, 10) == 0;
     const std::string name = addTrace(root / "chromat_dir", number, damaged, engine);
     (damaged ? harmed : sound) += name + '\n';
   }

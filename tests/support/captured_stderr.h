@@ -18,7 +18,7 @@ class RedirectedStderr {
     dup2(former_, STDERR_FILENO);
     close(former_);
   }
-  RedirectedStderr(const RedirectedStderr&)            = delete;
+  RedirectedStderr(const RedirectedStderr&) = delete;
   RedirectedStderr& operator=(const RedirectedStderr&) = delete;
 
  private:
@@ -43,7 +43,7 @@ class CapturedStderr {
       if (handle == nullptr) throw std::runtime_error("no temporary file");
     }
     ~TemporaryFile() { std::fclose(handle); }
-    TemporaryFile(const TemporaryFile&)            = delete;
+    TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
     std::FILE* handle;
   };

@@ -9,7 +9,7 @@ class EnvironmentVariable {
   /// A null `value` unsets the variable.
   EnvironmentVariable(const char* name, const char* value);
   ~EnvironmentVariable();
-  EnvironmentVariable(const EnvironmentVariable&)            = delete;
+  EnvironmentVariable(const EnvironmentVariable&) = delete;
   EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
 
  private:

@@ -14,7 +14,7 @@ class OrdinaryUser {
   ~OrdinaryUser() {
     if (changed_ && seteuid(former_) != 0) std::abort();
   }
-  OrdinaryUser(const OrdinaryUser&)            = delete;
+  OrdinaryUser(const OrdinaryUser&) = delete;
   OrdinaryUser& operator=(const OrdinaryUser&) = delete;
   bool isOrdinary() const { return geteuid() != 0; }
 

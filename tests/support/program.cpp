@@ -13,12 +13,12 @@ class StreamFile {
  public:
   StreamFile() {
     std::string name = "/tmp/quillet-stream-XXXXXX";
-    descriptor_      = mkstemp(name.data());
+    descriptor_ = mkstemp(name.data());
     if (descriptor_ < 0) throw std::runtime_error("no stream file");
     unlink(name.c_str());
   }
   ~StreamFile() { close(descriptor_); }
-  StreamFile(const StreamFile&)            = delete;
+  StreamFile(const StreamFile&) = delete;
   StreamFile& operator=(const StreamFile&) = delete;
 
   int descriptor() const { return descriptor_; }
@@ -75,8 +75,8 @@ ProgramResult runProgram(const std::string& program, const ProgramRun& run) {
   std::vector<std::string> arguments = {program};
   arguments.insert(arguments.end(), run.arguments.begin(), run.arguments.end());
   std::vector<std::string> environment = environmentOf(run);
-  const std::vector<char*> argv        = pointersTo(arguments);
-  const std::vector<char*> envp        = pointersTo(environment);
+  const std::vector<char*> argv = pointersTo(arguments);
+  const std::vector<char*> envp = pointersTo(environment);
 
   const pid_t child = fork();
   if (child < 0) throw std::runtime_error("can not fork");

@@ -17,10 +17,10 @@ struct ProgramResult {
 /// and HOME are `folder` unless it says otherwise. `folder` is an absolute path.
 struct ProgramRun {
   std::string folder;
-  std::vector<std::string> arguments             = {};
-  std::string input                              = {};  // standard input
+  std::vector<std::string> arguments = {};
+  std::string input = {};  // standard input
   std::map<std::string, std::string> environment = {};
-  std::vector<std::string> unset                 = {};  // variables to leave out, such as "PWD"
+  std::vector<std::string> unset = {};  // variables to leave out, such as "PWD"
 };
 
 ProgramResult runQuillet(const ProgramRun& run);

@@ -13,7 +13,7 @@ std::string between(const std::string& text, const std::string& start, const std
   const std::size_t found = text.find(start);
   if (found == std::string::npos) return {};
   const std::size_t first = found + start.size();
-  const std::size_t last  = text.find(end, first);
+  const std::size_t last = text.find(end, first);
   return last == std::string::npos ? std::string() : text.substr(first, last - first);
 }
 
@@ -59,9 +59,9 @@ std::string ProjectFolder::phd(const std::string& sample) const {
 }
 
 std::string ProjectFolder::timelessPhd(const std::string& sample) const {
-  std::string text          = phd(sample);
-  const std::string start   = "\nTIME: ";
-  const std::size_t found   = text.find(start);
+  std::string text = phd(sample);
+  const std::string start = "\nTIME: ";
+  const std::size_t found = text.find(start);
   const std::size_t lineEnd = text.find('\n', found + start.size());
   if (found == std::string::npos || lineEnd == std::string::npos) return text;
   return text.replace(found, lineEnd - found, start + "@TIME@");
@@ -105,7 +105,7 @@ std::string gzipped(const std::string& bytes) {
 }
 
 std::string gunzipComplaints(const ScratchFolder& folder, const std::string& words) {
-  return runProgram("sh", {.folder    = folder.path().string(),
+  return runProgram("sh", {.folder = folder.path().string(),
                            .arguments = {"-c", "gunzip -c -f " + words + " > /dev/null"}})
       .err;
 }

@@ -14,7 +14,7 @@ class ScratchFolder {
  public:
   ScratchFolder();
   ~ScratchFolder();
-  ScratchFolder(const ScratchFolder&)            = delete;
+  ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;
 
   const std::filesystem::path& path() const { return path_; }

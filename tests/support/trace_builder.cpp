@@ -45,11 +45,11 @@ AbifBuilder& AbifBuilder::without(const std::string& name, std::uint32_t number)
 AbifBuilder& AbifBuilder::entry(const std::string& name, std::uint32_t number,
                                 const std::string& data, std::uint32_t elementSize) {
   Entry added;
-  added.name        = name;
-  added.number      = number;
+  added.name = name;
+  added.number = number;
   added.elementSize = elementSize;
-  added.data        = data;
-  added.inEntry     = data.size() <= 4;
+  added.data = data;
+  added.inEntry = data.size() <= 4;
   edits_.push_back([=](Entries& entries) { entries.push_back(added); });
   return *this;
 }
@@ -61,9 +61,9 @@ AbifBuilder& AbifBuilder::otherEntries(int count) {
     Entries others;
     for (int i = 0; i < count; ++i) {
       Entry other;
-      other.name    = names[static_cast<std::size_t>(i) % names.size()];
-      other.number  = 1 + static_cast<std::uint32_t>(i / 8);
-      other.data    = std::string(static_cast<std::size_t>(i % 40 + 1), 'x');
+      other.name = names[static_cast<std::size_t>(i) % names.size()];
+      other.number = 1 + static_cast<std::uint32_t>(i / 8);
+      other.data = std::string(static_cast<std::size_t>(i % 40 + 1), 'x');
       other.inEntry = other.data.size() <= 4;
       others.push_back(other);
     }
@@ -107,9 +107,9 @@ AbifBuilder& AbifBuilder::dataOffset(const std::string& name, std::uint32_t numb
 }
 
 std::string AbifBuilder::channelData(std::size_t index) const {
-  const char letter         = index < baseOrder_.size() ? baseOrder_[index] : '?';
+  const char letter = index < baseOrder_.size() ? baseOrder_[index] : '?';
   const std::size_t channel = letters.find(letter);
-  const auto given          = channels_.find(letter);
+  const auto given = channels_.find(letter);
   if (given != channels_.end()) return numbers(given->second, 2);
   const bool plain =
       channel != std::string::npos && std::count(baseOrder_.begin(), baseOrder_.end(), letter) == 1;
@@ -123,10 +123,10 @@ AbifBuilder::Entries AbifBuilder::entries() const {
   const auto add = [&](const char* name, std::uint32_t number, const std::string& data,
                        std::uint32_t elementSize) {
     Entry added;
-    added.name        = name;
-    added.number      = number;
+    added.name = name;
+    added.number = number;
     added.elementSize = elementSize;
-    added.data        = data;
+    added.data = data;
     all.push_back(added);
   };
   for (std::uint32_t i = 0; i < 4; ++i) add("DATA", 9 + i, channelData(i), 2);
@@ -153,7 +153,7 @@ std::uint32_t AbifBuilder::storedOffset(const Entry& entry, std::size_t offsetIn
 
 void AbifBuilder::putEntry(std::string& bytes, std::size_t at, const Entry& entry,
                            std::uint32_t offset) const {
-  const auto size  = static_cast<std::uint32_t>(entry.data.size());
+  const auto size = static_cast<std::uint32_t>(entry.data.size());
   std::string name = entry.name;
   name.resize(4, ' ');
   bytes.replace(at, 4, name);
@@ -186,8 +186,8 @@ void AbifBuilder::putHeader(std::string& bytes, std::size_t entryCount,
 }
 
 std::string AbifBuilder::build() const {
-  const Entries all               = entries();
-  const std::size_t headerSize    = 128;
+  const Entries all = entries();
+  const std::size_t headerSize = 128;
   const std::size_t directorySize = all.size() * static_cast<std::size_t>(stride_);
   std::string bytes(headerSize + (directoryFirst_ ? directorySize : 0), '\0');
 

@@ -67,7 +67,7 @@ class AbifBuilder {
  private:
   struct Entry {
     std::string name;
-    std::uint32_t number      = 0;
+    std::uint32_t number = 0;
     std::uint32_t elementSize = 1;
     std::string data;
     bool inEntry = false;  // the data stands in the entry's offset field
@@ -94,13 +94,13 @@ class AbifBuilder {
   std::optional<std::vector<int>> qualities_;
   std::optional<std::vector<int>> peaks_;
   std::map<char, std::vector<int>> channels_;
-  std::string baseOrder_  = "GATC";
+  std::string baseOrder_ = "GATC";
   std::string callerName_ = "built.bcp";
   std::vector<std::function<void(Entries&)>> edits_;
-  int prefix_                 = 0;
+  int prefix_ = 0;
   bool callOffsetsFromPrefix_ = false;
-  int stride_                 = 28;
-  bool directoryFirst_        = false;
+  int stride_ = 28;
+  bool directoryFirst_ = false;
   std::optional<std::uint16_t> headerStride_;
   std::optional<std::uint32_t> headerEntryCount_;
   std::optional<std::uint32_t> headerDirectoryOffset_;
@@ -157,7 +157,7 @@ class ScfBuilder {
   std::uint32_t peak(std::size_t index) const;
   char probability(char letter, std::size_t index) const;
 
-  std::string version_      = "3.00";
+  std::string version_ = "3.00";
   std::uint32_t sampleSize_ = 2;
   std::map<char, std::vector<int>> channels_;
   std::map<char, std::vector<int>> stored_;

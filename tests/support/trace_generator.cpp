@@ -27,7 +27,7 @@ class Dice {
 
 void addPeak(std::vector<double>& signal, int centre, double height, double width) {
   const int reach = static_cast<int>(4 * width);
-  const int last  = std::min(centre + reach, static_cast<int>(signal.size()) - 1);
+  const int last = std::min(centre + reach, static_cast<int>(signal.size()) - 1);
   for (int k = std::max(centre - reach, 0); k <= last; ++k) {
     const double distance = (k - centre) / width;
     signal[static_cast<std::size_t>(k)] += height * std::exp(-0.5 * distance * distance);
@@ -37,7 +37,7 @@ void addPeak(std::vector<double>& signal, int centre, double height, double widt
 /// Rises over the first 30 bases and falls over the last 120, as instruments' callers report it.
 int qualityAt(int base, int baseCount, Dice& dice) {
   const int fromStart = 6 + base * 3 / 2;
-  const int fromEnd   = 6 + (baseCount - 1 - base) * 2 / 5;
+  const int fromEnd = 6 + (baseCount - 1 - base) * 2 / 5;
   return std::clamp(std::min({fromStart, fromEnd, 58}) + dice.between(-3, 3), 2, 61);
 }
 
@@ -78,11 +78,11 @@ TraceContents believableTrace(std::uint32_t seed, int baseCount) {
   std::array<std::vector<double>, 4> signals;
   for (std::vector<double>& signal : signals) signal.assign(sampleCount, 0.0);
   for (int i = 0; i < baseCount; ++i) {
-    const std::size_t base    = static_cast<std::size_t>(i);
+    const std::size_t base = static_cast<std::size_t>(i);
     const std::size_t channel = std::string("ACGT").find(trace.bases[base]);
-    const double fading       = 1.0 - 0.6 * i / baseCount;
-    const double height       = (900.0 + 500.0 * dice.unit()) * fading;
-    const int centre          = trace.peaks[base];
+    const double fading = 1.0 - 0.6 * i / baseCount;
+    const double height = (900.0 + 500.0 * dice.unit()) * fading;
+    const int centre = trace.peaks[base];
     addPeak(signals[channel], centre, height, 3.0 + 1.2 * i / baseCount);
     if (i % 83 == 57) {  // a mixed position
       addPeak(signals[(channel + 1 + dice.below(3)) % 4], centre, 0.55 * height, 3.2);

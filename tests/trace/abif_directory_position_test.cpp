@@ -11,7 +11,7 @@ TEST(AbifDirectoryPosition, IsAddedUpModulo2To32) {
   // The five entries that a trace without calls needs come first, 24 bytes each: they fit into the
   // 128 bytes in front of "ABIF". 0xFFFFFF80 + 128 is 0.
   constexpr std::size_t directorySize = 5 * 24;
-  std::string bytes                   = AbifBuilder()
+  std::string bytes = AbifBuilder()
                           .prefix(128)
                           .stride(24)
                           .headerEntryCount(5)

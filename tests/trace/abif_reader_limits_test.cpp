@@ -92,7 +92,7 @@ TEST(AbifReaderLimits, AFileThatEndsBeforeTheLettersOfALaterBaseOrderLeavesTheEa
 TEST(AbifReaderLimits, ArraysThatTheFileCutsShortHoldZerosFromThereOn) {
   // The directory comes first: header 128, twelve entries of 28 to 464, then the data in turn.
   const std::size_t directoryEnd = 464;
-  const std::size_t wholeSize    = AbifBuilder().directoryFirst().build().size();
+  const std::size_t wholeSize = AbifBuilder().directoryFirst().build().size();
   ASSERT_EQ(wholeSize, 602u);
   const ScratchFolder folder;
   const auto samplesHeld = [](std::size_t size, std::size_t offset) {
@@ -148,7 +148,7 @@ TEST(AbifReaderLimits, NegativePositionsOfChannelsAndDirectoryFail) {
 
 TEST(AbifReaderLimits, ADirectoryThatGoesOnAtByte2To31Fails) {
   // Twelve entries end exactly there, in a file that is mostly a hole; a thirteenth follows.
-  const std::size_t directorySize     = 12 * 28;
+  const std::size_t directorySize = 12 * 28;
   const std::uint32_t directoryOffset = 0x80000000u - directorySize;
   for (const bool goesOn : {false, true}) {
     const ScratchFolder folder;
@@ -156,7 +156,7 @@ TEST(AbifReaderLimits, ADirectoryThatGoesOnAtByte2To31Fails) {
                                     .headerDirectoryOffset(directoryOffset)
                                     .headerEntryCount(goesOn ? 13 : 12)
                                     .build();
-    const std::size_t dataEnd  = content.size() - directorySize;
+    const std::size_t dataEnd = content.size() - directorySize;
     const Tessaly::String path = folder.write("trace", content.substr(0, dataEnd));
     std::ofstream stream(path.text(), std::ios::binary | std::ios::in);
     stream.seekp(directoryOffset);
@@ -214,7 +214,7 @@ TEST(AbifReaderLimits, AnUnmetClaimUpToTheLimitIsFilledWithZeros) {
 TEST(AbifReaderLimits, AClaimThatTheFileHoldsIsReadHoweverLarge) {
   // All data of one kind starts at 0; the largest array needs two bytes an entry.
   const std::uint32_t count = claimLimit + 1;
-  AbifBuilder points        = withChannelCounts(count);
+  AbifBuilder points = withChannelCounts(count);
   for (std::uint32_t number = 9; number <= 12; ++number) points.dataOffset("DATA", number, 0);
   AbifBuilder calls = withCallCounts(count);
   for (const char* name : {"PBAS", "PCON", "PLOC"}) calls.dataOffset(name, 1, 0);
@@ -225,8 +225,8 @@ TEST(AbifReaderLimits, AClaimThatTheFileHoldsIsReadHoweverLarge) {
 }
 
 TEST(AbifReaderLimits, EachChannelAndEachRunOfCallsMustHoldALargeClaim) {
-  const std::uint32_t count  = claimLimit + 1;
-  const std::uintmax_t size  = 2 * std::uintmax_t{count};
+  const std::uint32_t count = claimLimit + 1;
+  const std::uintmax_t size = 2 * std::uintmax_t{count};
   const std::uint32_t beyond = 0x70000000;  // a position behind the end
   for (std::uint32_t moved = 9; moved <= 12; ++moved) {
     AbifBuilder points = withChannelCounts(count);
@@ -245,7 +245,7 @@ TEST(AbifReaderLimits, EachChannelAndEachRunOfCallsMustHoldALargeClaim) {
 TEST(AbifReaderLimits, ALargeClaimAfterAFailedMoveCountsFromWhereTheReaderStands) {
   // Bases and qualities start at 0; the peaks follow behind the qualities.
   const std::uint32_t count = claimLimit + 1;
-  AbifBuilder calls         = withCallCounts(count);
+  AbifBuilder calls = withCallCounts(count);
   calls.dataOffset("PBAS", 1, 0).dataOffset("PCON", 1, 0).dataOffset("PLOC", 1, 0x80000000);
 
   EXPECT_TRUE(openBytesOfSize(calls.build(), 3 * std::uintmax_t{count}).read);
@@ -259,7 +259,7 @@ TEST(AbifReaderLimits, AnEndlessDirectoryEndsWithTheFile) {
         AbifBuilder().headerStride(stride).headerEntryCount(0xFFFFFFFF).build();
 
     const Clock::time_point start = Clock::now();
-    const OpenedTrace opened      = openBytes(content);
+    const OpenedTrace opened = openBytes(content);
 
     EXPECT_EQ(opened.status, 2) << stride;
     // Four thousand million entries would take minutes.

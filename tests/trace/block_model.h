@@ -23,7 +23,7 @@ class BlockModel {
     blockSize_ = blockSize;
     buffer_.clear();
     cursor_ = 0;
-    atEnd_  = false;
+    atEnd_ = false;
   }
 
   std::int32_t block() const { return block_; }
@@ -144,8 +144,8 @@ class BlockModel {
           file_.substr(static_cast<std::size_t>(stream_), static_cast<std::size_t>(blockSize_));
     stream_ += end();
     blockBytes_ = static_cast<std::int32_t>(end());
-    atEnd_      = blockBytes_ < blockSize_;
-    cursor_     = 0;
+    atEnd_ = blockBytes_ < blockSize_;
+    cursor_ = 0;
   }
 
   bool next(char& byte) {
@@ -174,10 +174,10 @@ class BlockModel {
   std::string file_;
   std::int32_t blockSize_;
   std::string buffer_;
-  std::int64_t stream_     = 0;
-  std::int32_t cursor_     = 0;
-  std::int32_t block_      = 0;
+  std::int64_t stream_ = 0;
+  std::int32_t cursor_ = 0;
+  std::int32_t block_ = 0;
   std::int32_t blockBytes_ = 0;
-  std::int32_t lineCount_  = 0;
-  bool atEnd_              = false;
+  std::int32_t lineCount_ = 0;
+  bool atEnd_ = false;
 };

@@ -21,47 +21,47 @@ struct Operations;
 template <>
 struct Operations<std::int8_t> {
   static constexpr auto one = &FileReader::readInt8;
-  static constexpr auto at  = &FileReader::readInt8At;
+  static constexpr auto at = &FileReader::readInt8At;
 };
 template <>
 struct Operations<std::uint8_t> {
   static constexpr auto one = &FileReader::readUInt8;
-  static constexpr auto at  = &FileReader::readUInt8At;
+  static constexpr auto at = &FileReader::readUInt8At;
 };
 template <>
 struct Operations<std::int16_t> {
-  static constexpr auto one   = &FileReader::readInt16;
-  static constexpr auto at    = &FileReader::readInt16At;
+  static constexpr auto one = &FileReader::readInt16;
+  static constexpr auto at = &FileReader::readInt16At;
   static constexpr auto array = &FileReader::readInt16Array;
 };
 template <>
 struct Operations<std::uint16_t> {
-  static constexpr auto one   = &FileReader::readUInt16;
-  static constexpr auto at    = &FileReader::readUInt16At;
+  static constexpr auto one = &FileReader::readUInt16;
+  static constexpr auto at = &FileReader::readUInt16At;
   static constexpr auto array = &FileReader::readUInt16Array;
 };
 template <>
 struct Operations<std::int32_t> {
-  static constexpr auto one   = &FileReader::readInt32;
-  static constexpr auto at    = &FileReader::readInt32At;
+  static constexpr auto one = &FileReader::readInt32;
+  static constexpr auto at = &FileReader::readInt32At;
   static constexpr auto array = &FileReader::readInt32Array;
 };
 template <>
 struct Operations<std::uint32_t> {
-  static constexpr auto one   = &FileReader::readUInt32;
-  static constexpr auto at    = &FileReader::readUInt32At;
+  static constexpr auto one = &FileReader::readUInt32;
+  static constexpr auto at = &FileReader::readUInt32At;
   static constexpr auto array = &FileReader::readUInt32Array;
 };
 template <>
 struct Operations<float> {
-  static constexpr auto one   = &FileReader::readFloat;
-  static constexpr auto at    = &FileReader::readFloatAt;
+  static constexpr auto one = &FileReader::readFloat;
+  static constexpr auto at = &FileReader::readFloatAt;
   static constexpr auto array = &FileReader::readFloatArray;
 };
 template <>
 struct Operations<double> {
-  static constexpr auto one   = &FileReader::readDouble;
-  static constexpr auto at    = &FileReader::readDoubleAt;
+  static constexpr auto one = &FileReader::readDouble;
+  static constexpr auto at = &FileReader::readDoubleAt;
   static constexpr auto array = &FileReader::readDoubleArray;
 };
 
@@ -151,10 +151,10 @@ enum Kind {
 };
 
 struct Step {
-  int kind              = 0;
-  Width width           = Width::int8;
+  int kind = 0;
+  Width width = Width::int8;
   std::int32_t position = 0;
-  std::int32_t count    = 0;
+  std::int32_t count = 0;
 };
 
 constexpr std::int32_t arrayRoom = 3000;
@@ -199,7 +199,7 @@ Outcome applyNumber(Reader& reader, const Step& step) {
 template <typename Reader>
 Outcome apply(Reader& reader, const Step& step) {
   Outcome outcome;
-  outcome.output   = "as it was";
+  outcome.output = "as it was";
   std::string& out = outcome.output;
   switch (step.kind) {
     case seek:
@@ -263,10 +263,10 @@ class Dice {
   Step step(int kinds, std::int32_t positionLimit) {
     const std::int32_t limits[] = {4, 40, arrayRoom};
     Step step;
-    step.kind     = below(kinds);
-    step.width    = static_cast<Width>(below(widthCount));
+    step.kind = below(kinds);
+    step.width = static_cast<Width>(below(widthCount));
     step.position = below(20) == 0 ? -1 - below(5) : below(positionLimit);
-    step.count    = below(30) == 0 ? -below(3) : below(limits[below(3)]);
+    step.count = below(30) == 0 ? -below(3) : below(limits[below(3)]);
     return step;
   }
 
@@ -288,7 +288,7 @@ bool agreesWithPlainReader(PlainReader& plain, Subject& subject, const Step& ste
   EXPECT_EQ(apply(subject, step), expected) << "kind " << step.kind;
   EXPECT_EQ(subject.reader.lineCount(), plain.lineCount());
   // Whether the bytes of a cut value stay unread depends on where the last block starts.
-  const bool single   = step.kind == one || step.kind == oneAt;
+  const bool single = step.kind == one || step.kind == oneAt;
   const bool complete = expected.result == (single ? 1 : step.count);
   return !(single || step.kind == array) || complete || plain.left() == 0;
 }
@@ -323,7 +323,7 @@ TEST(FileReaderModel, WithoutMovesEveryBlockSizeReadsTheFileAsItStands) {
   Dice dice(1);
   for (std::int32_t number = 1; number <= sizeNumbers; ++number) {
     SCOPED_TRACE("block size " + std::to_string(sizeNumber(number)));
-    const std::string file     = dice.file(dice.below(65536));
+    const std::string file = dice.file(dice.below(65536));
     const Tessaly::String path = folder.write("file", file);
     PlainReader plain(file);
     Subject subject(sizeNumber(number));
@@ -344,9 +344,9 @@ TEST(FileReaderModel, WithMovesEveryBlockSizeReadsAFileBelowItsSquareAsItStands)
   Dice dice(2);
   for (std::int32_t number = 2; number <= sizeNumbers; ++number) {
     const std::int32_t blockSize = sizeNumber(number);
-    const std::int32_t square    = std::min(blockSize * blockSize, 65536);
+    const std::int32_t square = std::min(blockSize * blockSize, 65536);
     SCOPED_TRACE("block size " + std::to_string(blockSize));
-    const std::string file     = dice.file(1 + dice.below(square - 1));
+    const std::string file = dice.file(1 + dice.below(square - 1));
     const Tessaly::String path = folder.write("file", file);
     PlainReader plain(file);
     Subject subject(blockSize);
@@ -355,7 +355,7 @@ TEST(FileReaderModel, WithMovesEveryBlockSizeReadsAFileBelowItsSquareAsItStands)
     for (int i = 0; i < 400 && !HasFailure(); ++i) {
       Step step = dice.step(kindCount, square);
       if (!going || (plain.left() == 0 && dependsOnBlocksAtTheEnd(step.kind))) {
-        step.kind     = seek;
+        step.kind = seek;
         step.position = dice.below(static_cast<std::int32_t>(file.size()));
       }
       going = agreesWithPlainReader(plain, subject, step);
@@ -371,7 +371,7 @@ TEST(FileReaderModel, EveryOperationFollowsTheBlockRulesAtEveryBlockSize) {
     for (const std::int32_t limit : {1, 70, 1100, 65536}) {
       const std::int32_t blockSize = sizeNumber(number);
       SCOPED_TRACE("block size " + std::to_string(blockSize));
-      const std::string file     = dice.file(dice.below(limit));
+      const std::string file = dice.file(dice.below(limit));
       const Tessaly::String path = folder.write("file", file);
       ASSERT_NO_FATAL_FAILURE(compareWithBlockModel(path, file, blockSize, 150, dice));
     }
@@ -381,7 +381,7 @@ TEST(FileReaderModel, EveryOperationFollowsTheBlockRulesAtEveryBlockSize) {
 TEST(FileReaderModel, FilesThatDoNotFitOneWindowFollowTheBlockRules) {
   ScratchFolder folder;
   Dice dice(4);
-  const std::string file     = dice.file(2'300'007);
+  const std::string file = dice.file(2'300'007);
   const Tessaly::String path = folder.write("file", file);
   for (const std::int32_t blockSize : {7, 1000, 1024, 65536, 70001, 3'000'000}) {
     SCOPED_TRACE("block size " + std::to_string(blockSize));

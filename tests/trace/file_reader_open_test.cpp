@@ -23,7 +23,7 @@ namespace {
 using Tessaly::FileReader;
 
 /// This process's memory as a file. Its size is given as 0, and it can be read where memory is.
-const char* const ownMemory     = "/proc/self/mem";
+const char* const ownMemory = "/proc/self/mem";
 constexpr std::int32_t mebibyte = 1'048'576;  // bytes
 
 /// Memory of zeros at a given address, if the system gives it; where it ends, none follows.
@@ -37,7 +37,7 @@ class Memory {
   ~Memory() {
     if (start_ != MAP_FAILED) munmap(start_, size_);
   }
-  Memory(const Memory&)            = delete;
+  Memory(const Memory&) = delete;
   Memory& operator=(const Memory&) = delete;
 
   bool isReadable() const {

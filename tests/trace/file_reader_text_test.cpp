@@ -75,7 +75,7 @@ TEST_F(FileReaderText, AHugeLengthCostsNoMoreThanTheFile) {
 TEST_F(FileReaderText, ALengthOfZeroOrLessIsAnEmptyText) {
   for (const std::int32_t length : {0, -1, std::numeric_limits<std::int32_t>::min()}) {
     FileReader& reader = opened("abc");
-    text_              = "before";
+    text_ = "before";
 
     EXPECT_TRUE(reader.readText(text_, length));
 

@@ -38,11 +38,11 @@ class FileReaderValues : public testing::Test {
 TEST_F(FileReaderValues, NumbersAreStoredMostSignificantByteFirst) {
   FileReader& reader = opened(bytes({0x12, 0xFE, 0x12, 0x34, 0xFF, 0xFE, 0x89, 0xAB, 0xCD, 0xEF,  //
                                      0xFF, 0xFF, 0xFF, 0xFD}));
-  std::int8_t int8   = 0;
+  std::int8_t int8 = 0;
   std::uint8_t uint8 = 0;
   std::int16_t int16 = 0;
   std::uint16_t uint16 = 0;
-  std::int32_t int32   = 0;
+  std::int32_t int32 = 0;
   std::uint32_t uint32 = 0;
 
   EXPECT_TRUE(reader.readUInt8(uint8) && reader.readInt8(int8) && reader.readUInt16(uint16) &&
@@ -57,12 +57,12 @@ TEST_F(FileReaderValues, NumbersAreStoredMostSignificantByteFirst) {
 }
 
 TEST_F(FileReaderValues, NumbersCanBeReadAtAPosition) {
-  FileReader& reader   = opened(bytes({0, 0, 0xFF, 0xFE, 0x01, 0x02}), 2);
-  std::int8_t int8     = 0;
-  std::uint8_t uint8   = 0;
-  std::int16_t int16   = 0;
+  FileReader& reader = opened(bytes({0, 0, 0xFF, 0xFE, 0x01, 0x02}), 2);
+  std::int8_t int8 = 0;
+  std::uint8_t uint8 = 0;
+  std::int16_t int16 = 0;
   std::uint16_t uint16 = 0;
-  std::int32_t int32   = 0;
+  std::int32_t int32 = 0;
   std::uint32_t uint32 = 0;
 
   EXPECT_TRUE(reader.readUInt32At(2, uint32));
@@ -81,14 +81,14 @@ TEST_F(FileReaderValues, NumbersCanBeReadAtAPosition) {
 }
 
 TEST_F(FileReaderValues, FloatingValuesAreCopiedInHostOrder) {
-  const float stored32  = -1.5f;
+  const float stored32 = -1.5f;
   const double stored64 = 0.1;
   std::string contents(12, '\0');
   std::memcpy(contents.data(), &stored32, 4);
   std::memcpy(contents.data() + 4, &stored64, 8);
   FileReader& reader = opened(contents, 5);
 
-  float float32  = 0;
+  float float32 = 0;
   double float64 = 0;
   EXPECT_TRUE(reader.readFloat(float32) && reader.readDouble(float64));
   EXPECT_EQ(float32, -1.5f);
@@ -102,14 +102,14 @@ TEST_F(FileReaderValues, FloatingValuesAreCopiedInHostOrder) {
 }
 
 TEST_F(FileReaderValues, FloatingArraysAreCopiedInHostOrder) {
-  const float stored32[]  = {1.25f, -8.0f, 0.5f};
+  const float stored32[] = {1.25f, -8.0f, 0.5f};
   const double stored64[] = {1e300, -2.0};
   std::string contents(28, '\0');
   std::memcpy(contents.data(), stored32, 12);
   std::memcpy(contents.data() + 12, stored64, 16);
   FileReader& reader = opened(contents, 10);
 
-  float floats[3]   = {};
+  float floats[3] = {};
   double doubles[3] = {0, 0, 7};
   EXPECT_EQ(reader.readFloatArray(floats, 3), 3);
   EXPECT_EQ(reader.readDoubleArray(doubles, 3), 2);
@@ -129,8 +129,8 @@ TEST_F(FileReaderValues, A32BitValueAcrossTwoBlocksIsWhole) {
 
 TEST_F(FileReaderValues, AValueAcrossManySmallBlocksIsWhole) {
   for (const std::int32_t blockSize : {1, 2, 3}) {
-    FileReader& reader   = opened(countingBytes(20), blockSize);
-    std::uint8_t first   = 9;
+    FileReader& reader = opened(countingBytes(20), blockSize);
+    std::uint8_t first = 9;
     std::uint32_t second = 0;
 
     EXPECT_TRUE(reader.readUInt8(first) && reader.readUInt32(second));
@@ -144,11 +144,11 @@ TEST_F(FileReaderValues, AValueThatTheFileCutsLeavesTheOutputAlone) {
   // The whole file is one short block; or the value's block is full and the next one is short; or
   // there is no next one.
   for (const std::int32_t blockSize : {1024, 2, 3, 1}) {
-    FileReader& reader   = opened("abc", blockSize);
+    FileReader& reader = opened("abc", blockSize);
     std::uint32_t uint32 = 77;
-    std::int32_t int32   = 78;
-    float float32        = 79;
-    double float64       = 80;
+    std::int32_t int32 = 78;
+    float float32 = 79;
+    double float64 = 80;
 
     EXPECT_FALSE(reader.readUInt32(uint32));
     EXPECT_FALSE(reader.readInt32At(0, int32));
@@ -163,7 +163,7 @@ TEST_F(FileReaderValues, AValueThatTheFileCutsLeavesTheOutputAlone) {
 }
 
 TEST_F(FileReaderValues, TheBytesOfACutValueStayUnreadInTheLastBlock) {
-  FileReader& reader   = opened("abc");
+  FileReader& reader = opened("abc");
   std::uint32_t uint32 = 0;
   std::uint16_t uint16 = 0;
 
@@ -174,9 +174,9 @@ TEST_F(FileReaderValues, TheBytesOfACutValueStayUnreadInTheLastBlock) {
 }
 
 TEST_F(FileReaderValues, TheBytesOfACutValueAreUsedUpWhenARefillWasTried) {
-  FileReader& reader   = opened("abc", 2);
+  FileReader& reader = opened("abc", 2);
   std::uint32_t uint32 = 0;
-  std::uint8_t uint8   = 5;
+  std::uint8_t uint8 = 5;
 
   EXPECT_FALSE(reader.readUInt32(uint32));
 
@@ -185,9 +185,9 @@ TEST_F(FileReaderValues, TheBytesOfACutValueAreUsedUpWhenARefillWasTried) {
 }
 
 TEST_F(FileReaderValues, AValueAtANegativePositionIsNotReadElsewhere) {
-  FileReader& reader   = opened("abcdefgh");
+  FileReader& reader = opened("abcdefgh");
   std::uint16_t uint16 = 5;
-  char run[2]          = {'.', '.'};
+  char run[2] = {'.', '.'};
 
   EXPECT_FALSE(reader.readUInt16At(-1, uint16));
   EXPECT_EQ(reader.readBytesAt(-1, run, 2), 0);
@@ -203,7 +203,7 @@ TEST_F(FileReaderValues, A16BitArrayIsTheSameAtEveryBlockSize) {
     FileReader& reader =
         opened(bytes({0, 1, 0xFF, 0xFE, 0x12, 0x34, 0x80, 0, 0xAB, 0xCD}), blockSize);
     std::uint16_t values[4] = {};
-    std::int16_t last[1]    = {};
+    std::int16_t last[1] = {};
 
     EXPECT_EQ(reader.readUInt16Array(values, 4), 4);
     EXPECT_EQ(reader.readInt16Array(last, 1), 1);
@@ -217,9 +217,9 @@ TEST_F(FileReaderValues, A32BitArrayIsTheSameAtEveryBlockSize) {
   for (std::int32_t blockSize = 1; blockSize <= 12; ++blockSize) {
     FileReader& reader =
         opened(bytes({'?', 0, 0, 1, 0, 0xFF, 0xFF, 0xFF, 0xFE, 0x80, 0, 0, 1}), blockSize);
-    std::uint8_t odd        = 0;  // puts the values across the block ends
+    std::uint8_t odd = 0;  // puts the values across the block ends
     std::uint32_t values[1] = {};
-    std::int32_t signs[2]   = {};
+    std::int32_t signs[2] = {};
 
     EXPECT_TRUE(reader.readUInt8(odd));
     EXPECT_EQ(reader.readUInt32Array(values, 1), 1);
@@ -264,7 +264,7 @@ TEST_F(FileReaderValues, TheCutValueOfAnArrayIsUsedUpWhenARefillWasTried) {
 
 TEST_F(FileReaderValues, ByteRunsGoAcrossBlocksAndStopAtTheEnd) {
   FileReader& reader = opened("abcdefg\xFF", 3);
-  char text[4]       = {};
+  char text[4] = {};
   std::int8_t signs[2]{};
   std::uint8_t rest[4] = {1, 1, 1, 1};
 
@@ -319,7 +319,7 @@ TEST_F(FileReaderValues, AnArrayFromAClosedReaderEndsWithTheBlockInView) {
 
 TEST_F(FileReaderValues, ByteRunsCanBeReadAtAPosition) {
   FileReader& reader = opened("abcdefgh", 3);
-  char text[3]       = {};
+  char text[3] = {};
   std::int8_t signs[2]{};
   std::uint8_t rest[4] = {1, 1, 1, 1};
 

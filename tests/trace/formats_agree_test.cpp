@@ -23,7 +23,7 @@ void expectSameTrace(const OpenedTrace& left, const OpenedTrace& right) {
 TEST(TraceFormatsAgree, AbifInEveryBaseOrderWithAndWithoutAHeaderInFrontAndScf) {
   const ScratchFolder folder;
   std::string order = "ACGT";
-  unsigned seed     = 1;
+  unsigned seed = 1;
   do {
     for (int round = 0; round < 10; ++round, ++seed) {  // 24 orders: 240 traces
       const TraceContents contents =
@@ -31,7 +31,7 @@ TEST(TraceFormatsAgree, AbifInEveryBaseOrderWithAndWithoutAHeaderInFrontAndScf) 
                       1 + static_cast<int>(seed * 11 % 90), round % 2 == 0 ? 65535 : 300);
       SCOPED_TRACE(order + ", seed " + std::to_string(seed));
 
-      const OpenedTrace scf  = openBytes(folder, contents.scf().build());
+      const OpenedTrace scf = openBytes(folder, contents.scf().build());
       const OpenedTrace abif = openBytes(folder, contents.abif().baseOrder(order).build());
       const OpenedTrace prefixed =
           openBytes(folder, contents.abif().baseOrder(order).prefix(128).build());

@@ -11,7 +11,7 @@
 #include "trace/trace_file.h"
 
 using Samples = std::vector<std::uint16_t>;
-using Peaks   = std::vector<std::int32_t>;
+using Peaks = std::vector<std::int32_t>;
 
 /// Bytes of the given values, to compare quality texts with.
 inline std::string bytes(const std::vector<int>& values) {
@@ -29,11 +29,11 @@ inline Samples risingFrom(std::uint16_t first, std::size_t count = 12) {
 
 /// What one trace says, taken out through the operations of TraceFile.
 struct OpenedTrace {
-  bool read           = false;
+  bool read = false;
   std::int32_t status = -1;
   // The rest is set for a trace that was read.
   std::uint32_t pointCount = 0;
-  std::uint32_t baseCount  = 0;
+  std::uint32_t baseCount = 0;
   Samples a, c, g, t;
   bool usable = false;
   std::string bases, qualities;
@@ -51,11 +51,11 @@ inline void takeData(const Quillet::TraceFile& trace, OpenedTrace& opened) {
 
   Tessaly::String bases, qualities;
   Tessaly::Vector<std::int32_t> peaks;
-  opened.usable     = trace.getBaseCalls(bases, qualities, peaks);
+  opened.usable = trace.getBaseCalls(bases, qualities, peaks);
   opened.pointCount = trace.pointCount();
-  opened.baseCount  = trace.baseCount();
-  opened.bases      = textOf(bases);
-  opened.qualities  = textOf(qualities);
+  opened.baseCount = trace.baseCount();
+  opened.bases = textOf(bases);
+  opened.qualities = textOf(qualities);
   opened.peaks.assign(peaks.data(), peaks.data() + peaks.size());
   opened.callerName = textOf(trace.callerName());
 }
@@ -64,7 +64,7 @@ inline void takeData(const Quillet::TraceFile& trace, OpenedTrace& opened) {
 inline OpenedTrace openPath(Tessaly::String path) {
   Quillet::TraceFile trace;
   OpenedTrace opened;
-  opened.read   = trace.open(path);
+  opened.read = trace.open(path);
   opened.status = trace.status();
   if (opened.read) takeData(trace, opened);
   return opened;

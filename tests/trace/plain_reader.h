@@ -86,8 +86,8 @@ class PlainReader {
   }
   bool until(std::string& text, char delimiter) {
     const std::size_t found = std::min(file_.find(delimiter, position_), file_.size());
-    text                    = file_.substr(position_, found - position_);
-    position_               = std::min(found + 1, file_.size());
+    text = file_.substr(position_, found - position_);
+    position_ = std::min(found + 1, file_.size());
     return true;
   }
   bool skipUntil(char delimiter) {
@@ -115,6 +115,6 @@ class PlainReader {
   }
 
   std::string file_;
-  std::size_t position_   = 0;
+  std::size_t position_ = 0;
   std::int32_t lineCount_ = 0;
 };

@@ -14,12 +14,12 @@ using namespace std::string_literals;
 constexpr std::uint32_t claimLimit = 4'194'304;
 
 // Header fields, as bytes from the start of the file.
-constexpr std::size_t sampleCount    = 4;
-constexpr std::size_t samplesOffset  = 8;
-constexpr std::size_t baseCount      = 12;
-constexpr std::size_t basesOffset    = 24;
+constexpr std::size_t sampleCount = 4;
+constexpr std::size_t samplesOffset = 8;
+constexpr std::size_t baseCount = 12;
+constexpr std::size_t basesOffset = 24;
 constexpr std::size_t commentsOffset = 32;
-constexpr std::size_t versionOffset  = 36;
+constexpr std::size_t versionOffset = 36;
 
 TEST(ScfReaderLimits, AFailedMoveGoesOnFromWhereTheReaderStands) {
   // Behind the header that is read, at 44; behind the samples; behind the bases.
@@ -94,7 +94,7 @@ class PlainScf {
     Samples samples;
     std::uint32_t slope = 0, sum = 0;
     for (std::size_t i = 0; i < points(); ++i) {
-      const std::size_t place    = version3_ ? index * points() + i : 4 * i + index;
+      const std::size_t place = version3_ ? index * points() + i : 4 * i + index;
       const std::uint32_t stored = number(number(8, 4) + place * size, size);
       slope += stored;
       sum += slope;
@@ -120,7 +120,7 @@ class PlainScf {
     bool usable = false;
     for (std::size_t i = 0; i < bases(); ++i) {
       const std::size_t channel = "ACGT"s.find(letter(i));
-      const std::size_t place   = version3_ ? (4 + channel) * bases() + i : 12 * i + 4 + channel;
+      const std::size_t place = version3_ ? (4 + channel) * bases() + i : 12 * i + 4 + channel;
       text += static_cast<char>(channel == std::string::npos ? 0 : number(start() + place, 1));
       usable = usable || static_cast<signed char>(text.back()) > 9;
     }
@@ -136,7 +136,7 @@ class PlainScf {
   const std::string& content_;
   std::size_t held_;
   bool version3_ = false;
-  bool wide_     = true;
+  bool wide_ = true;
 };
 
 TEST(ScfReaderLimits, AFileCutAnywhereGivesWhatItHoldsAndZeros) {

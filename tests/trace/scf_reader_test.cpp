@@ -10,10 +10,10 @@ namespace {
 using namespace std::string_literals;
 
 // Header fields, as bytes from the start of the file.
-constexpr std::size_t samplesOffset  = 8;
-constexpr std::size_t commentsSize   = 28;
+constexpr std::size_t samplesOffset = 8;
+constexpr std::size_t commentsSize = 28;
 constexpr std::size_t commentsOffset = 32;
-constexpr std::size_t versionOffset  = 36;
+constexpr std::size_t versionOffset = 36;
 
 void expectBareTrace(const OpenedTrace& opened, const std::string& what) {
   EXPECT_TRUE(opened.read) << what;
@@ -48,7 +48,7 @@ TEST(ScfReader, AVersion2FileYieldsWhatTheEquivalentVersion3FileDoes) {
                          .probabilities('G', {0, 0, 0, 99})
                          .build());
   };
-  const OpenedTrace two   = open("2.00");
+  const OpenedTrace two = open("2.00");
   const OpenedTrace three = open("3.00");
 
   EXPECT_EQ(two.a, (Samples{7, 0, 65535, 1, 300}));
@@ -107,8 +107,8 @@ TEST(ScfReader, LongTracesAreReadWholeInEveryLayout) {
   std::vector<std::uint32_t> peaks(bases.size());
   std::vector<int> probabilities(bases.size());
   for (std::size_t i = 0; i < bases.size(); ++i) {
-    bases[i]         = "ACGT"[i * 7 % 4];
-    peaks[i]         = static_cast<std::uint32_t>(6 * i);
+    bases[i] = "ACGT"[i * 7 % 4];
+    peaks[i] = static_cast<std::uint32_t>(6 * i);
     probabilities[i] = static_cast<int>(10 + i % 90);
   }
   for (const char* version : {"2.00", "3.00"})
@@ -279,7 +279,7 @@ TEST(ScfReader, PartsStandWhereTheHeaderSays) {
   const std::string bare = ScfBuilder().build();
   const ScfBuilder layout;
   const std::size_t size = layout.basesOffset() - layout.samplesOffset();
-  std::string content    = ScfBuilder().header(samplesOffset, 0x1000).build();
+  std::string content = ScfBuilder().header(samplesOffset, 0x1000).build();
   content.replace(128, size, size, '#');
   content.resize(0x1000, '\0');
   content += bare.substr(128, size);

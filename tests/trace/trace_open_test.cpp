@@ -19,7 +19,7 @@ namespace {
 Tessaly::String writePacked(const ScratchFolder& folder, const std::string& name,
                             const std::string& content) {
   const Tessaly::String path = folder.write(name, content);
-  const std::string command  = "gzip " + textOf(path);
+  const std::string command = "gzip " + textOf(path);
   EXPECT_EQ(std::system(command.c_str()), 0);
   return path;
 }
@@ -50,7 +50,7 @@ class LoggedCommands {
   }
   static void write(const ScratchFolder& folder, const std::string& name,
                     const std::string& script) {
-    const std::string log      = "#!/bin/sh\necho " + name + " \"$@\" >> log\n";
+    const std::string log = "#!/bin/sh\necho " + name + " \"$@\" >> log\n";
     const Tessaly::String path = folder.write("bin/" + name, log + script);
     std::filesystem::permissions(path.text(), std::filesystem::perms::owner_all);
   }
@@ -70,7 +70,7 @@ TEST(TraceOpen, ContentDecidesWhateverTheExtension) {
 TEST(TraceOpen, ANameEndingInGzIsUnpackedReadAndRemovedAndLosesItsGz) {
   const ScratchFolder folder;
   const Tessaly::String path = writePacked(folder, "one.ab1", AbifBuilder().build());
-  Tessaly::String name       = path + ".gz";
+  Tessaly::String name = path + ".gz";
   Quillet::TraceFile trace;
 
   const bool read = trace.open(name);
@@ -85,7 +85,7 @@ TEST(TraceOpen, ANameEndingInGzIsUnpackedReadAndRemovedAndLosesItsGz) {
 TEST(TraceOpen, ANameFoundThroughAnAppendedGzIsUnpackedAndStaysAsItIs) {
   const ScratchFolder folder;
   const Tessaly::String path = writePacked(folder, "one.ab1", AbifBuilder().build());
-  Tessaly::String name       = path;
+  Tessaly::String name = path;
   Quillet::TraceFile trace;
 
   const bool read = trace.open(name);
@@ -316,7 +316,7 @@ TEST(TraceOpen, TheFileIsClosedWhateverBecameOfIt) {
   for (const Case& one : {Case{AbifBuilder().build(), 0}, Case{ScfBuilder().build(), 0},
                           Case{AbifBuilder().without("FWO_", 1).build(), 2}, Case{"no trace", 2}}) {
     Tessaly::String plain = folder.write("one", one.content);
-    Tessaly::String gz    = folder.write("two.gz", one.content);
+    Tessaly::String gz = folder.write("two.gz", one.content);
     for (Tessaly::String* name : {&plain, &gz}) {
       Quillet::TraceFile trace;
 
