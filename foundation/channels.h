@@ -15,8 +15,9 @@ inline int channelOf(char base) {
   static constexpr auto channels = [] {
     std::array<unsigned char, 256> table{};
     table.fill(noChannel);
-    for (unsigned char channel = 0; channel < noChannel; ++channel)
+    for (unsigned char channel = 0; channel < noChannel; ++channel) {
       table[static_cast<unsigned char>(channelLetters[channel])] = channel;
+    }
     return table;
   }();
   return channels[static_cast<unsigned char>(base)];

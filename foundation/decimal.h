@@ -90,8 +90,9 @@ inline char* putDecimal(char* text, std::int32_t value) {
 /// Does the same, in less time, for values that hardly ever are negative or above 99999.
 inline char* putShortDecimal(char* text, std::int32_t value) {
   const auto number = static_cast<std::uint32_t>(value);
-  if (number >= 100'000) [[unlikely]]
+  if (number >= 100'000) [[unlikely]] {
     return putDecimal(text, value);
+  }
   return putLastFive(text, 100'000 + number);
 }
 

@@ -61,8 +61,9 @@ bool FileWriter::openAppend(const char* path) {
 
 void FileWriter::close() {
   // `bufferPos` stays: open() resets it.
-  if (bufferPos != bufferStart.get())
+  if (bufferPos != bufferStart.get()) {
     stream.write(bufferStart.get(), bufferPos - bufferStart.get());
+  }
   if (stream.rdbuf()->close() == nullptr) stream.setstate(std::ios_base::failbit);
 }
 

@@ -50,14 +50,16 @@ class DirectoryWalk {
     std::uint32_t directoryOffset = 0;
     if (!file_.readUInt16At(signedOffset(baseOffset_ + headerEntrySize), entrySize) ||
         !file_.readUInt32At(signedOffset(baseOffset_ + headerEntryCount), entryCount) ||
-        !file_.readUInt32At(signedOffset(baseOffset_ + headerDirectoryOffset), directoryOffset))
+        !file_.readUInt32At(signedOffset(baseOffset_ + headerDirectoryOffset), directoryOffset)) {
       return false;
+    }
 
     // Entries of size 0 are all the same one. Any other walk ends where the file does.
     if (entrySize == 0) entryCount = std::min(entryCount, 1u);
     entryOffset_ = directoryOffset + baseOffset_;
-    for (std::uint32_t index = 0; index < entryCount; ++index, entryOffset_ += entrySize)
+    for (std::uint32_t index = 0; index < entryCount; ++index, entryOffset_ += entrySize) {
       if (!readEntry()) return false;
+    }
     return true;
   }
 
@@ -69,14 +71,16 @@ class DirectoryWalk {
     // Deliberate: a name is unreadable, wherever it stands, once the file's last block is used up.
     if (file_.hasEnded()) return false;
     char head[headSize];  // name and number in one read: most entries are passed over after it
-    if (file_.readBytesAt(signedOffset(entryOffset_ + entryName), head, headSize) < headSize)
+    if (file_.readBytesAt(signedOffset(entryOffset_ + entryName), head, headSize) < headSize) {
       return false;
+    }
     const std::string_view name(head, nameSize);
     const std::uint32_t number = Tessaly::bigEndian32(head + entryNumber);
 
     directory_.lastNumber = number;
-    if (number >= firstChannelNumber && number <= lastChannelNumber && name == "DATA")
+    if (number >= firstChannelNumber && number <= lastChannelNumber && name == "DATA") {
       return readChannel(number - firstChannelNumber);
+    }
     // Deliberate: the edited calls (1) are taken, not the base caller's own (2).
     if (number == callNumber) return readCallEntry(name);
     // Deliberate: these offsets count from the start of the file, whatever stands before "ABIF".
@@ -95,9 +99,10 @@ class DirectoryWalk {
   bool readBaseOrder() {
     std::uint32_t dataSize = 0;
     if (!readField(entryDataSize, dataSize)) return false;
-    if (dataSize == baseOrderSize)
+    if (dataSize == baseOrderSize) {
       file_.readTextAt(signedOffset(entryOffset_ + entryDataOffset), directory_.baseOrder,
                        baseOrderSize);
+    }
     // A missing letter shows in the length, unless an earlier "FWO_" was read: where the file is
     // known to end before the letters, the read is refused and leaves the earlier order.
     return true;
@@ -113,8 +118,9 @@ class DirectoryWalk {
 
   // Deliberate: the field is always an offset, also for data short enough to be stored in it.
   bool readItem(AbifDirectory::Item& item, std::uint32_t addedOffset) {
-    if (!readField(entryElementCount, item.count) || !readField(entryDataOffset, item.offset))
+    if (!readField(entryElementCount, item.count) || !readField(entryDataOffset, item.offset)) {
       return false;
+    }
     item.offset += addedOffset;
     item.found = true;
     return true;
@@ -133,16 +139,18 @@ class DirectoryWalk {
 bool isConsistent(const AbifDirectory& directory) {
   const Tessaly::String& order = directory.baseOrder;
   if (order.length() != baseOrderSize) return false;
-  for (std::int32_t index = 0; index < baseOrderSize; ++index)
+  for (std::int32_t index = 0; index < baseOrderSize; ++index) {
     if (channelOf(order[index]) == noChannel) return false;
+  }
 
   const std::uint32_t pointCount = directory.pointCount();
   if (pointCount == 0) return false;
   // Deliberate: only the channel that the last entry's number happens to name is compared.
   const std::uint32_t compared = directory.lastNumber;
   if (compared < 4 && directory.channels[compared].count != pointCount) return false;
-  for (const AbifDirectory::Item& channel : directory.channels)
+  for (const AbifDirectory::Item& channel : directory.channels) {
     if (!channel.found) return false;
+  }
 
   const std::uint32_t baseCount = directory.bases.count;
   return baseCount == 0 ||
@@ -165,8 +173,9 @@ bool TraceFile::readAbif(std::uint32_t baseOffset) {
 bool TraceFile::isBacked(const AbifDirectory& directory) const {
   const std::uint32_t pointCount = directory.pointCount();
   const std::int64_t channelSize = std::int64_t{2} * pointCount;  // bytes
-  for (const AbifDirectory::Item& channel : directory.channels)
+  for (const AbifDirectory::Item& channel : directory.channels) {
     if (!isBacked(pointCount, signedOffset(channel.offset), channelSize)) return false;
+  }
 
   // A move to a negative offset leaves the reader behind what it read last.
   const std::uint32_t baseCount = directory.bases.count;
@@ -185,11 +194,12 @@ bool TraceFile::isBacked(const AbifDirectory& directory) const {
 bool TraceFile::readAbifChannels(const AbifDirectory& directory) {
   pointCount_ = directory.pointCount();
   // Deliberate: an order that names one letter twice leaves the channel it misses all zeros.
-  for (const char letter : {'A', 'C', 'G', 'T'})
+  for (const char letter : {'A', 'C', 'G', 'T'}) {
     channels_[channelOf(letter)] =
         directory.baseOrder.contains(letter)
             ? std::make_unique_for_overwrite<std::uint16_t[]>(pointCount_)
             : std::make_unique<std::uint16_t[]>(pointCount_);
+  }
   for (std::int32_t index = 0; index < 4; ++index) {
     if (!seek(signedOffset(directory.channels[index].offset))) return false;
     fill(channels_[channelOf(directory.baseOrder[index])].get(), pointCount_);

@@ -18,11 +18,13 @@ template <typename Value>
 void decode(const char* bytes, Value* values, std::int32_t count) {
   const auto valueCount = static_cast<std::size_t>(count);  // never negative
   if constexpr (std::integral<Value> && sizeof(Value) == 2) {
-    for (std::size_t i = 0; i < valueCount; ++i)
+    for (std::size_t i = 0; i < valueCount; ++i) {
       values[i] = static_cast<Value>(bigEndian16(bytes + i * 2));  // same bits, perhaps signed
+    }
   } else if constexpr (std::integral<Value> && sizeof(Value) == 4) {
-    for (std::size_t i = 0; i < valueCount; ++i)
+    for (std::size_t i = 0; i < valueCount; ++i) {
       values[i] = static_cast<Value>(bigEndian32(bytes + i * 4));  // same bits, perhaps signed
+    }
   } else {  // single bytes, and floating values in host order
     std::memcpy(values, bytes, valueCount * sizeof(Value));
   }

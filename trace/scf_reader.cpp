@@ -92,23 +92,26 @@ bool TraceFile::readScf() {
 
   pointCount_ = header.sampleCount;
   baseCount_ = header.baseCount;
-  for (auto& channel : channels_)
+  for (auto& channel : channels_) {
     channel = std::make_unique_for_overwrite<std::uint16_t[]>(pointCount_);
+  }
   bases_ = std::make_unique_for_overwrite<char[]>(baseCount_);
   qualities_ = std::make_unique_for_overwrite<char[]>(baseCount_);
   peaks_ = std::make_unique_for_overwrite<std::uint32_t[]>(std::size_t{baseCount_} + 1);
 
   // Moves that fail are no failure: reading goes on from where the reader stands.
   seek(header.samplesOffset);
-  if (header.interleaved)
+  if (header.interleaved) {
     readScfSamples2(header.sampleSize);
-  else
+  } else {
     readScfSamples3(header.sampleSize);
+  }
   seek(header.basesOffset);
-  if (header.interleaved)
+  if (header.interleaved) {
     readScfBases2();
-  else
+  } else {
     readScfBases3();
+  }
   peaks_[baseCount_] = pointCount_;
   seek(header.commentsOffset);
   readScfComments();
@@ -140,11 +143,13 @@ void TraceFile::readScfSamples2(std::int32_t sampleSize) {
     dropPart(chunk, held, sampleSize);
     for (std::uint32_t index = 0; index < 4; ++index) {
       std::uint16_t* samples = channels_[index].get() + first;
-      if (sampleSize == 1)
+      if (sampleSize == 1) {
         for (std::uint32_t i = 0; i < count; ++i) samples[i] = chunk[4 * i + index];
-      else
-        for (std::size_t i = 0; i < count; ++i)
+      } else {
+        for (std::size_t i = 0; i < count; ++i) {
           samples[i] = Tessaly::bigEndian16(chunk + 8 * i + std::size_t{2} * index);
+        }
+      }
     }
   }
 }

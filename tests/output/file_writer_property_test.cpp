@@ -224,8 +224,9 @@ class StepMaker {
       values.push_back(static_cast<Value>(random()));
       expected += bigEndian(values.back());
     }
-    if (values.size() == 1)
+    if (values.size() == 1) {
       return {[values](FileWriter& w) { w.writeBigEndian(values[0]); }, expected};
+    }
     return {[values](FileWriter& w) {
               w.writeBigEndian(values.data(), static_cast<std::int32_t>(values.size()));
             },
@@ -240,8 +241,9 @@ class StepMaker {
       values.push_back(static_cast<Value>(integer()) / 7);
       expected += memoryOf(values.back());
     }
-    if (values.size() == 1)
+    if (values.size() == 1) {
       return {[values](FileWriter& w) { w.writeNative(values[0]); }, expected};
+    }
     return {[values](FileWriter& w) {
               w.writeNative(values.data(), static_cast<std::int32_t>(values.size()));
             },

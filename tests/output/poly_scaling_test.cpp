@@ -134,8 +134,9 @@ TEST(BalanceChannels, TheFirstOfEqualChannelsTakesTheMaximum) {
 
 TEST(BalanceChannels, OnlyAStrictMaximumCounts) {
   PolyInput input = flatTrace(3000);
-  for (const std::size_t index : {1600U, 1601U, 1602U})
+  for (const std::size_t index : {1600U, 1601U, 1602U}) {
     input.channels[0][index] = 1000;  // 1000, 1000
+  }
   input.channels[0][1603] = 10;
   input.channels[0][1604] = 20;  // rises to the end of the stretch
   for (std::size_t index = 1605; index < 3000; ++index) {

@@ -11,8 +11,9 @@ const std::string letters = "ACGT";
 // Numbers are stored most significant byte first; higher bits than fit are dropped.
 void put(std::string& bytes, std::size_t at, std::uint32_t value, std::size_t size) {
   if (bytes.size() < at + size) bytes.resize(at + size, '\0');
-  for (std::size_t i = 0; i < size; ++i)
+  for (std::size_t i = 0; i < size; ++i) {
     bytes[at + i] = static_cast<char>((value >> (8 * (size - 1 - i))) & 0xFF);
+  }
 }
 
 void append(std::string& bytes, std::uint32_t value, std::size_t size) {
@@ -199,8 +200,9 @@ std::string AbifBuilder::build() const {
 
   const std::size_t directoryOffset = directoryFirst_ ? headerSize : bytes.size();
   if (!directoryFirst_) bytes.resize(bytes.size() + directorySize, '\0');
-  for (std::size_t i = 0; i < all.size(); ++i)
+  for (std::size_t i = 0; i < all.size(); ++i) {
     putEntry(bytes, directoryOffset + i * static_cast<std::size_t>(stride_), all[i], offsets[i]);
+  }
   putHeader(bytes, all.size(), directoryOffset);
 
   bytes.insert(0, static_cast<std::size_t>(prefix_), '#');
@@ -231,14 +233,16 @@ std::vector<int> ScfBuilder::stored(char letter) const {
     return values;
   }
   const auto given = channels_.find(letter);
-  if (given != channels_.end())
+  if (given != channels_.end()) {
     values = given->second;
-  else if (channels_.empty() && stored_.empty())
+  } else if (channels_.empty() && stored_.empty()) {
     values = rising(10 + 10 * static_cast<int>(letters.find(letter)), 1, barePointCount);
+  }
   values.resize(pointCount());
   if (!isVersion3()) return values;
-  for (int pass = 0; pass < 2; ++pass)
+  for (int pass = 0; pass < 2; ++pass) {
     for (std::size_t i = values.size(); i-- > 1;) values[i] -= values[i - 1];
+  }
   return values;
 }
 
@@ -251,11 +255,13 @@ std::string ScfBuilder::sampleBytes() const {
   for (const char letter : letters) channels.push_back(stored(letter));
   std::string bytes;
   if (isVersion3()) {
-    for (const auto& values : channels)
+    for (const auto& values : channels) {
       for (const int value : values) putSample(bytes, value);
+    }
   } else {
-    for (std::size_t i = 0; i < pointCount(); ++i)
+    for (std::size_t i = 0; i < pointCount(); ++i) {
       for (const auto& values : channels) putSample(bytes, values[i]);
+    }
   }
   return bytes;
 }
@@ -275,8 +281,9 @@ std::string ScfBuilder::baseBytes() const {
   std::string bytes;
   if (isVersion3()) {
     for (std::size_t i = 0; i < bases_.size(); ++i) append(bytes, peak(i), 4);
-    for (const char letter : letters)
+    for (const char letter : letters) {
       for (std::size_t i = 0; i < bases_.size(); ++i) bytes += probability(letter, i);
+    }
     bytes += bases_;
     bytes.append(3 * bases_.size(), '\0');  // spare
   } else {

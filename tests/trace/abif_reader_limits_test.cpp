@@ -47,10 +47,11 @@ TEST(AbifReaderLimits, ADirectoryThatTheFileCutsShortFails) {
   // The last entry is needed up to its offset; its last 4 bytes are not.
   const ScratchFolder folder;
   const std::string whole = AbifBuilder().build();
-  for (std::size_t size = 0; size <= whole.size(); ++size)
+  for (std::size_t size = 0; size <= whole.size(); ++size) {
     EXPECT_EQ(openBytes(folder, AbifBuilder().truncatedTo(size).build()).read,
               size >= whole.size() - 4)
         << size;
+  }
 }
 
 TEST(AbifReaderLimits, AnEntryThatIsNotUsedNeedsItsNameAndNumberOnly) {
@@ -68,8 +69,9 @@ TEST(AbifReaderLimits, ABaseOrderThatTheFileCutsShortFails) {
   const std::string whole = builder.last("FWO_", 1).build();
   const std::size_t order = whole.size() - 28 + 20;
 
-  for (std::size_t held = 0; held < 4; ++held)
+  for (std::size_t held = 0; held < 4; ++held) {
     EXPECT_FALSE(openBytes(whole.substr(0, order + held)).read) << held;
+  }
   EXPECT_TRUE(openBytes(whole.substr(0, order + 4)).read);
 }
 
@@ -82,8 +84,9 @@ TEST(AbifReaderLimits, AFileThatEndsBeforeTheLettersOfALaterBaseOrderLeavesTheEa
   EXPECT_EQ(earlier.status, 0);
   EXPECT_EQ(earlier.g, risingFrom(300));
   EXPECT_EQ(earlier.c, risingFrom(200));
-  for (std::size_t held = 1; held < 4; ++held)
+  for (std::size_t held = 1; held < 4; ++held) {
     EXPECT_EQ(openBytes(whole.substr(0, order + held)).status, 2) << held;
+  }
   const OpenedTrace later = openBytes(whole.substr(0, order + 4));
   EXPECT_EQ(later.g, risingFrom(200));
   EXPECT_EQ(later.c, risingFrom(300));
@@ -120,8 +123,9 @@ TEST(AbifReaderLimits, ArraysThatTheFileCutsShortHoldZerosFromThereOn) {
     EXPECT_EQ(opened.bases, textHeld(560, "ACGT")) << size;
     EXPECT_EQ(opened.qualities, textHeld(568, "((((")) << size;  // 40 is "("
     Peaks peaks{1, 4, 7, 10};
-    for (std::size_t i = 0; i < 4; ++i)
+    for (std::size_t i = 0; i < 4; ++i) {
       if (size < 576 + 2 * i + 2) peaks[i] = 0;
+    }
     peaks.push_back(12);
     EXPECT_EQ(opened.peaks, peaks) << size;
     EXPECT_EQ(opened.callerName, textHeld(593, "built.bcp")) << size;
@@ -140,10 +144,12 @@ TEST(AbifReaderLimits, PositionsAreAddedUpModulo2To32) {
 }
 
 TEST(AbifReaderLimits, NegativePositionsOfChannelsAndDirectoryFail) {
-  for (std::uint32_t number = 9; number <= 12; ++number)
+  for (std::uint32_t number = 9; number <= 12; ++number) {
     EXPECT_FALSE(openBytes(AbifBuilder().dataOffset("DATA", number, 0x80000000).build()).read);
-  for (const std::uint32_t offset : {0x80000000u, 0xFFFFFFF0u})
+  }
+  for (const std::uint32_t offset : {0x80000000u, 0xFFFFFFF0u}) {
     EXPECT_FALSE(openBytes(AbifBuilder().headerDirectoryOffset(offset).build()).read);
+  }
 }
 
 TEST(AbifReaderLimits, ADirectoryThatGoesOnAtByte2To31Fails) {
@@ -230,14 +236,16 @@ TEST(AbifReaderLimits, EachChannelAndEachRunOfCallsMustHoldALargeClaim) {
   const std::uint32_t beyond = 0x70000000;  // a position behind the end
   for (std::uint32_t moved = 9; moved <= 12; ++moved) {
     AbifBuilder points = withChannelCounts(count);
-    for (std::uint32_t number = 9; number <= 12; ++number)
+    for (std::uint32_t number = 9; number <= 12; ++number) {
       points.dataOffset("DATA", number, number == moved ? beyond : 0);
+    }
     EXPECT_FALSE(openBytesOfSize(points.build(), size).read) << moved;
   }
   for (const std::string moved : {"PBAS", "PCON", "PLOC"}) {
     AbifBuilder calls = withCallCounts(count);
-    for (const std::string name : {"PBAS", "PCON", "PLOC"})
+    for (const std::string name : {"PBAS", "PCON", "PLOC"}) {
       calls.dataOffset(name, 1, name == moved ? beyond : 0);
+    }
     EXPECT_FALSE(openBytesOfSize(calls.build(), size).read) << moved;
   }
 }

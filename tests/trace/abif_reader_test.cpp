@@ -64,9 +64,10 @@ TEST(AbifReader, EveryBaseOrderGivesTheSameChannels) {
 TEST(AbifReader, BaseOrderACGTMapsData9To12StraightToACGT) {
   AbifBuilder builder;
   builder.baseOrder("ACGT");
-  for (int number = 9; number <= 12; ++number)  // three samples of its own number each
+  for (int number = 9; number <= 12; ++number) {  // three samples of its own number each
     builder.entry("DATA", static_cast<std::uint32_t>(number),
                   bytes({0, number, 0, number, 0, number}), 2);
+  }
 
   const OpenedTrace opened = openBytes(builder.build());
 
@@ -174,13 +175,14 @@ TEST(AbifReader, APbas1CountOf0GivesChannelsOnly) {
 }
 
 TEST(AbifReader, OtherCountsOfQualitiesOrPeaksThanOfBasesFail) {
-  for (const char* name : {"PCON", "PLOC"})
+  for (const char* name : {"PCON", "PLOC"}) {
     for (const std::uint32_t count : {0u, 3u, 5u, 0xFFFFFFFFu}) {
       const OpenedTrace opened = openBytes(AbifBuilder().count(name, 1, count).build());
 
       EXPECT_FALSE(opened.read) << name << count;
       EXPECT_EQ(opened.status, 2) << name << count;
     }
+  }
   EXPECT_FALSE(openBytes(AbifBuilder().without("PCON", 1).build()).read);
   EXPECT_FALSE(openBytes(AbifBuilder().without("PLOC", 1).build()).read);
 }
@@ -200,8 +202,9 @@ TEST(AbifReader, AData9OfSize4OrLessIsIgnored) {
 
 TEST(AbifReader, OtherNamesAndNumbersAreSkipped) {
   AbifBuilder builder;
-  for (const std::uint32_t number : {1u, 8u, 13u, 0xFFFFFFFFu})
+  for (const std::uint32_t number : {1u, 8u, 13u, 0xFFFFFFFFu}) {
     builder.entry("DATA", number, std::string(24, 'x'), 2);
+  }
   builder.entry("data", 9, std::string(24, 'x'), 2)
       .entry("FWO_", 2, "TTTT")
       .entry("PBAS", 3, "xxxxx")
@@ -354,8 +357,9 @@ TEST(AbifReader, ADirectoryOfManyOtherEntriesIsWalkedWhole) {
 }
 
 TEST(AbifReader, EntriesStandAsFarApartAsTheHeaderSays) {
-  for (const int stride : {24, 28, 29, 40, 1000})
+  for (const int stride : {24, 28, 29, 40, 1000}) {
     EXPECT_EQ(openBytes(AbifBuilder().stride(stride).build()).bases, "ACGT") << stride;
+  }
   EXPECT_FALSE(openBytes(AbifBuilder().stride(40).headerStride(28).build()).read);
 }
 

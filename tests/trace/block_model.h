@@ -50,8 +50,9 @@ class BlockModel {
   bool one(Value& value) {
     char kept[sizeof value];
     if (end() - cursor_ < static_cast<std::int64_t>(sizeof value) && atEnd_) return false;
-    for (char& byte : kept)
+    for (char& byte : kept) {
       if (!next(byte)) return false;
+    }
     value = numberAt<Value>(kept);
     return true;
   }
@@ -100,8 +101,9 @@ class BlockModel {
   }
   bool skipUntil(char delimiter) {
     char byte = 0;
-    while (next(byte))
+    while (next(byte)) {
       if (byte == delimiter) return true;
+    }
     return false;
   }
   bool skipWhiteSpace() {
@@ -139,9 +141,10 @@ class BlockModel {
 
   void readBlock() {
     buffer_.clear();
-    if (stream_ < fileSize())
+    if (stream_ < fileSize()) {
       buffer_ =
           file_.substr(static_cast<std::size_t>(stream_), static_cast<std::size_t>(blockSize_));
+    }
     stream_ += end();
     blockBytes_ = static_cast<std::int32_t>(end());
     atEnd_ = blockBytes_ < blockSize_;

@@ -79,10 +79,11 @@ struct Subject {
   }
   template <typename Value>
   std::int32_t array(Value* values, std::int32_t count) {
-    if constexpr (sizeof(Value) == 1)
+    if constexpr (sizeof(Value) == 1) {
       return reader.readBytes(values, count);
-    else
+    } else {
       return (reader.*Operations<Value>::array)(values, count);
+    }
   }
   std::int32_t bytes(char* values, std::int32_t count) { return reader.readBytes(values, count); }
   std::int32_t bytesAt(std::int32_t position, char* values, std::int32_t count) {

@@ -227,8 +227,9 @@ TEST(FileReaderOpen, AFileOfOrdinarySizeIsReadOnceWhateverTheMoves) {
 
   folder.write("file", std::string(250'000, 'b'));  // in place: the open file changes
 
-  for (const std::int32_t position : {249'999, 0, 130'000, 1024, 200'001})
+  for (const std::int32_t position : {249'999, 0, 130'000, 1024, 200'001}) {
     EXPECT_EQ(byteAt(reader, position), 'a') << position;
+  }
 }
 
 TEST(FileReaderOpen, AFileThatShrinksWhileItIsReadEndsWhereItEndsNow) {

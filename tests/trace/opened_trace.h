@@ -46,8 +46,9 @@ inline void takeData(const Quillet::TraceFile& trace, OpenedTrace& opened) {
   std::uint32_t count = 0;
   trace.newChannels(channels, count);
   Samples* const samples[] = {&opened.a, &opened.c, &opened.g, &opened.t};
-  for (std::size_t i = 0; i < 4; ++i)
+  for (std::size_t i = 0; i < 4; ++i) {
     samples[i]->assign(channels[i].get(), channels[i].get() + count);
+  }
 
   Tessaly::String bases, qualities;
   Tessaly::Vector<std::int32_t> peaks;

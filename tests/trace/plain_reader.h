@@ -17,8 +17,9 @@ Value numberAt(const char* bytes) {
     std::memcpy(&value, bytes, sizeof value);
   } else {
     std::uint32_t sum = 0;
-    for (std::size_t i = 0; i < sizeof value; ++i)
+    for (std::size_t i = 0; i < sizeof value; ++i) {
       sum = sum * 256 + static_cast<unsigned char>(bytes[i]);
+    }
     value = static_cast<Value>(sum);  // same bits, perhaps signed
   }
   return value;

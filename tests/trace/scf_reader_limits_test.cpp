@@ -83,8 +83,9 @@ class PlainScf {
   }
   std::uint32_t number(std::size_t at, std::size_t size) const {
     std::uint32_t value = 0;
-    for (std::size_t i = 0; i < size; ++i)
+    for (std::size_t i = 0; i < size; ++i) {
       value = value << 8 | static_cast<unsigned char>(at + size <= held_ ? content_[at + i] : '\0');
+    }
     return value;
   }
   std::size_t points() const { return number(4, 4); }
@@ -105,8 +106,9 @@ class PlainScf {
   }
   Peaks peaks() const {
     Peaks peaks;
-    for (std::size_t i = 0; i < bases(); ++i)
+    for (std::size_t i = 0; i < bases(); ++i) {
       peaks.push_back(static_cast<std::int32_t>(number(start() + i * (version3_ ? 4 : 12), 4)));
+    }
     if (bases() > 0) peaks.push_back(static_cast<std::int32_t>(points()));
     return peaks;
   }
@@ -141,7 +143,7 @@ class PlainScf {
 
 TEST(ScfReaderLimits, AFileCutAnywhereGivesWhatItHoldsAndZeros) {
   const ScratchFolder folder;
-  for (const char* version : {"2.00", "3.00"})
+  for (const char* version : {"2.00", "3.00"}) {
     for (const std::uint32_t sampleSize : {1u, 2u}) {
       ScfBuilder builder;
       builder.version(version)
@@ -170,6 +172,7 @@ TEST(ScfReaderLimits, AFileCutAnywhereGivesWhatItHoldsAndZeros) {
       }
       EXPECT_FALSE(openBytes(folder, whole.substr(0, 3)).read);
     }
+  }
 }
 
 TEST(ScfReaderLimits, AVersionThatIsNotThereIsVersion2) {
@@ -186,8 +189,8 @@ TEST(ScfReaderLimits, AVersionThatIsNotThereIsVersion2) {
 }
 
 TEST(ScfReaderLimits, ALargeClaimThatTheFileDoesNotHoldFails) {
-  for (const char* version : {"2.00", "3.00"})
-    for (const std::uint32_t count : {claimLimit + 1, 0x80000000u, 0xFFFFFFFFu})
+  for (const char* version : {"2.00", "3.00"}) {
+    for (const std::uint32_t count : {claimLimit + 1, 0x80000000u, 0xFFFFFFFFu}) {
       for (const std::size_t field : {sampleCount, baseCount}) {
         const OpenedTrace opened =
             openBytes(ScfBuilder().version(version).header(field, count).build());
@@ -195,6 +198,8 @@ TEST(ScfReaderLimits, ALargeClaimThatTheFileDoesNotHoldFails) {
         EXPECT_FALSE(opened.read) << version << count;
         EXPECT_EQ(opened.status, 2) << version << count;
       }
+    }
+  }
 }
 
 TEST(ScfReaderLimits, AnUnmetClaimUpToTheLimitIsFilledWithZeros) {

@@ -29,10 +29,12 @@ void expectBareTrace(const OpenedTrace& opened, const std::string& what) {
 }
 
 TEST(ScfReader, Version2And3GiveTheSameTraceInBothSampleSizes) {
-  for (const char* version : {"2.00", "3.00"})
-    for (const std::uint32_t sampleSize : {1u, 2u})
+  for (const char* version : {"2.00", "3.00"}) {
+    for (const std::uint32_t sampleSize : {1u, 2u}) {
       expectBareTrace(openBytes(ScfBuilder().version(version).sampleSize(sampleSize).build()),
                       version + " of size "s + std::to_string(sampleSize));
+    }
+  }
 }
 
 TEST(ScfReader, AVersion2FileYieldsWhatTheEquivalentVersion3FileDoes) {
@@ -111,23 +113,26 @@ TEST(ScfReader, LongTracesAreReadWholeInEveryLayout) {
     peaks[i] = static_cast<std::uint32_t>(6 * i);
     probabilities[i] = static_cast<int>(10 + i % 90);
   }
-  for (const char* version : {"2.00", "3.00"})
+  for (const char* version : {"2.00", "3.00"}) {
     for (const std::uint32_t sampleSize : {1u, 2u}) {
       ScfBuilder builder;
       builder.version(version).sampleSize(sampleSize).bases(bases).peaks(peaks);
-      for (const char letter : "ACGT"s)
+      for (const char letter : "ACGT"s) {
         builder.channel(letter, samples).probabilities(letter, probabilities);
+      }
 
       const OpenedTrace opened = openBytes(builder.build());
 
-      for (const Samples* channel : {&opened.a, &opened.c, &opened.g, &opened.t})
+      for (const Samples* channel : {&opened.a, &opened.c, &opened.g, &opened.t}) {
         EXPECT_TRUE(*channel == expected) << version << sampleSize;
+      }
       EXPECT_EQ(opened.bases, bases);
       EXPECT_EQ(opened.qualities, bytes(probabilities));
       EXPECT_EQ(opened.peaks[4999], 6 * 4999);
       EXPECT_EQ(opened.peaks[5000], 30000);
       EXPECT_EQ(opened.callerName, "built.scf");
     }
+  }
 }
 
 TEST(ScfReader, TheSignOfTheFirstVersionCharacterDecidesTheLayout) {
@@ -155,8 +160,9 @@ TEST(ScfReader, TheSignOfTheFirstVersionCharacterDecidesTheLayout) {
 }
 
 TEST(ScfReader, AnySampleSizeBut1Is16Bits) {
-  for (const std::uint32_t size : {0u, 2u, 3u, 4u, 0x01000000u, 0x101u, 0xFFFFFFFFu})
+  for (const std::uint32_t size : {0u, 2u, 3u, 4u, 0x01000000u, 0x101u, 0xFFFFFFFFu}) {
     expectBareTrace(openBytes(ScfBuilder().sampleSize(size).build()), std::to_string(size));
+  }
 }
 
 TEST(ScfReader, ABaseNHasNoQuality) {
@@ -170,13 +176,14 @@ TEST(ScfReader, ABaseNHasNoQuality) {
 }
 
 TEST(ScfReader, OtherLettersThanACGTHaveNoQuality) {
-  for (const char* version : {"2.00", "3.00"})
+  for (const char* version : {"2.00", "3.00"}) {
     for (const char letter : "acgtnNRYB-*"s) {
       const OpenedTrace opened =
           openBytes(ScfBuilder().version(version).bases("T"s + letter + "T").build());
 
       EXPECT_EQ(opened.qualities, bytes({14})) << version << letter;
     }
+  }
 }
 
 TEST(ScfReader, TheQualityIsTheProbabilityOfTheCalledBase) {
@@ -231,9 +238,10 @@ TEST(ScfReader, TheFirstLineThatBeginsWithBcalCounts) {
         Case{"BCAL=\nBCAL=two\n", ""}, Case{"bcal=one\nBCAL one\n", ""},
         Case{"BCAL=one\r\n", "one\r"}, Case{"BCAL=a\0b\n"s, "a\0b"s}, Case{"BCAL=one", "one"},
         Case{"\nBCAL=BCAL=one\n", "BCAL=one"}, Case{"\n\nBCAL=one\n", "one"},
-        Case{"BCA\nBCAL=one\n", "one"}})
+        Case{"BCA\nBCAL=one\n", "one"}}) {
     EXPECT_EQ(openBytes(ScfBuilder().comments(one.comments).build()).callerName, one.name)
         << one.comments;
+  }
 }
 
 TEST(ScfReader, CommentsWithoutABcalLineLeaveTheCallerNameEmpty) {

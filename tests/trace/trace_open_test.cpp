@@ -26,8 +26,9 @@ Tessaly::String writePacked(const ScratchFolder& folder, const std::string& name
 
 std::vector<std::string> namesIn(const ScratchFolder& folder) {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
     names.push_back(entry.path().filename().string());
+  }
   std::sort(names.begin(), names.end());
   return names;
 }
@@ -63,8 +64,9 @@ using Names = std::vector<std::string>;
 TEST(TraceOpen, ContentDecidesWhateverTheExtension) {
   const ScratchFolder folder;
 
-  for (const char* name : {"one.ab1", "one.scf", "one.txt", "one"})
+  for (const char* name : {"one.ab1", "one.scf", "one.txt", "one"}) {
     EXPECT_TRUE(openPath(folder.write(name, AbifBuilder().build())).read) << name;
+  }
 }
 
 TEST(TraceOpen, ANameEndingInGzIsUnpackedReadAndRemovedAndLosesItsGz) {
