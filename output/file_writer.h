@@ -11,7 +11,7 @@
 namespace Tessaly {
 
 /// The one class that writes files: text, decimal numbers, raw bytes and big-endian binary values,
-/// gathered in a buffer of its own. It is flushed in blocks of exactly `bufferSize` bytes, which
+/// gathered in a buffer of its own. It is flushed in blocks of exactly `bufferSize_` bytes, which
 /// the stream gathers once more, so that a file of ordinary size costs one system write.
 ///
 /// Sizes, widths and counts are bytes (array counts: elements); a count of 0 or less writes
@@ -119,7 +119,7 @@ class FileWriter {
 
  private:
   bool openFile(const char* path, std::ios_base::openmode mode);
-  std::size_t room() const { return static_cast<std::size_t>(bufferEnd - bufferPos); }
+  std::size_t room() const { return static_cast<std::size_t>(bufferEnd_ - bufferPos_); }
   void flush();
   std::size_t fillUpAndFlush(const char* bytes);
 
@@ -131,15 +131,15 @@ class FileWriter {
   // Deliberate: write(char) stores, and operator<<(char) places.
   void place(const char* bytes, std::size_t count) {
     if (count < room()) {
-      std::memcpy(bufferPos, bytes, count);
-      bufferPos += count;
+      std::memcpy(bufferPos_, bytes, count);
+      bufferPos_ += count;
     } else {
       placeInBlocks(bytes, count);
     }
   }
   void place(char byte) {
     if (room() > 1) {
-      *bufferPos++ = byte;
+      *bufferPos_++ = byte;
     } else {
       placeInBlocks(&byte, 1);
     }
@@ -156,20 +156,20 @@ class FileWriter {
   template <std::size_t width>
   void store(const char (&image)[width]) {
     if (room() >= width) {
-      std::memcpy(bufferPos, image, width);
-      bufferPos += width;
+      std::memcpy(bufferPos_, image, width);
+      bufferPos_ += width;
     } else {
       storeInBlocks(image, width);
     }
   }
   void storeInBlocks(const char* bytes, std::size_t count);
 
-  std::ofstream stream;                  // its fail and bad bits are the only error state
-  std::unique_ptr<char[]> bufferStart;   // null when the size is 0
-  char* bufferPos = nullptr;             // next free byte; those before it are pending
-  char* bufferEnd = nullptr;             // one past the last byte of the buffer
-  std::int32_t bufferSize = 0;           // bytes
-  std::unique_ptr<char[]> streamBuffer;  // the stream's; null before the first open
+  std::ofstream stream_;                  // its fail and bad bits are the only error state
+  std::unique_ptr<char[]> bufferStart_;   // null when the size is 0
+  char* bufferPos_ = nullptr;             // next free byte; those before it are pending
+  char* bufferEnd_ = nullptr;             // one past the last byte of the buffer
+  std::int32_t bufferSize_ = 0;           // bytes
+  std::unique_ptr<char[]> streamBuffer_;  // the stream's; null before the first open
 };
 
 }  // namespace Tessaly

@@ -8,7 +8,7 @@ namespace Tessaly {
 
 void FileWriter::place(std::int32_t value) {
   if (room() > static_cast<std::size_t>(String::integerTextSize)) {
-    bufferPos += String::writeInteger(value, bufferPos);
+    bufferPos_ += String::writeInteger(value, bufferPos_);
   } else {
     char text[String::integerTextSize];
     place(text, static_cast<std::size_t>(String::writeInteger(value, text)));

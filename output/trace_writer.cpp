@@ -30,10 +30,10 @@ std::unique_ptr<char[]> interleave(const std::int16_t* const channels[4], std::s
 }  // namespace
 
 TraceWriter::TraceWriter() {
-  std::memcpy(header + ScfLayout::headerMagic, ".scf", 4);
-  Tessaly::putBigEndian32(header + ScfLayout::headerSamplesOffset, ScfLayout::headerSize);
-  std::memcpy(header + ScfLayout::headerVersion, "2.00", 4);
-  Tessaly::putBigEndian32(header + ScfLayout::headerSampleSize, bytesPerSample);
+  std::memcpy(header_ + ScfLayout::headerMagic, ".scf", 4);
+  Tessaly::putBigEndian32(header_ + ScfLayout::headerSamplesOffset, ScfLayout::headerSize);
+  std::memcpy(header_ + ScfLayout::headerVersion, "2.00", 4);
+  Tessaly::putBigEndian32(header_ + ScfLayout::headerSampleSize, bytesPerSample);
 }
 
 TraceWriter::~TraceWriter() = default;
@@ -41,13 +41,14 @@ TraceWriter::~TraceWriter() = default;
 void TraceWriter::writeTrace(Tessaly::String& name, const std::int16_t* const channels[4],
                              std::int32_t count) {
   // The cast keeps the four bytes of the count, whatever its sign.
-  Tessaly::putBigEndian32(header + ScfLayout::headerSampleCount, static_cast<std::uint32_t>(count));
+  Tessaly::putBigEndian32(header_ + ScfLayout::headerSampleCount,
+                          static_cast<std::uint32_t>(count));
   const std::size_t pointCount = static_cast<std::size_t>(std::max(count, 0));
   const std::unique_ptr<char[]> block = interleave(channels, pointCount);
 
   name.append(".scf");
   open(name);
-  writeBytes(header, ScfLayout::headerSize);
+  writeBytes(header_, ScfLayout::headerSize);
   // One call, or several when the block is larger than a call can count.
   constexpr std::size_t pointsPerCall = (std::size_t{1} << 30) / bytesPerPoint;
   for (std::size_t done = 0; done < pointCount; done += pointsPerCall) {

@@ -25,7 +25,7 @@ class TraceWriter : public Tessaly::FileWriter {
   void writeTrace(Tessaly::String& name, const std::int16_t* const channels[4], std::int32_t count);
 
  private:
-  unsigned char header[ScfLayout::headerSize] = {};
+  unsigned char header_[ScfLayout::headerSize] = {};
 };
 
 }  // namespace Quillet
