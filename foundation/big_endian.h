@@ -6,14 +6,16 @@
 
 namespace Tessaly {
 
-// The trace formats store the most significant byte first, whatever the host does. These are the
-// only functions that turn bytes into numbers and numbers into bytes; on a little-endian host the
-// compiler reduces each to one load and one byte swap.
+// The trace formats store numbers with the most significant byte first. Only these functions turn
+// bytes into numbers and numbers into bytes. On a little-endian host the compiler reduces each to
+// one load or store and one byte swap.
 
+/// `value` with its bytes in reverse order.
 inline std::uint16_t swapBytes(std::uint16_t value) {
   return static_cast<std::uint16_t>((value << 8) | (value >> 8));  // back to 16 bits
 }
 
+/// `value` with its bytes in reverse order.
 inline std::uint32_t swapBytes(std::uint32_t value) {
   return (value << 24) | ((value & 0xFF00u) << 8) | ((value >> 8) & 0xFF00u) | (value >> 24);
 }

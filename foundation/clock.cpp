@@ -17,22 +17,22 @@ constexpr const char* dayNames[] = {"Sunday",   "Monday", "Tuesday", "Wednesday"
 
 constexpr int unknown = -1;
 
+/// The name at `index`; empty outside the table.
 template <std::size_t count>
 String nameAt(const char* const (&names)[count], int index) {
-  // As an unsigned number a negative index lies past every table.
+  // The cast makes a negative index a large one, past every table.
   return static_cast<unsigned>(index) < count ? String(names[index]) : String();
 }
 
-// `value` past the range of one digit gives some other character, never more than one: the cast
-// keeps the lowest byte of the sum.
+/// The digit of 0..9. Any other value gives one other character: the cast keeps the lowest byte.
 char digit(int value) { return static_cast<char>('0' + value); }
 
-// The text of format() while it grows, in steps of 1024 bytes.
+/// Builds the text of format(). The buffer grows in steps of 1024 bytes.
 class PatternText {
  public:
-  static constexpr std::size_t longestPiece = 4;  // characters that one pattern character may give
+  static constexpr std::size_t longestPiece = 4;  // characters: "%Y" gives four
 
-  /// Makes room for one piece; to be called before each.
+  /// Makes room for `longestPiece` characters. Call it before each piece.
   void reserve() {
     if (length_ + longestPiece <= size_) return;
     std::unique_ptr<char[]> larger(new (std::nothrow) char[size_ + step]);
@@ -61,7 +61,7 @@ class PatternText {
 
   String text() const {
     String result;
-    // The length fits: patterns are a few characters long.
+    // The length fits 32 bits: patterns are a few characters long.
     if (length_ > 0) result.append(characters_.get(), static_cast<std::int32_t>(length_));
     return result;
   }
@@ -86,7 +86,7 @@ Clock::Clock(std::time_t moment) : seconds_(moment) {
 
 int Clock::yearsSince1900() const { return known_ ? fields_.tm_year : unknown; }
 int Clock::monthIndex() const { return known_ ? fields_.tm_mon : unknown; }
-// The sum wraps in the last 1900 years that an `int` of years since 1900 can hold.
+// The sum wraps for the last 1900 values of `tm_year`, where it does not fit an `int`.
 int Clock::year() const {
   return known_ ? static_cast<int>(static_cast<unsigned>(fields_.tm_year) + 1900U) : unknown;
 }
@@ -146,7 +146,7 @@ String Clock::format(const char* pattern) const {
         result.putTwoDigits(second());
         break;
       default:
-        result.putTwoDigits(0);  // Deliberate: an unknown letter is two zeros, and so is none.
+        result.putTwoDigits(0);  // Deliberate: an unknown letter, or no letter, gives "00".
         if (*pattern == '\0') return result.text();
         break;
     }

@@ -8,18 +8,18 @@ namespace Tessaly {
 
 /// One moment of local time, read when the object is made.
 ///
-/// The moment is a `time_t`; its broken-down form is local time in the zone of the environment
-/// variable TZ, or in the system's zone where TZ is not set. A moment that has no broken-down form
-/// (a year beyond `int`) is unknown: numbers are then -1 and texts empty. A plain value: owns
-/// nothing, prints nothing.
-/// Errors: where memory is out, format() throws the integer 1 for its buffer, and the Strings that
-/// are handed out throw as Strings do. Nothing else fails.
+/// The zone is that of the environment variable TZ, or the system's zone when TZ is not set. A
+/// moment whose year does not fit an `int` is unknown: its numbers are -1 and its texts empty. A
+/// plain value: owns nothing, prints nothing.
+/// Errors: only lack of memory. format() then throws the integer 1 when its buffer can not grow;
+/// every returned String throws as Strings do.
 class Clock {
  public:
-  /// Now.
+  /// The present moment.
   Clock();
   explicit Clock(std::time_t moment);
 
+  // Each number is -1 when the moment is unknown.
   int yearsSince1900() const;
   int monthIndex() const;  // 0..11
   int year() const;
@@ -31,23 +31,22 @@ class Clock {
   int minute() const;
   int second() const;
 
-  // English names; empty for an index outside the table.
+  // English names. An index outside the table gives the empty text.
   String monthName() const;
   static String monthName(int index);
   String dayName() const;
   static String dayName(int index);
 
-  /// The C library's date text without its line feed, as in "Sun Nov 15 12:04:40 2026": 24
-  /// characters when the year has four digits.
+  /// The text that ctime() gives, without its line feed: "Sun Nov 15 12:04:40 2026".
   String asText() const;
 
-  /// Copies `pattern`, putting numbers for %y (year, 2 digits), %Y (year, 4 digits), %M (month),
-  /// %D (day), %h, %m, %s (2 digits each) and "%" for %%; any other letter stands for "00".
+  /// Copies `pattern` and replaces %Y (year, 4 digits), %y (year, 2 digits), %M (month), %D (day),
+  /// %h, %m, %s (2 digits each) and %% (a "%"). Any other letter after "%" becomes "00".
   String format(const char* pattern) const;
 
  private:
   std::time_t seconds_;
-  // The C library's own storage is overwritten by the next clock; a copy keeps clocks apart.
+  // A copy: localtime() overwrites its storage at the next call.
   std::tm fields_{};
   bool known_ = false;
 };

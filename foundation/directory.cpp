@@ -23,15 +23,16 @@ constexpr mode_t directoryBit = 0040000;
 constexpr mode_t ownerReadBit = 0400;
 constexpr mode_t ownerWriteBit = 0200;
 
-std::size_t workingDirectorySize = 256;  // bytes for getcwd; grows, and stays grown for later calls
+std::size_t workingDirectorySize = 256;  // bytes for getcwd(); later calls keep the grown size
 
+/// `path` with a "/" at its end.
 String withFinalSlash(const char* path) {
   String result(path);
   if (!result.endsWith('/')) result.append('/');
   return result;
 }
 
-// The working directory as the system knows it; empty, after a warning, when it does not.
+/// The working directory from getcwd(). Warns and is empty when that fails.
 String systemWorkingDirectory() {
   for (;;) {
     const auto buffer = std::make_unique<char[]>(workingDirectorySize);
@@ -47,8 +48,8 @@ String systemWorkingDirectory() {
 
 enum class EntryKind { subdirectory, file, neither };
 
-// Opening is the test, not the type that the directory notes: so a link counts as what it leads to,
-// and what can not be opened as a directory for any reason but its kind is neither.
+/// Opens the path as a directory: so a link counts as its target. The entry is a file when opening
+/// fails with ENOTDIR, and neither when it fails for another reason.
 EntryKind kindByOpening(const std::string& path) {
   const DirectoryHandle handle(opendir(path.c_str()));
   if (handle != nullptr) return EntryKind::subdirectory;
@@ -61,7 +62,7 @@ Directory::Exception::Exception(const char* path) : path_(path) {}
 Directory::Exception::~Exception() = default;
 const char* Directory::Exception::path() const { return path_.c_str(); }
 
-// The colons stand where they stand: callers print a blank and the path behind each text.
+// Deliberate: some texts end in a colon, some do not. Callers print a blank and the path next.
 const char* Directory::AccessError::message() const { return "could not access directory:"; }
 const char* Directory::NotFound::message() const { return "no such file or directory:"; }
 const char* Directory::NotADirectory::message() const { return "not a directory"; }
@@ -78,7 +79,7 @@ bool Directory::read(const char* path, bool includeHidden) {
   subdirectories_.clear();
   files_.clear();
 
-  // Counted beforehand: a long list that grew would leave behind all the places it has stood in.
+  // Counted first: one allocation of the final size, instead of a series of growing ones.
   std::size_t entryCount = 0;
   while (readdir(handle.get()) != nullptr) ++entryCount;
   rewinddir(handle.get());
@@ -98,7 +99,7 @@ bool Directory::read(const char* path, bool includeHidden) {
         files_.emplace_back(name);
         break;
       case EntryKind::neither:
-        break;  // Deliberate: an entry that is there but can not be opened is in neither list.
+        break;  // Deliberate: an entry that can not be opened is in neither list.
     }
   }
 
@@ -132,9 +133,9 @@ void Directory::check(const char* path, bool mustBeReadable, bool mustBeWriteabl
     if (error == EACCES) throw PermissionDenied(path);
     throw AccessError(path);
   }
-  // Deliberate: one bit, not the whole kind, so that sockets and block devices pass as directories.
+  // Deliberate: one bit, not the whole file type. Sockets and block devices have it and pass.
   if ((status.st_mode & directoryBit) == 0) throw NotADirectory(path);
-  // Deliberate: the owner's bits rule, whoever runs the program.
+  // Deliberate: the owner's bits count, whoever runs the program.
   if (mustBeReadable && (status.st_mode & ownerReadBit) == 0) throw NotReadable(path);
   if (mustBeWriteable && (status.st_mode & ownerWriteBit) == 0) throw NotWriteable(path);
 }
@@ -167,7 +168,7 @@ String Directory::directoryName(const String& path) {
 }
 
 String Directory::parentDirectory(String& path) {
-  // Deliberate: the caller's own text loses the "/", too.
+  // Deliberate: the caller's text loses its final "/" too.
   if (path.endsWith('/')) path.removeLast(1);
   return directoryName(path);
 }

@@ -24,16 +24,16 @@ ProgressMeter::ProgressMeter(std::int32_t itemCount, bool onTerminal)
       scaledCount_(100 * static_cast<std::int64_t>(itemCount)) {}
 
 void ProgressMeter::start() {
-  // Deliberate: percent and threshold stay, so a meter that is started again goes on from there.
+  // Deliberate: percentage and threshold stay. A second start goes on from them.
   progress_ = 0;
   draw(nullptr);
 }
 
 void ProgressMeter::step(const char* label) {
   progress_ += 100;
-  // Without items no number of steps makes a percent, and the threshold would never get there.
+  // Without items there is no percentage, and the threshold could not grow.
   if (threshold_ >= progress_ || itemCount_ <= 0) return;
-  // As many whole percents as it takes for the threshold to reach the progress.
+  // The number of whole percents that brings the threshold up to the progress.
   const std::int64_t passed = (progress_ - threshold_ + itemCount_ - 1) / itemCount_;
   threshold_ += passed * itemCount_;
   percent_ += passed;
@@ -49,7 +49,7 @@ void ProgressMeter::clearLine() const {
   if (onTerminal_) std::cerr << eraseLine;
 }
 
-// The line goes out in one piece: the stream is unbuffered, so each piece is a system call.
+// One write for the whole line: the stream is unbuffered, so each write is a system call.
 void ProgressMeter::draw(const char* label) const {
   const std::string number = std::to_string(percent_);
   std::string line;
@@ -58,7 +58,7 @@ void ProgressMeter::draw(const char* label) const {
   line += number;
   line += "% done";
   if (label != nullptr) line.append(" (").append(label).append(")");
-  // Deliberate: up first, then the newline, which leaves the cursor at the start of this line.
+  // Deliberate: one line up, then the newline. The cursor ends at the start of this line.
   if (onTerminal_) line += lineUp;
   line += '\n';
   std::cerr.write(line.data(), static_cast<std::streamsize>(line.size())).flush();

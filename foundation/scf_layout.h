@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-// The Standard Chromatogram Format, as the published description of versions 2 and 3 gives it. All
-// numbers in a file are big-endian. The reader and the writer share this one table.
+// The Standard Chromatogram Format, versions 2 and 3, after its published description. All numbers
+// are big-endian. The reader and the writer share this table.
 namespace Quillet::ScfLayout {
 
 // Header: byte offsets from the start of the file.

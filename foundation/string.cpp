@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::int64_t largestCapacity = std::numeric_limits<std::int32_t>::max();  // bytes
 
+/// Throws an allocation error also for more than `largestCapacity` bytes.
 std::unique_ptr<char[]> newBuffer(std::int64_t bytes) {
   if (bytes > largestCapacity) {
     throw stringAllocationError;
@@ -26,6 +27,7 @@ std::unique_ptr<char[]> newBuffer(std::int64_t bytes) {
   return buffer;
 }
 
+/// `count`; a negative one is a parameter error.
 std::int32_t checkedCount(std::int32_t count) {
   if (count < 0) {
     throw stringParameterError;
@@ -33,6 +35,7 @@ std::int32_t checkedCount(std::int32_t count) {
   return count;
 }
 
+/// The length of a plain text, which must not be null.
 std::int32_t lengthOf(const char* text) {
   if (text == nullptr) {
     throw stringParameterError;
@@ -44,7 +47,7 @@ std::int32_t lengthOf(const char* text) {
   return static_cast<std::int32_t>(length);  // fits: tested above
 }
 
-/// The regions may overlap; for a count of 0 there may be none.
+/// The regions may overlap. With a count of 0 both pointers may be null.
 void copyRun(char* destination, const char* run, std::int32_t count) {
   if (count > 0) {
     std::memmove(destination, run, static_cast<std::size_t>(count));
@@ -94,7 +97,7 @@ String::String(char character, std::int32_t count) : String(checkedCount(count))
 
 String::~String() = default;
 
-// Deliberate: assignments shrink the buffer too, so that texts that are kept stay tight.
+// Deliberate: an assignment also shrinks the buffer, so that stored texts take no spare room.
 String& String::operator=(const String& other) {
   store(other.text_.get(), other.length_, std::int64_t{other.length_} + 1);
   return *this;
@@ -111,13 +114,13 @@ void String::set(const String& other) { keepOrStore(other.text_.get(), other.len
 void String::set(const char* text) { keepOrStore(text, lengthOf(text)); }
 
 void String::setPrefix(const String& source, std::int32_t count) {
-  // Deliberate: a count of 0 stands for the whole source, not for the empty text.
+  // Deliberate: a count of 0 means the whole source, not the empty text.
   const bool whole = checkedCount(count) == 0 || count > source.length_;
   keepOrStore(source.text_.get(), whole ? source.length_ : count);
 }
 
 void String::setPrefix(const char* source, std::int32_t count) {
-  // Deliberate: a count of 0 stands for the whole source, not for the empty text.
+  // Deliberate: a count of 0 means the whole source, not the empty text.
   if (checkedCount(count) == 0) {
     set(source);
     return;
@@ -162,7 +165,7 @@ void String::removeLast(std::int32_t count) {
 }
 
 void String::cut(std::int32_t position) {
-  // Deliberate: a cut at the very end is refused too.
+  // Deliberate: a cut at the end of the text is a position error too.
   if (position < 0 || position >= length_) {
     throw stringPositionError;
   }
@@ -267,7 +270,7 @@ bool readLine(std::istream& stream, String& line) {
   bool found = false;
   line.clear();
   while (stream.good()) {
-    const int next = stream.peek();  // so that get() never fails for want of a character
+    const int next = stream.peek();  // so that get() never fails for lack of a character
     if (next == std::char_traits<char>::eof()) {
       break;
     }

@@ -15,7 +15,7 @@ constexpr std::int32_t numberTextSize = 352;  // bytes; 309 digits, 15 decimals,
 enum class Justify { left, right, centre };
 
 struct FieldFormat {
-  std::int32_t position = 0;  // "A": bytes away from where the alignment puts the value
+  std::int32_t position = 0;  // "A": characters that the value is shifted by
   Justify justify = Justify::left;
   char fillCharacter = ' ';
   std::int32_t decimals = 0;
@@ -23,7 +23,8 @@ struct FieldFormat {
   bool signAtRim = false;
 };
 
-/// Takes the digits at `place`; a number that does not fit is the largest one.
+/// Reads the digits at `place` and moves past them. A number too large for the type becomes its
+/// maximum.
 std::int32_t takeNumber(const char*& place) {
   const char* const digits = place;
   while (std::isdigit(static_cast<unsigned char>(*place)) != 0) {
@@ -36,6 +37,7 @@ std::int32_t takeNumber(const char*& place) {
   return number;
 }
 
+/// Throws a parameter error for a null format.
 FieldFormat parsed(const char* place) {
   if (place == nullptr) {
     throw stringParameterError;
@@ -72,15 +74,15 @@ FieldFormat parsed(const char* place) {
   return format;
 }
 
-/// Where the value begins when `room` bytes of the field are left over.
+/// The index in the field where the value starts; `room` is the number of fill characters.
 std::int32_t placeOf(const FieldFormat& format, std::int32_t room) {
   const std::int32_t start = format.justify == Justify::centre ? room / 2 : 0;
   const std::int32_t shift = std::min(format.position, room - start);
   return format.justify == Justify::right ? room - shift : start + shift;
 }
 
-/// `width` characters, or as many as the value needs; its first `signCount` ones (0 or 1) are its
-/// sign.
+/// A field of `width` characters, or of the length of a longer value. The first `signCount` (0 or
+/// 1) characters of the value are its sign.
 String fieldOf(const String& value, std::int32_t signCount, std::int32_t width,
                const FieldFormat& format) {
   if (width < 0) {
@@ -103,7 +105,7 @@ String textField(const String& value, std::int32_t width, const char* format) {
   return fieldOf(value, 0, width, parsed(format));
 }
 
-/// `number` is the text without a "+".
+/// `number` is the value's text without a "+". `signable` is false for a NaN, which gets no sign.
 String numberField(const String& number, bool negative, bool signable, std::int32_t width,
                    const FieldFormat& format) {
   const bool plus = format.alwaysSign && signable && !negative;
@@ -114,6 +116,7 @@ String integerField(std::int32_t value, std::int32_t width, const char* format) 
   return numberField(String::textOf(value), value < 0, true, width, parsed(format));
 }
 
+/// `value` with so many decimals; with none, or when it is not finite, the text of textOf().
 String decimalsText(double value, std::int32_t decimals) {
   if (decimals == 0 || !std::isfinite(value)) {
     return String::textOf(value);

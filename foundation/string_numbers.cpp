@@ -18,7 +18,7 @@ const char* behindDigits(const char* place, const char* end) {
   return std::find_if_not(place, end, isDigit);
 }
 
-/// The place behind "." and its digits; `place` itself when they are not there.
+/// The place after "." and at least one digit; `place` itself when there are none.
 const char* behindFraction(const char* place, const char* end) {
   if (place == end || *place != '.') {
     return place;
@@ -27,7 +27,8 @@ const char* behindFraction(const char* place, const char* end) {
   return behind == place + 1 ? place : behind;
 }
 
-/// The place behind "e" or "E", a sign if any, and digits; `place` itself when they are not there.
+/// The place after "e" or "E", an optional sign and at least one digit; `place` itself when there
+/// are none.
 const char* behindExponent(const char* place, const char* end) {
   if (place == end || (*place != 'e' && *place != 'E')) {
     return place;
@@ -52,15 +53,15 @@ int hexadecimalDigit(char character) {
 }
 
 constexpr int keptDigits = 15;   // significant digits of a double's text
-constexpr int lowestFixed = -6;  // exponents of ten that are written in fixed notation
+constexpr int lowestFixed = -6;  // lowest and highest exponent of ten in fixed notation
 constexpr int highestFixed = 15;
-constexpr int largestExactPower = 22;  // products up to 1e22 are exact
+constexpr int largestExactPower = 22;  // powers of ten up to 1e22 are exact
 constexpr int largestPower = std::numeric_limits<double>::max_exponent10;
 constexpr int doubleTextSize = 40;  // bytes; the longest text has 1 + 2 + 5 + 15 characters
 
 /// A positive number as digits d[0].d[1]d[2]... times ten to the `exponent`.
 struct Decimal {
-  char digits[keptDigits + 1];  // the one more decides the rounding
+  char digits[keptDigits + 1];  // the last one only rounds
   int digitCount;
   int exponent;
 };
@@ -90,14 +91,14 @@ int takeExponent(double& value) {
   }
   double mantissa = quotient;
   for (int raised = 0; mantissa < 1; --exponent) {
-    if (raised == largestPower) {  // a denormal value: go on from what the powers have reached
+    if (raised == largestPower) {  // a denormal value: one power is not enough
       quotient = mantissa;
       raised = 0;
     }
     ++raised;
     mantissa = quotient * powerOfTen(raised);
   }
-  if (mantissa >= 10) {  // the product of a value just below the last power was rounded up
+  if (mantissa >= 10) {  // the product was rounded up
     mantissa /= 10;
     ++exponent;
   }
@@ -105,7 +106,8 @@ int takeExponent(double& value) {
   return exponent;
 }
 
-/// The value to 15 significant digits, without zeros at the end; the 16th digit alone rounds.
+/// A positive finite value, rounded to 15 significant digits, without zeros at the end. The 16th
+/// digit decides the rounding; later ones do not count.
 Decimal decimalOf(double value) {
   Decimal decimal;
   decimal.exponent = takeExponent(value);
@@ -132,8 +134,9 @@ Decimal decimalOf(double value) {
   return decimal;
 }
 
+/// Appends `count` zeros, at most 15; none for a negative count.
 void appendZeros(String& text, int count) {
-  text.append("000000000000000", std::max(count, 0));  // fixed notation needs no more
+  text.append("000000000000000", std::max(count, 0));  // enough for fixed notation
 }
 
 void appendFixed(String& text, const Decimal& decimal) {
@@ -191,15 +194,15 @@ bool String::isDecimalNumber() const {
 
 std::int32_t String::hexadecimalValue() const {
   std::uint32_t value = 0;
-  // Deliberate: an upper-case X is not skipped, so that "0X1F" ends behind its zero.
+  // Deliberate: "0X" is not skipped, so that "0X1F" is 0: its digits end at the "X".
   for (const char* place = text_.get() + (startsWith("0x") ? 2 : 0);; ++place) {
-    const int digit = hexadecimalDigit(*place);  // the zero byte ends every text
+    const int digit = hexadecimalDigit(*place);  // -1 for the final zero byte
     if (digit < 0) {
       break;
     }
     value = value * 16 + static_cast<std::uint32_t>(digit);
   }
-  return static_cast<std::int32_t>(value);  // the low 32 bits, taken as signed
+  return static_cast<std::int32_t>(value);  // the low 32 bits as a signed number
 }
 
 std::int32_t String::writeInteger(std::int32_t value, char* destination) {

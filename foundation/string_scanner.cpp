@@ -117,7 +117,7 @@ bool StringScanner::find(const String& pattern) {
 }
 
 bool StringScanner::find(char character) {
-  // The zero character has the length as its index, where moveTo refuses to go.
+  // The zero character has the length as its index, which moveTo refuses.
   return moveTo(scanned_->firstIndex(character));
 }
 

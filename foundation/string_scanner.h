@@ -7,56 +7,56 @@
 
 namespace Tessaly {
 
-/// Walks through the text of a String: words, lines and pieces up to a character.
+/// Reads the text of a String piece by piece: words, lines and pieces up to a character.
 ///
-/// The position points into the scanned text, from its first character to its zero byte. Words are
-/// separated by white space, lines by the newline character. The scanner borrows the String, which
-/// must outlive it and stay unchanged meanwhile; built from plain text it owns a copy for its whole
-/// life, also when it is attached to another String later.
-/// Errors: throws what a String throws, without moving: for an allocation (a target is then empty),
-/// for a null text, and for a read into the scanned String itself (a parameter error). Everything
-/// else is a false result. A negative count moves nothing and is false.
+/// The position is a place in the scanned text, from its first character to its final zero byte.
+/// White space separates words, a newline ends a line. The scanner borrows the String, which must
+/// outlive it and stay unchanged meanwhile. A scanner of a plain text owns a copy for its whole
+/// life.
+/// Errors: throws as a String does, without moving: for lack of memory (a target is then empty),
+/// for a null text, and for a target that is the scanned String (a parameter error). Any other
+/// failure is a false result. A negative count moves nothing and is false.
 class StringScanner {
  public:
   explicit StringScanner(const String& text);
-  explicit StringScanner(const String&& text) = delete;  // it would be gone at once
+  explicit StringScanner(const String&& text) = delete;  // a temporary would be gone at once
   explicit StringScanner(const char* text);
 
   /// Scans another String from its first character.
   void attach(const String& text);
   void attach(const String&& text) = delete;
 
-  /// Stops at the first character, and is false, where there are fewer than `count` before.
+  /// False, at the first character, when fewer than `count` characters come before the position.
   bool moveBack(std::int32_t count);
-  /// Stops at the end, and is false, where there are fewer than `count` left.
+  /// False, at the end, when fewer than `count` characters are left.
   bool moveForward(std::int32_t count);
-  /// False, without moving, unless `index` is that of a character.
+  /// False, without moving, unless `index` is 0..length - 1.
   bool moveTo(std::int32_t index);
 
-  /// The character at the position, which then moves on; at the end the zero byte, without moving.
+  /// Returns the character at the position and moves past it. At the end: a zero byte, no move.
   char next();
 
-  /// Stops at the character, or, false, at the end.
+  /// Stops at the next such character. False, at the end, when there is none.
   bool skipTo(char character);
   void skipWhiteSpace();
-  // These stop behind what they skip, or, false, at the end when there were fewer than `count`.
+  // These stop after the last of the `count` pieces. False, at the end, when there are fewer.
   // The last line needs no newline.
   bool skipWords(std::int32_t count);
   bool skipPast(char character, std::int32_t count);
   bool skipLines(std::int32_t count);
 
-  // These are false, and clear the target, when the position is already at the end.
-  /// The word behind any white space; false too when only white space is left.
+  // These replace the target and move past what they read. False, with an empty target, at the end.
+  /// Skips white space and reads the word after it. False too when only white space is left.
   bool readWord(String& target);
-  /// The text before the next `character` (not taken), or the rest when there is none.
+  /// Reads up to the next `character` and stops at it; reads the rest when there is none.
   bool readUpTo(char character, String& target);
   bool readRest(String& target);
 
-  /// Whether `pattern` stands at the position; never for an empty one.
+  /// Whether the text at the position starts with `pattern`. False for an empty pattern.
   bool matches(const String& pattern) const;
 
-  // Deliberate: the search starts at the first character of the text, not at the position. Found,
-  // the position moves to the match. The empty text and the zero character are never found.
+  // Deliberate: the search starts at the first character of the text, not at the position. A match
+  // moves the position to it. The empty text and the zero character are never found.
   bool find(const String& pattern);
   bool find(char character);
 
@@ -66,10 +66,10 @@ class StringScanner {
 
  private:
   const char* end() const { return scanned_->text() + scanned_->length(); }
-  /// The next place of `character` from the position on; the end when there is none.
+  /// The first `character` at or after the position; the end when there is none.
   const char* placeOf(char character) const;
-  /// Copies the text from `first` to before `behind` into `target` and moves there; false where
-  /// `first` is the end.
+  /// Copies the characters from `first` up to, not including, `behind` into `target` and moves to
+  /// `behind`. False when `first` is the end.
   bool take(const char* first, const char* behind, String& target);
 
   std::unique_ptr<String> owned_;

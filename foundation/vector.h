@@ -16,18 +16,17 @@ inline constexpr const char* vectorAllocationError =
     "ERROR: Can not allocate memory for vector array";
 inline constexpr const char* vectorRangeError = "ERROR: Vector array parameter is out of range";
 
-/// A growable array with a cursor for stepwise traversal; derived vectors may replace operations.
+/// A growable array with a cursor for stepwise traversal. Derived vectors may replace operations.
 ///
-/// Every Vector owns its elements. Indices count from 0; the cursor is an index too, from 0 to
-/// size, and stands behind the last element where it equals size. Only the operations that say so
-/// move it. References stay valid until the next operation that changes the vector. The vector
-/// itself, or elements of it, may be given to every operation.
-/// Growth: where more room is needed than there is, to twice what is needed. An assignment that
-/// needs a larger array takes one for exactly its elements; assignAndCopy() says what it takes.
-/// Errors: throws one of the two texts above and, for elements whose copies can not fail, leaves
-/// the vector as it was. A negative count is out of range. No array has more than 2^31 - 1
-/// elements: as growth doubles, growing to 2^30 elements or more is an allocation error, however
-/// much memory there is.
+/// Owns its elements. Indices count from 0. The cursor is an index from 0 to size; at size it is
+/// after the last element. An operation moves it only where its comment says so. References stay
+/// valid until the next operation that changes the vector. Every operation accepts the vector
+/// itself and its elements.
+/// Growth: append and insert take an array twice as large as needed, an assignment one of exactly
+/// the size needed; assignAndCopy() takes over a capacity.
+/// Errors: throws one of the two texts above and leaves the vector unchanged, unless an element's
+/// copy throws. A negative count is out of range. An array has at most 2^31 - 1 elements. Growth
+/// doubles, so growing to 2^30 elements or more is an allocation error.
 template <typename T>
 class Vector {
  public:
@@ -41,11 +40,10 @@ class Vector {
 
   // The virtual operations. Their order is part of the class: derived vectors rely on the slots.
 
-  /// Sorts the elements first..last (both inclusive) ascending with a quicksort that takes the
-  /// first element as its pivot, not stable. Every part is sorted through this operation again, so
-  /// that a replacement serves the whole recursion. Sorted input is the worst case: the recursion
-  /// is then as deep as there are elements, each level with a frame on the stack, and the time
-  /// grows with the square of their number.
+  /// Sorts the elements first..last (both inclusive) ascending. A quicksort with the first element
+  /// as its pivot; not stable. Deliberate: each part is sorted through this virtual operation, so
+  /// that a replacement serves the whole recursion. Sorted input is the worst case: one recursion
+  /// level and stack frame for each element, and quadratic time.
   virtual void sortRange(std::int32_t first, std::int32_t last);
 
   virtual ~Vector() = default;
@@ -53,32 +51,33 @@ class Vector {
   /// Keeps the capacity; moves the cursor to the start.
   virtual void clear();
 
-  /// The element at the cursor; out of range behind the last one.
+  /// The element at the cursor; out of range when the cursor is at size.
   virtual const T& current() const;
-  /// Moves the cursor to `index`.
+  /// The element at `index`. Moves the cursor to `index`.
   virtual const T& at(std::int32_t index);
-  /// The element at the cursor, which then moves on; out of range behind the last one.
+  /// The element at the cursor, which then moves to the next; out of range when it is at size.
   virtual const T& next();
-  /// The element at the cursor, which then moves back. Out of range at index 0 (so that element 0
-  /// is never returned) and behind the last element, where there is none.
+  /// The element at the cursor, which then moves to the one before. Out of range when the cursor is
+  /// at 0 (so that element 0 is never returned) or at size.
   virtual const T& previous();
-  /// Moves the cursor to `index`; replace() leaves it alone.
+  /// Replaces the element at `index`. Moves the cursor to `index`; replace() does not.
   virtual void set(std::int32_t index, T value);
-  /// The same as at(), but a replacement of that one does not change it.
+  /// The same as at(). A class that replaces at() does not change it.
   virtual const T& elementAt(std::int32_t index) { return Vector::at(index); }
 
-  /// Takes over the other's capacity too, larger or smaller; moves the cursor to the end and
-  /// returns a copy.
+  /// Takes over the elements and the capacity of `other`, larger or smaller. Moves the cursor to
+  /// the end. Returns a copy of `other`.
   virtual Vector assignAndCopy(const Vector& other);
   /// Moves the cursor to the end.
   virtual void assign(const Vector& other);
   /// Moves the cursor to the start.
   virtual void assign(const T* values, std::int32_t count);
-  /// Becomes one element; moves the cursor to the start.
+  /// The vector becomes this one element. Moves the cursor to the start.
   virtual void assign(T value);
 
+  /// All elements, in an array of the caller's own.
   virtual std::unique_ptr<T[]> copyOut() const;
-  /// Copies as many elements as there are and as `count` places hold.
+  /// Copies the first `count` elements, or all when there are fewer.
   virtual void copyOut(T* places, std::int32_t count) const;
 
   virtual void append(const Vector& other) { appendRun(other.data(), other.size_); }
@@ -96,9 +95,10 @@ class Vector {
     check(count >= 0);
     overwriteRun(index, values, count);
   }
+  /// Does not move the cursor.
   virtual void replace(std::int32_t index, T value);
 
-  // Insertion at `index` (0..size): the elements from there on move up.
+  // Insertion at `index` (0..size): the elements from `index` on move up.
   virtual void insert(std::int32_t index, const Vector& other) {
     insertRun(index, other.data(), other.size_);
   }
@@ -108,12 +108,13 @@ class Vector {
   }
   virtual void insert(std::int32_t index, T value) { insertRun(index, &value, 1); }
 
-  // Removal: the later elements move down and the cursor moves to the start.
+  // Removal: the later elements move down. Moves the cursor to the start.
   virtual void remove(std::int32_t index);
-  /// The same as remove(), but a replacement of that one does not change it.
+  /// The same as remove(). A class that replaces remove() does not change it.
   virtual void erase(std::int32_t index) { Vector::remove(index); }
   virtual void removeRange(std::int32_t index, std::int32_t count);
-  /// Keeps `size` elements, fewer than there are; moves the cursor to the start.
+  /// Keeps the first `size` elements, which must be fewer than there are. Moves the cursor to the
+  /// start.
   virtual void truncate(std::int32_t size);
 
   virtual bool contains(const T& value) const;
@@ -130,7 +131,7 @@ class Vector {
 
  private:
   static std::unique_ptr<T[]> newArray(std::int64_t count);
-  /// Copies to a place that may overlap the source.
+  /// The regions may overlap.
   static void copyRun(const T* values, std::int32_t count, T* destination);
   static void check(bool inRange) {
     if (!inRange) {
@@ -139,7 +140,8 @@ class Vector {
   }
 
   void checkIndex(std::int32_t index) const { check(index >= 0 && index < size_); }
-  /// The part that assignments share; a new array of `capacity` elements replaces another size.
+  /// Becomes these `count` elements. Takes a new array unless the present capacity is `capacity`.
+  /// Does not move the cursor.
   void store(const T* values, std::int32_t count, std::int32_t capacity);
   void appendRun(const T* values, std::int32_t count);
   void overwriteRun(std::int32_t index, const T* values, std::int32_t count);
@@ -205,7 +207,7 @@ const T& Vector<T>::next() {
 
 template <typename T>
 const T& Vector<T>::previous() {
-  // Deliberate: refused at index 0, so that element 0 is never returned.
+  // Deliberate: out of range at cursor 0, so that element 0 is never returned.
   check(cursor_ > 0 && cursor_ < size_);
   return elements_[static_cast<std::size_t>(cursor_--)];
 }
@@ -219,7 +221,7 @@ void Vector<T>::set(std::int32_t index, T value) {
 
 template <typename T>
 Vector<T> Vector<T>::assignAndCopy(const Vector& other) {
-  Vector copy(other);  // what this one becomes; first, so that a failure leaves it as it was
+  Vector copy(other);  // first, so that a failure leaves the vector unchanged
   store(other.data(), other.size_, other.capacity_);
   cursor_ = size_;
   return copy;
@@ -304,7 +306,7 @@ std::unique_ptr<T[]> Vector<T>::newArray(std::int64_t count) {
 template <typename T>
 void Vector<T>::copyRun(const T* values, std::int32_t count, T* destination) {
   if (count < 1 || values == destination) {
-    return;  // for no elements there may be no array
+    return;  // with a count of 0 the pointers may be null
   }
   if (std::less<const T*>()(values, destination)) {
     std::copy_backward(values, values + count, destination + count);
@@ -343,7 +345,7 @@ void Vector<T>::appendRun(const T* values, std::int32_t count) {
 
 template <typename T>
 void Vector<T>::overwriteRun(std::int32_t index, const T* values, std::int32_t count) {
-  // Deliberate: strictly less, so that a block may not end at the last element.
+  // Deliberate: strictly less, so that a block that ends at the last element is out of range.
   check(index >= 0 && std::int64_t{index} + count < size_);
   copyRun(values, count, elements_.get() + index);
 }
