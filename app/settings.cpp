@@ -5,8 +5,8 @@
 namespace Quillet {
 
 void ensureTrailingSlash(std::string& directory) {
-  // Deliberate: without any "/" the position found is npos, which for an empty text is also
-  // length - 1, so that an empty text (the working directory) never turns into the root "/".
+  // Deliberate: an empty text (the working directory) must not become "/". Its rfind gives npos,
+  // and its length() - 1 wraps to npos.
   if (directory.rfind('/') != directory.length() - 1) directory += '/';
 }
 
