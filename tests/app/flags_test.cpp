@@ -88,7 +88,7 @@ TEST(Flags, TheDataDirectoryGetsATrailingSlashUnlessItHasOne) {
   }
 }
 
-TEST(Flags, TheArgumentIsTakenAsItStandsEvenWhenItBeginsWithAHyphen) {
+TEST(Flags, TheArgumentIsTakenUnchangedEvenWhenItBeginsWithAHyphen) {
   Settings settings;
   applyFlags(settings, {"-d", "-o", "-l", "-s"}, "COMMAND LINE");
 

@@ -256,7 +256,7 @@ TEST_F(ProjectPrepare, TheRootAndTheChromatDirectoryNeedNotBeWriteable) {
   expectRoot(at("p/"));
 }
 
-TEST_F(ProjectPrepare, AFileInADirectorysPlaceIsNotFoundBehindItsSlash) {
+TEST_F(ProjectPrepare, AFileInADirectorysPlaceIsNotFoundWithAFinalSlash) {
   remove("p/phd_dir");
   folder_.write("p/phd_dir", "a file");
 

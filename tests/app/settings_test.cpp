@@ -76,7 +76,7 @@ TEST(Settings, WithoutAListFileThereIsNoName) {
   EXPECT_STREQ(name.text(), "untouched");
 }
 
-TEST(Settings, TheListFileIsGivenAsItStands) {
+TEST(Settings, TheListFileIsGivenUnchanged) {
   for (const char* listed : {"names.txt", "-", "/data/names", " ", "dir/"}) {
     Settings settings;
     settings.listFile_ = listed;

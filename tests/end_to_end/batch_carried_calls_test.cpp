@@ -92,7 +92,7 @@ G 7 0 0 T 7 0 0 0 0 0 13056
 )");
 }
 
-TEST(CarriedCalls, PeaksTakenOverMayLieBehindTheEndOfTheTrace) {
+TEST(CarriedCalls, PeaksTakenOverMayLiePastTheEndOfTheTrace) {
   const ProjectFolder project;
   AbifBuilder longer;
   for (const char letter : {'A', 'C', 'G', 'T'}) longer.channel(letter, spike(40, 35, 100));
@@ -176,7 +176,7 @@ TEST(CarriedCalls, ATraceThatTheQualityGateStoppedLeavesItsQualities) {
   EXPECT_EQ(project.phdBases("b"), "C 33 1\nG 20 4\n");
 }
 
-TEST(CarriedCalls, ATraceWithoutCallsIsStoppedBehindOneThatTheQualityGateStopped) {
+TEST(CarriedCalls, ATraceWithoutCallsIsStoppedAfterOneThatTheQualityGateStopped) {
   const ProjectFolder project;
   project.addTrace("a.ab1", stoppedTrace());
   project.addTrace("b.ab1", traceWithoutCalls());

@@ -88,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(
         PackedCase{"two members",
                    gzipped(anyTrace().substr(0, 300)) + gzipped(anyTrace().substr(300)), false,
                    true},
-        PackedCase{"rubbish behind", gzipped(anyTrace()) + "rubbish", false, true},
+        PackedCase{"rubbish after it", gzipped(anyTrace()) + "rubbish", false, true},
         PackedCase{"wrong checksum", withWrongChecksum(), true, true},
         PackedCase{"without its last byte", withoutEnd(gzipped(anyTrace()), 1), true, true},
         PackedCase{"without its trailer", withoutEnd(gzipped(anyTrace()), 8), true, true},

@@ -97,7 +97,7 @@ TEST(ExistingResult, LeavesAnOldPolyFileAlone) {
   EXPECT_EQ(project.poly("x"), "older");
 }
 
-TEST(ExistingResult, IsAPhdFileWhateverBecameOfThePolyFile) {
+TEST(ExistingResult, IsThePhdFileAndNotThePolyFile) {
   const ProjectFolder project;
   project.addTrace("x.ab1", anyTrace());
   project.write("poly_dir/x.poly", "old");
@@ -293,7 +293,7 @@ TEST(QualityGate, TakesQualitiesFrom1To99AsUsable) {
 }
 
 // The text of the qualities ends at the first 0, wherever that stands.
-TEST(QualityGate, TakesAPositionBehindTheEndOfTheQualitiesAsAZeroQuality) {
+TEST(QualityGate, TakesAPositionPastTheEndOfTheQualitiesAsAZeroQuality) {
   expectFates({{"zero-at-0", longTrace({{0, 0}}), false},
                {"zero-at-39", longTrace({{39, 0}}), false},
                {"zero-at-60", longTrace({{60, 0}}), true},
@@ -313,7 +313,7 @@ TEST(QualityGate, ExemptsBasesNOfEitherCase) {
                {"200-under-n", longTrace({{50, 200}}, {{50, 'n'}}), true},
                {"0-under-N-at-59", longTrace({{59, 0}}, {{59, 'N'}}), true},
                {"0-under-n-at-59", longTrace({{59, 0}}, {{59, 'n'}}), true},
-               {"0-under-N-and-none-behind", longTrace({{58, 0}}, {{58, 'N'}}), false},
+               {"0-under-N-and-none-after-it", longTrace({{58, 0}}, {{58, 'N'}}), false},
                {"none-under-N", longTrace({{40, 0}}, allN), true},
                {"none-under-n", longTrace({{40, 0}}, allLowerN), true},
                {"none-under-N-but-the-last", longTrace({{40, 0}}, allBut59), false},

@@ -136,7 +136,7 @@ TEST(BatchTraces, AreKnownByTheirContentAndNotByTheirExtension) {
   EXPECT_THAT(project.phd("c.txt"), HasSubstr("\nCALL_METHOD: built.bcp\n"));
 }
 
-TEST(BatchTraces, MayStandBehindAHeaderOf128Bytes) {
+TEST(BatchTraces, MayStandAfterAHeaderOf128Bytes) {
   const ProjectFolder project;
   project.addTrace("x.ab1", AbifBuilder().prefix(128).build());
 
@@ -184,7 +184,7 @@ TEST(BatchTraces, WithAnUnusableDirectoryAreReportedAndSkipped) {
       {"too-few-peaks", AbifBuilder().count("PLOC", 1, 3).build()},
       {"too-many-peaks", AbifBuilder().count("PLOC", 1, 5).build()},
       {"no-peaks", AbifBuilder().without("PLOC", 1).build()},
-      {"directory-behind-the-end", AbifBuilder().headerDirectoryOffset(5000).build()},
+      {"directory-past-the-end", AbifBuilder().headerDirectoryOffset(5000).build()},
       {"more-entries-than-there-are", AbifBuilder().headerEntryCount(13).build()},
       {"no-entries", AbifBuilder().headerEntryCount(0).build()},
   });

@@ -192,7 +192,7 @@ TEST(StoppedRun, WhileATraceIsUnpackedHasWrittenAllBeforeItAndNothingOfIt) {
   EXPECT_THAT(project.entries("poly_dir"), SizeIs(5));
 }
 
-TEST(StoppedRun, IsTakenUpBehindTheResultsThatAreThere) {
+TEST(StoppedRun, IsContinuedAfterTheResultsThatExist) {
   const ProjectFolder project;
   const Names names = addTraces(project, 5);
   const WholeResults whole(project);

@@ -85,7 +85,7 @@ TEST(Decimal, ABlankFollowsTheText) {
   }
 }
 
-TEST(Decimal, NoByteBehindTheLongestTextIsTouched) {
+TEST(Decimal, NoByteAfterTheLongestTextIsTouched) {
   for (const Put put : puts) {
     for (const std::int32_t value : {0, 12345, 99999999, 2147483647, -2147483647}) {
       std::string bytes(Tessaly::longestDecimal + 4, '#');

@@ -81,7 +81,7 @@ TEST(DirectoryCheck, ARegularFileIsNotADirectory) {
   EXPECT_EQ(complaint(path, true, true), "not a directory " + textOf(path));
 }
 
-TEST(DirectoryCheck, APathBehindAClosedDirectoryIsDenied) {
+TEST(DirectoryCheck, APathInsideAClosedDirectoryIsDenied) {
   OpenScratchFolder folder;
   folder.makeFolder("closed/d");
   chmod(folder.at("closed").text(), 0);

@@ -35,7 +35,7 @@ constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
 
 }  // namespace
 
-TEST(String, MemoryThatIsNotThereIsAnAllocationErrorAndChangesNothing) {
+TEST(String, LackOfMemoryIsAnAllocationErrorAndChangesNothing) {
   if (underAddressSanitizer) GTEST_SKIP() << "the sanitizer ends the process instead";
   EXPECT_EXIT(exitAfterAskingForTooMuch(), testing::ExitedWithCode(0), "");
 }

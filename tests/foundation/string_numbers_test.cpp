@@ -26,7 +26,7 @@ void expectTexts(std::initializer_list<DoubleCase> cases) {
 
 }  // namespace
 
-TEST(StringNumbers, ADecimalNumberHasDigitsBehindEveryPointAndExponent) {
+TEST(StringNumbers, ADecimalNumberHasDigitsAfterEveryPointAndExponent) {
   struct Case {
     const char* text;
     bool expected;

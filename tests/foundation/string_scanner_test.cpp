@@ -121,7 +121,7 @@ TEST(StringScanner, SkippingWhiteSpaceStopsAtTheNextOtherCharacter) {
   EXPECT_TRUE(scanner.atEnd());
 }
 
-TEST(StringScanner, SkippingWordsStopsBehindTheLastOfThem) {
+TEST(StringScanner, SkippingWordsStopsAfterTheLastOfThem) {
   StringScanner scanner("  one two\nthree ");
 
   EXPECT_TRUE(scanner.skipWords(1));
@@ -132,7 +132,7 @@ TEST(StringScanner, SkippingWordsStopsBehindTheLastOfThem) {
   EXPECT_TRUE(scanner.atEnd());
 }
 
-TEST(StringScanner, SkippingPastOccurrencesStopsBehindTheLastOfThem) {
+TEST(StringScanner, SkippingPastOccurrencesStopsAfterTheLastOfThem) {
   StringScanner scanner("a,b,,c");
 
   EXPECT_TRUE(scanner.skipPast(',', 2));
@@ -169,7 +169,7 @@ TEST(StringScanner, ACountOf0DoesNothingAndIsTrue) {
   EXPECT_TRUE(scanner.skipLines(0));
 }
 
-TEST(StringScanner, AWordIsReadFromBehindTheWhiteSpace) {
+TEST(StringScanner, AWordIsReadAfterTheWhiteSpace) {
   StringScanner scanner(" one\ttwo  ");
   String word("old");
 

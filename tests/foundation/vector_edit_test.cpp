@@ -101,7 +101,7 @@ TEST(Vector, InsertingAndOverwritingLeaveTheCursor) {
   EXPECT_EQ(vector.cursor(), 3);
 }
 
-TEST(Vector, InsertingAtTheSizeAppendsAndBehindItIsOutOfRange) {
+TEST(Vector, InsertingAtTheSizeAppendsAndPastItIsOutOfRange) {
   const std::int32_t values[] = {8, 9};
   Numbers vector = numbers({1, 2});
 

@@ -59,7 +59,7 @@ void expectFailure(const char* name, int count, RareVector& vector,
 
 }  // namespace
 
-TEST(Vector, MemoryThatIsNotThereIsAnAllocationErrorAndChangesNothing) {
+TEST(Vector, LackOfMemoryIsAnAllocationErrorAndChangesNothing) {
   const Rare values[] = {{7}, {8}, {9}};
   RareVector vector;
   vector.assign(values, 2);

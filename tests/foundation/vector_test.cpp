@@ -88,7 +88,7 @@ TEST(Vector, PreviousReturnsTheElementAtTheCursorAndStopsAt0) {
   EXPECT_EQ(thrownText([&] { vector.previous(); }), rangeText);
 }
 
-TEST(Vector, PreviousBehindTheLastElementIsOutOfRange) {
+TEST(Vector, PreviousAfterTheLastElementIsOutOfRange) {
   Numbers vector;
   vector.assign(numbers({1, 2, 3}));  // leaves the cursor at the end
   ASSERT_EQ(vector.cursor(), 3);

@@ -263,7 +263,7 @@ TEST(FileWriter, AFailedWriteOrCloseMakesEveryLaterOpenFail) {
       {"close without open", [](FileWriter& w) { w.close(); }},
       {"a block without open", [](FileWriter& w) { w.write("abcd"); }},
       {"second close", [](FileWriter& w) { w.open("one"), w.write("abcd"), w.close(), w.close(); }},
-      {"bytes behind those of a closed file, filling the buffer",
+      {"bytes after those of a closed file, filling the buffer",
        [](FileWriter& w) { w.open("one"), w.write("ab"), w.close(), w.write("cd"); }},
       {"open while open", [](FileWriter& w) { w.open("one"), w.open("two"); }},
   };
@@ -301,7 +301,7 @@ TEST(FileWriter, ADirectoryAndAFileBothExist) {
   EXPECT_FALSE(writer.exists(folder.at("nothing")));
 }
 
-TEST(FileWriter, ALinkExistsWhenWhatItLeadsToDoes) {
+TEST(FileWriter, ALinkExistsWhenItsTargetDoes) {
   ScratchFolder folder;
   folder.write("file", "");
   std::filesystem::create_symlink("file", "link");

@@ -27,7 +27,7 @@ std::string trimmed(std::int32_t bufferSize, const char* before, const char* pen
 
 using namespace std::string_literals;
 
-TEST(FileWriterTrim, PendingBytesEndBehindTheFirstLineFeedOfTheirTrailingSpace) {
+TEST(FileWriterTrim, PendingBytesEndAfterTheFirstLineFeedOfTheirTrailingSpace) {
   struct Case {
     const char* pending;
     const char* expected;
@@ -72,7 +72,7 @@ TEST(FileWriterTrim, TheFirstByteOfTheBufferIsAlwaysKept) {
   EXPECT_EQ(trimmed(4, "", "\n"), "\n\0\0\0"s);
 }
 
-TEST(FileWriterTrim, NumberTextLeavesStaleBytesBehindItAlone) {
+TEST(FileWriterTrim, NumberTextLeavesTheStaleBytesAfterItUnchanged) {
   ScratchFolder folder;
   FileWriter writer(16);
   ASSERT_TRUE(writer.open("out"));
@@ -97,7 +97,7 @@ TEST(FileWriterTrim, ABufferThatIsExactlyFullIsTrimmedToo) {
   EXPECT_EQ(folder.read("out"), "ab\n");
 }
 
-TEST(FileWriterTrim, WritingGoesOnBehindTheTrimmedBytes) {
+TEST(FileWriterTrim, WritingContinuesAfterTheTrimmedBytes) {
   ScratchFolder folder;
   FileWriter writer(8);
   ASSERT_TRUE(writer.open("out"));

@@ -102,7 +102,7 @@ TEST(PhdFile, ZeroBytesInTheBasesAndInTheCallerNameAreWritten) {
   EXPECT_EQ(dnaOf(content), "BEGIN_DNA\nA 0 5\n\0 0 6\nC 0 7\nEND_DNA\nEND_SEQUENCE\n"sv);
 }
 
-TEST(PhdFile, NoBasesPutTheEndDirectlyBehindTheBeginning) {
+TEST(PhdFile, WithoutBasesTheEndFollowsTheBeginning) {
   const std::string text = phdFile({.bases = "", .qualities = {}, .peaks = {}});
 
   EXPECT_EQ(dnaOf(text), "BEGIN_DNA\nEND_DNA\nEND_SEQUENCE\n");

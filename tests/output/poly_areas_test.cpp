@@ -102,11 +102,11 @@ TEST(NormaliseAreas, ARunEndsBeforeItsFirstZero) {
   EXPECT_THAT(normalise(samples, unitAverage, {2, 5}, {10, 10}), ElementsAre(20, 60));
 }
 
-TEST(NormaliseAreas, APositionBehindTheLastRunGets0) {
+TEST(NormaliseAreas, APositionAfterTheLastRunGets0) {
   EXPECT_THAT(normalise({10, 0, 0}, unitAverage, {0, 1, 2}, {10, 10, 10}), ElementsAre(10, 0, 0));
 }
 
-TEST(NormaliseAreas, APositionThatNoRunReachesGets0AndSoDoAllBehindIt) {
+TEST(NormaliseAreas, APositionThatNoRunReachesGets0AndSoDoAllAfterIt) {
   EXPECT_THAT(normalise({10, 10}, unitAverage, {0, 2, 1}, {10, 10, 10}), ElementsAre(20, 0, 0));
   EXPECT_THAT(normalise({10, 0}, unitAverage, {2, 0}, {10, 10}), ElementsAre(0, 0));
 }

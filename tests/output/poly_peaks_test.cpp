@@ -182,7 +182,7 @@ TEST(PolyPeaks, WithoutBasesThereAreNoPeaksToHand) {
   EXPECT_EQ(input.channels, plain.channels);
 }
 
-TEST(PolyPeaks, AnEarlierTraceLeavesNothingBehind) {
+TEST(PolyPeaks, AnEarlierTraceDoesNotChangeTheResult) {
   std::mt19937 random(8);
   Quillet::PolyPeaks used;
   for (const std::size_t pointCount : {3000U, 1600U, 0U, 2400U, 40U, 5000U, 1502U}) {

@@ -56,7 +56,7 @@ PolyInput randomTrace(std::mt19937& random, std::size_t pointCount) {
   return input;
 }
 
-TEST(ScaleToFullRange, TheHighestSampleOfAnyChannelComesTo65280) {
+TEST(ScaleToFullRange, TheHighestSampleOfAnyChannelBecomes65280) {
   PolyInput input;  // 16320 is a quarter of 65280
   input.channels = {{{0, 1}, {16320, 7}, {100, 8000}, {16319, 0}}};
 
@@ -100,7 +100,7 @@ TEST(ScaleToFullRange, TheHighestSampleCanFallJustShort) {
   EXPECT_THAT(input.channels, Each(ElementsAre(65279)));
 }
 
-TEST(BalanceChannels, TheHeightIsReadBehindTheMaximumOfTheSum) {
+TEST(BalanceChannels, TheHeightIsReadAfterTheMaximumOfTheSum) {
   PolyInput input = flatTrace(3000);  // the sum is 0, 1000, 10
   input.channels[0][1600] = 1000;
   input.channels[1][1601] = 10;

@@ -61,7 +61,7 @@ TEST(FixedFactor, MoreThan64WholeProductsAreNotLookedAt) {
   EXPECT_EQ(Quillet::fixedFactor(1, 2, 130), std::nullopt);
 }
 
-TEST(FixedFactor, GivesForEverySampleWhatTheProductInDoubleGives) {
+TEST(FixedFactor, GivesTheTruncatedDoubleProductOfEverySample) {
   std::mt19937 engine(1);
   const auto below = [&](std::uint32_t limit) {
     return static_cast<std::uint32_t>(engine()) % limit;

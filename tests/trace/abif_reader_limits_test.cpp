@@ -173,7 +173,7 @@ TEST(AbifReaderLimits, ADirectoryThatGoesOnAtByte2To31Fails) {
   }
 }
 
-TEST(AbifReaderLimits, ChannelsBehindTheEndOfTheFileAreZeros) {
+TEST(AbifReaderLimits, ChannelsPastTheEndOfTheFileAreZeros) {
   const OpenedTrace opened = openBytes(AbifBuilder().dataOffset("DATA", 9, 0x7FFFFF00).build());
 
   EXPECT_TRUE(opened.read);

@@ -100,7 +100,7 @@ TEST(AbifReader, ABaseOrderNamingOneLetterTwiceFillsThatChannelTwiceAndLeavesThe
   EXPECT_EQ(opened.t, Samples(12, 0));
 }
 
-TEST(AbifReader, BehindAPrefixDirectoryAndChannelsAreRelativeAndCallsAreNot) {
+TEST(AbifReader, AfterAPrefixDirectoryAndChannelsAreRelativeAndCallsAreNot) {
   const OpenedTrace opened = openBytes(AbifBuilder().bases("ACGTA").prefix(128).build());
 
   EXPECT_TRUE(opened.read);
@@ -114,7 +114,7 @@ TEST(AbifReader, BehindAPrefixDirectoryAndChannelsAreRelativeAndCallsAreNot) {
   EXPECT_EQ(opened.callerName, "built.bcp");
 }
 
-TEST(AbifReader, BehindAPrefixOffset0OfCallsIsThePrefixAndOfChannelsTheMagic) {
+TEST(AbifReader, AfterAPrefixOffset0IsThePrefixForCallsAndTheMagicForChannels) {
   // The prefix is made of "#" (0x23). SPAC skips one byte.
   const OpenedTrace opened = openBytes(AbifBuilder()
                                            .prefix(128)
@@ -132,7 +132,7 @@ TEST(AbifReader, BehindAPrefixOffset0OfCallsIsThePrefixAndOfChannelsTheMagic) {
   EXPECT_EQ(Samples(opened.g.begin(), opened.g.begin() + 2), (Samples{0x4142, 0x4946}));  // "ABIF"
 }
 
-TEST(AbifReader, CallOffsetsThatCountFromBehindThePrefixAreNotCorrected) {
+TEST(AbifReader, CallOffsetsThatCountFromTheMagicAreNotCorrected) {
   // As stored, "PBAS" is at 224, which is byte 96 of the header that follows the prefix: zeros.
   const OpenedTrace opened = openBytes(AbifBuilder().prefix(128).callOffsetsBehindPrefix().build());
 
@@ -356,7 +356,7 @@ TEST(AbifReader, ADirectoryOfManyOtherEntriesIsWalkedWhole) {
   }
 }
 
-TEST(AbifReader, EntriesStandAsFarApartAsTheHeaderSays) {
+TEST(AbifReader, TheHeaderSaysHowFarApartTheEntriesStand) {
   for (const int stride : {24, 28, 29, 40, 1000}) {
     EXPECT_EQ(openBytes(AbifBuilder().stride(stride).build()).bases, "ACGT") << stride;
   }

@@ -319,7 +319,7 @@ void compareWithBlockModel(const Tessaly::String& path, const std::string& file,
 
 // Left out, since the block size decides them: text(), textAt(), line() and until() when nothing is
 // left to read, and what follows a value that the end of the file cuts.
-TEST(FileReaderModel, WithoutMovesEveryBlockSizeReadsTheFileAsItStands) {
+TEST(FileReaderModel, WithoutMovesTheBlockSizeDoesNotChangeWhatIsRead) {
   ScratchFolder folder;
   Dice dice(1);
   for (std::int32_t number = 1; number <= sizeNumbers; ++number) {
@@ -340,7 +340,7 @@ TEST(FileReaderModel, WithoutMovesEveryBlockSizeReadsTheFileAsItStands) {
 
 // Left out as above, and positions from block size squared on: there a move can leave another block
 // in view.
-TEST(FileReaderModel, WithMovesEveryBlockSizeReadsAFileBelowItsSquareAsItStands) {
+TEST(FileReaderModel, WithMovesTheBlockSizeDoesNotChangeWhatIsReadBelowItsSquare) {
   ScratchFolder folder;
   Dice dice(2);
   for (std::int32_t number = 2; number <= sizeNumbers; ++number) {

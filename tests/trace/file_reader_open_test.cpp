@@ -262,7 +262,7 @@ TEST(FileReaderOpen, WhatIsAddedToAnOpenFileIsNotRead) {
   EXPECT_EQ(byteAt(reader, 2'500'000), -1);
 }
 
-TEST(FileReaderOpen, AFileThatClaimsToBeEmptyIsReadForWhatItHolds) {
+TEST(FileReaderOpen, AFileThatClaimsToBeEmptyIsReadAllTheSame) {
   const char* const madeUp = "/proc/self/status";  // its size is given as 0
   if (!FileReader::exists(madeUp)) GTEST_SKIP() << "no such file system here";
 
@@ -274,7 +274,7 @@ TEST(FileReaderOpen, AFileThatClaimsToBeEmptyIsReadForWhatItHolds) {
   EXPECT_EQ(textOf(word), "Name:");
 }
 
-TEST(FileReaderOpen, TheSizeOfAFileThatClaimsToBeEmptyIsWhatItHolds) {
+TEST(FileReaderOpen, TheSizeOfAFileThatClaimsToBeEmptyIsFoundByReading) {
   const char* const madeUp = "/proc/self/cmdline";
   std::ifstream stream(madeUp, std::ios::binary);
   if (!stream.is_open()) GTEST_SKIP() << "no such file system here";
@@ -299,7 +299,7 @@ TEST(FileReaderOpen, AFileThatClaimsToBeEmptyIsReadUpToAMebibyte) {
   EXPECT_EQ(count, pageSize());
 }
 
-TEST(FileReaderOpen, BlocksBehindAnErrorAreRead) {
+TEST(FileReaderOpen, BlocksAfterAnErrorAreRead) {
   constexpr std::int32_t start = 0x40000;  // nothing can be read before it
   const Memory memory(start, pageSize());
   if (!memory.isReadable()) GTEST_SKIP() << "no memory at the address, or no such file";

@@ -64,7 +64,7 @@ TEST(FileReader, SeekMovesForwardsBackwardsAndWithinABlock) {
   EXPECT_EQ(byteAt(reader, 1030), 26);
 }
 
-TEST(FileReader, ASeekBehindTheEndIsAMoveAndThereIsNothingToRead) {
+TEST(FileReader, ASeekPastTheEndMovesAndLeavesNothingToRead) {
   ScratchFolder folder;
   FileReader reader(8);
   ASSERT_TRUE(reader.open(folder.write("file", countingBytes(10))));
@@ -100,7 +100,7 @@ TEST(FileReader, ASeekToTheBlockWhoseNumberEqualsTheStoredPositionKeepsTheOldBlo
   EXPECT_EQ(byteAt(reader, 17), 17);  // block 4 differs from the stored 20 now
 }
 
-TEST(FileReader, TheRefillAfterAKeptBlockGoesOnBehindTheBlockThatWasReadLast) {
+TEST(FileReader, TheRefillAfterAKeptBlockContinuesAfterTheBlockReadLast) {
   ScratchFolder folder;
   FileReader reader(4);
   ASSERT_TRUE(reader.open(folder.write("file", countingBytes(64))));

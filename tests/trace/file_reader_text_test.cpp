@@ -53,7 +53,7 @@ TEST_F(FileReaderText, ATextIsShorterAtTheEndOfTheFileAndThenThereIsNone) {
   EXPECT_EQ(textOf(text_), "abc");  // untouched
 }
 
-TEST_F(FileReaderText, ATextBehindAFullLastBlockIsEmptyOnce) {
+TEST_F(FileReaderText, ATextAfterAFullLastBlockIsEmptyOnce) {
   FileReader& reader = opened("abcd", 4);
 
   EXPECT_TRUE(reader.readText(text_, 4));
@@ -107,7 +107,7 @@ TEST_F(FileReaderText, OnceTheEndIsReachedAPositionedTextNoLongerMoves) {
   EXPECT_EQ(textOf(text_), "bc");
 }
 
-TEST_F(FileReaderText, APositionedTextBehindTheEndIsFalseAndEmpty) {
+TEST_F(FileReaderText, APositionedTextPastTheEndIsFalseAndEmpty) {
   FileReader& reader = opened("abcdef", 4);
 
   EXPECT_FALSE(reader.readTextAt(6, text_, 2));

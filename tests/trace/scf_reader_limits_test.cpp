@@ -38,7 +38,7 @@ TEST(ScfReaderLimits, AFailedMoveGoesOnFromWhereTheReaderStands) {
   }
 }
 
-TEST(ScfReaderLimits, PartsBehindTheEndOfTheFileAreZero) {
+TEST(ScfReaderLimits, PartsPastTheEndOfTheFileAreZero) {
   for (const char* version : {"2.00", "3.00"}) {
     const OpenedTrace opened = openBytes(ScfBuilder()
                                              .version(version)

@@ -262,7 +262,7 @@ TEST(ScfReader, TheSearchForTheCallerStartsAtTheComments) {
   EXPECT_EQ(openBytes(builder.comments("NAME=sample\n").build()).callerName, "");
 }
 
-TEST(ScfReader, TheSearchForTheCallerGoesOnBehindTheComments) {
+TEST(ScfReader, TheSearchForTheCallerContinuesAfterTheComments) {
   EXPECT_EQ(openBytes(ScfBuilder().header(commentsSize, 0).build()).callerName, "built.scf");
   // From the start of the file the comments are part of a longer first line, up to its line feed.
   EXPECT_EQ(openBytes(ScfBuilder().header(commentsOffset, 0).build()).callerName, "built.scf");

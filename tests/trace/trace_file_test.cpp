@@ -206,7 +206,7 @@ TEST(TraceFile, AZeroQualityEndsTheQualityText) {
   EXPECT_EQ(held.bases, "ACGT");
 }
 
-TEST(TraceFile, AUsableQualityBehindAZeroCountsAlthoughItIsCutOff) {
+TEST(TraceFile, AUsableQualityAfterAZeroCountsAlthoughItIsCutOff) {
   const ReadTrace trace(AbifBuilder().qualities({0, 30, 30, 30}));
   Held held;
 

@@ -195,7 +195,7 @@ TEST(TraceOpen, ANameThatIsExactlyGzIsAPlainOne) {
   EXPECT_EQ(name, ".gz");
 }
 
-TEST(TraceOpen, ANameThatIsExactlyGzIsAPlainOneBehindADirectoryToo) {
+TEST(TraceOpen, ANameThatIsExactlyGzIsAPlainOneInADirectoryToo) {
   const ScratchFolder folder;
   const LoggedCommands commands(folder);
   Tessaly::String name(".gz");
@@ -244,7 +244,7 @@ TEST(TraceOpen, WhatBeginsLikeNoTraceGivesStatus2) {
   }
 }
 
-TEST(TraceOpen, ATraceBehindAHeaderOf128BytesIsRead) {
+TEST(TraceOpen, ATraceAfterAHeaderOf128BytesIsRead) {
   const OpenedTrace opened = openBytes(AbifBuilder().prefix(128).build());
 
   EXPECT_TRUE(opened.read);
@@ -309,7 +309,7 @@ TEST(TraceOpen, ComplaintsOfTheCommandsGoToTheErrorStream) {
   EXPECT_EQ(err.text(), "from gunzip\nfrom rm\n");
 }
 
-TEST(TraceOpen, TheFileIsClosedWhateverBecameOfIt) {
+TEST(TraceOpen, TheFileIsClosedWhetherOrNotItWasRead) {
   struct Case {
     std::string content;
     std::int32_t status;
