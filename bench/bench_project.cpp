@@ -18,8 +18,7 @@ namespace {
 
 constexpr int distinctTraceCount = 50;  // the others are copies of these
 
-/// A believable trace brought to a fixed number of samples, as instruments go on recording after
-/// the last base.
+/// A realistic trace with a fixed number of samples: instruments record on after the last base.
 TraceContents traceOfSize(std::uint32_t seed, std::size_t sampleCount, int baseCount) {
   TraceContents trace = believableTrace(seed, baseCount);
   for (std::vector<int>& channel : trace.channels) {
@@ -31,8 +30,8 @@ TraceContents traceOfSize(std::uint32_t seed, std::size_t sampleCount, int baseC
   return trace;
 }
 
-/// The whole file. The base caller's own calls are the same as the edited ones, since other
-/// programs read those.
+/// The whole file. The caller's own calls equal the edited ones, since other programs read the
+/// former.
 std::string traceFile(const TraceContents& trace) {
   return trace.abif()
       .callerName("KB 1.4")
@@ -51,7 +50,7 @@ void writeFile(const fs::path& path, const std::string& bytes) {
   if (!stream) throw std::runtime_error("can not write " + path.string());
 }
 
-/// "trace00007.ab1"; five digits keep the order of names that of the numbers.
+/// "trace00007.ab1": with five digits, names sort like numbers.
 std::string nameOf(int number) {
   const std::string digits = std::to_string(number);
   return "trace" + std::string(5 - std::min<std::size_t>(digits.size(), 5), '0') + digits + ".ab1";

@@ -9,8 +9,8 @@
 #include "foundation/string.h"
 #include "tests/support/trace_generator.h"
 
-/// A trace for benchmarks: 900 bases, about 10,800 samples a channel, and about a hundred further
-/// directory entries in its file.
+/// A trace for benchmarks: 900 bases, about 10,800 samples in each channel. Its file has a hundred
+/// further directory entries.
 struct BenchTrace {
   explicit BenchTrace(std::uint32_t seed = 1)
       : contents(believableTrace(seed, 900)), bases(contents.bases.c_str()) {
@@ -37,7 +37,7 @@ struct BenchTrace {
   std::vector<std::int32_t> peaks;
 };
 
-/// A counter that shows as the time of each of `count` things.
+/// A counter that shows the time for one of `count` items.
 inline benchmark::Counter timeOfEach(double count) {
   return {count, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert};
 }

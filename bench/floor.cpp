@@ -1,5 +1,5 @@
-// The least that a run can cost: what the system charges for the files alone. bench/compare
-// measures the converter against it.
+// The lower limit of a run's cost: the system calls for the files alone. bench/compare compares the
+// converter with it.
 
 #include <cstdlib>
 #include <dirent.h>
@@ -48,7 +48,7 @@ void writeFile(const std::string& path, const char* bytes, std::size_t size) {
   close(file);
 }
 
-/// Reads every trace with one read and writes both of its results with one write each.
+/// Reads every trace with one read and writes each of its two results with one write.
 void copyOnly(const std::string& root, const char* taskFile) {
   const auto bytes = std::make_unique_for_overwrite<char[]>(largestFile);
   for (const Task& task : readTasks(taskFile)) {
@@ -67,7 +67,7 @@ void commandsOnly(const std::string& root, const char* taskFile) {
   }
 }
 
-/// Lists the traces and asks for the result of each.
+/// Lists the traces and looks up the result of each.
 void askOnly(const std::string& root) {
   DIR* const directory = opendir((root + "/chromat_dir").c_str());
   if (directory == nullptr) fail(root);

@@ -1,9 +1,9 @@
-"""Measures the converter beside other programs and beside the bare cost of its files.
+"""Compares the converter with other programs and with the bare cost of its files.
 
 usage: measure.py BUILD [growth] [--rounds N]
 
-In every round all programs run in turn, each into empty result folders; figures are medians over
-the rounds, ratios are taken within a round. Times of a program include those of its children.
+In every round all programs run in turn, each into empty result folders. Figures are medians over
+the rounds. A ratio is taken within each round first. Times include those of child processes.
 """
 
 import argparse
@@ -20,12 +20,12 @@ RESULTS = ("phd_dir", "poly_dir", "other_dir")
 
 
 class Run:
-    """What one run of a program took."""
+    """Time and memory of one run of a program."""
 
     def __init__(self, command, folder):
         note = os.path.join(folder, "peak")
         start = time.perf_counter()
-        # Through `time`, since a program's peak memory counts that of who started it.
+        # Through `time`: the peak memory of a forked child includes that of this process.
         child = subprocess.Popen(
             ["/usr/bin/time", "-q", "-f", "%M", "-o", note, *command],
             cwd=folder, env={**os.environ, "PWD": folder},
@@ -48,7 +48,7 @@ def empty_results(folder):
 
 
 def measure(folder, programs, rounds, keep_results=False):
-    """The runs of every program, by its name."""
+    """The runs of every program, by the program's name."""
     runs = {name: [] for name in programs}
     for _ in range(rounds):
         for name, command in programs.items():
@@ -96,7 +96,7 @@ class Bench:
         return folder
 
     def tasks(self, folder):
-        """Notes what a conversion writes, for the floor; it also warms everything up."""
+        """Writes the file sizes of a conversion for the floor. The run also warms the caches."""
         empty_results(folder)
         Run([self.quillet], folder)
         lines = []
@@ -180,7 +180,7 @@ class Bench:
 
 
 def in_memory():
-    """A folder that lies in memory, so that no disk is measured; None where there is none."""
+    """A folder in memory, so that no disk is measured; None when there is none."""
     mounts = [line.split() for line in open("/proc/mounts")]
     shm = "/dev/shm"
     backed = any(mount[1] == shm and mount[2] == "tmpfs" for mount in mounts)

@@ -1,4 +1,4 @@
-// The stages of the peak computation, each on a trace that has been through the stages before it.
+// Measures the stages of the peak computation, each on the results of the stages before it.
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// A trace on its way through the stages, with room for the results of all of them.
+/// A trace with room for the results of all stages.
 class Stages {
  public:
   explicit Stages(std::uint32_t seed) : trace_(seed) {
@@ -26,7 +26,7 @@ class Stages {
   std::uint32_t pointCount() const { return trace_.pointCount(); }
   std::uint32_t baseCount() const { return static_cast<std::uint32_t>(trace_.baseCount()); }
 
-  /// Brings back the channels as they were kept, at first as they came from the instrument.
+  /// Resets the channels to those of the last keep(), or to the raw ones before any.
   void restore() {
     for (std::size_t c = 0; c < 4; ++c) std::copy_n(kept_[c].begin(), pointCount(), channels_[c]);
   }
@@ -98,7 +98,7 @@ void prepareFound(Stages& stages) {
   stages.find();
 }
 
-/// Measures a step on several traces in turn, so that the processor does not learn one by heart.
+/// Measures a step on several traces in turn, so that the branch predictor can not learn one trace.
 template <typename Prepare, typename Step>
 void measure(benchmark::State& state, Prepare prepare, Step step) {
   constexpr std::uint32_t traceCount = 32;
@@ -123,7 +123,7 @@ void copyChannels(benchmark::State& state) {
   measure(state, prepareNothing, [](Stages& stages) { stages.restore(); });
 }
 
-// The first two stages change the channels, so that each pass includes a copy of them.
+// The first two stages change the channels, so each pass copies them first.
 
 void scaleToFullRange(benchmark::State& state) {
   measure(state, prepareNothing, [](Stages& stages) {

@@ -1,4 +1,4 @@
-// Reading: arrays of samples, the directory of a trace, and a trace from open to close.
+// Measures reading: sample arrays, a trace's directory, and a whole trace.
 
 #include <benchmark/benchmark.h>
 #include <cstdint>
@@ -23,14 +23,14 @@ void sampleArrays(benchmark::State& state) {
   Tessaly::FileReader reader;
   reader.open(fileName);
   for (auto _ : state) {
-    reader.seek(128);  // behind the header
+    reader.seek(128);  // after the header
     for (int channel = 0; channel < 4; ++channel) reader.readUInt16Array(samples.data(), count);
     benchmark::ClobberMemory();
   }
   state.counters["per sample"] = timeOfEach(4.0 * trace.pointCount());
 }
 
-/// A trace without samples and bases worth the name: what is left is its directory.
+/// A trace with few samples and bases: most of the time goes into its directory.
 void directoryWalk(benchmark::State& state) {
   const ScratchFolder folder;
   constexpr int entryCount = 1000;

@@ -1,4 +1,4 @@
-// Writing: the text of numbers, the writer, and the two result files.
+// Measures writing: the text of numbers, the writer, and the two result files.
 
 #include <benchmark/benchmark.h>
 #include <cstdint>
@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* sink = "/dev/null";
 
-/// Numbers as result files hold them: of one to eight digits, in no order.
+/// Numbers like those in result files: one to eight digits, in random order.
 std::vector<std::int32_t> mixedNumbers() {
   std::mt19937 random(1);
   std::vector<std::int32_t> numbers;
@@ -41,7 +41,7 @@ void numberText(benchmark::State& state) {
   state.counters["per number"] = timeOfEach(static_cast<double>(numbers.size()));
 }
 
-/// Numbers as most columns hold them: heights and positions.
+/// Numbers like those in most columns: heights and positions.
 void shortNumberText(benchmark::State& state) {
   std::vector<std::int32_t> numbers = mixedNumbers();
   for (std::int32_t& number : numbers) number %= 65281;

@@ -1,5 +1,5 @@
-// Makes the project that tools/demo converts: believable traces, some of them gzipped, one without
-// qualities where they are needed, one damaged.
+// Makes the project that tools/demo converts: realistic traces, some of them gzipped, one without
+// qualities in the window of the quality gate, one damaged.
 
 #include <cstdint>
 #include <cstdlib>
@@ -22,7 +22,7 @@ void writeFile(const fs::path& path, const std::string& bytes) {
   if (!stream) throw std::runtime_error("can not write " + path.string());
 }
 
-/// The whole file of one sample, with further entries as instruments write them.
+/// The file of one sample, with further directory entries like those of an instrument.
 std::string traceFile(const TraceContents& contents) {
   return contents.abif().callerName("KB 1.4").otherEntries(100).build();
 }

@@ -1,5 +1,5 @@
 #pragma once
 
-/// Every byte that `new` hands out holds this value: what the program leaves unset can be seen,
-/// since it changes with the value. Starts at 0.
+/// From now on `new` fills the memory that it returns with `value` (at first with 0). Two runs with
+/// different values differ when the program reads memory that it has not set.
 void setDirt(unsigned char value);

@@ -1,5 +1,5 @@
-// Makes the first inputs of the fuzz targets: make_seeds FOLDER fills FOLDER/abif, FOLDER/scf,
-// FOLDER/resource_file and FOLDER/poly.
+// Makes the first inputs of the fuzz targets. `make_seeds FOLDER` writes into FOLDER/abif,
+// FOLDER/scf, FOLDER/resource_file and FOLDER/poly.
 
 #include <cstdint>
 #include <exception>
@@ -88,7 +88,7 @@ std::string bigEndian(std::uint32_t value, int size) {
   return bytes;
 }
 
-/// One input of the peak computation's target; see there for what the bytes mean.
+/// One input of the fuzz target poly; poly_fuzz.cpp describes the bytes.
 std::string polySeed(std::uint32_t pointCount, const std::string& bases,
                      const std::vector<std::int32_t>& peaks, bool anywhere,
                      const std::string& signal) {
@@ -100,7 +100,7 @@ std::string polySeed(std::uint32_t pointCount, const std::string& bases,
   return bytes + signal;
 }
 
-/// The channels of a trace, one behind the other.
+/// The samples of A, then those of C, of G and of T.
 std::string signalOf(const TraceContents& trace) {
   std::string bytes;
   for (const std::vector<int>& channel : trace.channels) {
@@ -110,7 +110,7 @@ std::string signalOf(const TraceContents& trace) {
 }
 
 std::string polySeed(const TraceContents& trace) {
-  // A byte below 192 stands for the letter that its two lowest bits count to.
+  // A byte below 192 means a letter of "ACGT": its two lowest bits are the index.
   std::string bases;
   for (const char letter : trace.bases) {
     const std::size_t channel = std::string("ACGT").find(letter);
@@ -124,7 +124,7 @@ std::string polySeed(const TraceContents& trace) {
 
 Seeds polySeeds() {
   const std::string waves("\0\0\1\0\3\0\2\0\0\7\0\0\377\377\0\1", 16);
-  // Twice at one end of the trace, twice at the other: every second search range is half a trace.
+  // 0, 0, 2600, 2600, 0, 0...: every second search range is half a trace.
   std::vector<std::int32_t> ends;
   for (int i = 0; i <= 60; ++i) ends.push_back(i / 2 % 2 == 0 ? 0 : 2600);
   const std::vector<std::int32_t> far{-2147483647 - 1, 2147483647, 5, -1, 2147483647};

@@ -1,8 +1,8 @@
-// The peak computation on any channels, bases and peak positions, against the plain second one.
+// Compares the peak computation with its plain twin, for any channels, bases and peak positions.
 //
-// The bytes: two for the number of samples, one for the number of bases, one that says whether the
-// positions lie anywhere or near the trace; then the bases, then the positions; what is left is the
-// signal, over and over until all channels are full.
+// Input bytes: 2 for the number of samples, 1 for the number of bases, 1 for the kind of positions
+// (odd: 4 bytes each, anywhere; even: 2 bytes each, near the trace). Then the bases, then the
+// positions. The rest is the signal, repeated until all channels are full.
 
 #include <algorithm>
 #include <cstddef>
@@ -21,7 +21,7 @@ namespace {
 constexpr std::int64_t mostSamples = 2600;  // the channel balance looks at 1499..2500
 constexpr std::int64_t longestPlainWalk = 20'000;
 
-/// Big-endian numbers out of the bytes, as long as there are any; then zeros.
+/// Reads big-endian numbers from the bytes. After the last byte it reads zeros.
 class Source {
  public:
   Source(const std::uint8_t* bytes, std::size_t count) : bytes_(bytes), end_(bytes + count) {}
@@ -74,7 +74,7 @@ std::int64_t rangeEnd(const PolyInput& input, std::size_t base) {
   return (std::int64_t{input.peaks[base]} + input.peaks[base + 1]) / 2;
 }
 
-/// Samples that the plain search of the tests would walk over in one channel.
+/// The number of samples that the plain search of the tests would visit in one channel.
 std::int64_t plainWalk(const PolyInput& input) {
   std::int64_t length = 0;
   for (std::size_t i = 0; i < input.bases.size(); ++i) {
@@ -83,8 +83,8 @@ std::int64_t plainWalk(const PolyInput& input) {
   return length;
 }
 
-/// The plain search without the samples outside the trace, among which there is no maximum: what
-/// the plain search of the tests would take too long for.
+/// The plain search, limited to the samples of the trace: outside it there is no maximum. The plain
+/// search of the tests would take too long for far positions.
 void searchNearTrace(const PolyInput& input, PolyResult& result) {
   for (std::size_t channel = 0; channel < 4; ++channel) {
     const std::vector<std::uint16_t>& samples = input.channels[channel];
@@ -153,7 +153,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
 
   setDirt(0x5A);
   Quillet::PolyPeaks peaks;
-  PolyInput other = input;  // another trace before it, of the same size
+  PolyInput other = input;  // an earlier trace of the same size
   std::reverse(other.channels.begin(), other.channels.end());
   std::reverse(other.peaks.begin(), other.peaks.end());
   compute(peaks, other);

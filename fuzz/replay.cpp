@@ -1,7 +1,7 @@
 // Runs a fuzz target over given inputs, with any compiler:
 //   replay_x [-mutants N] FILE OR FOLDER...
-// Every file of a folder is an input; a folder that is not there holds none. With -mutants, N
-// damaged copies of each input follow it, the same ones in every run.
+// Every file of a folder is an input; a missing folder holds none. With -mutants, each input is
+// followed by N damaged copies of it. Every run makes the same copies.
 
 #include <cstddef>
 #include <cstdint>
@@ -35,7 +35,7 @@ std::vector<fs::path> filesOf(const fs::path& place) {
   return files;
 }
 
-/// Cuts the copy short, or puts wrong bytes or an extreme 32-bit number into it.
+/// Makes damaged copies: cut short, with wrong bytes, or with an extreme 32-bit number.
 class Damage {
  public:
   Bytes damaged(Bytes bytes) {
@@ -68,11 +68,11 @@ class Damage {
     }
   }
 
-  std::mt19937 engine_;  // seeded alike in every run
+  std::mt19937 engine_;  // the same seed in every run
 };
 
 void runTarget(const Bytes& bytes) {
-  // A copy of exactly this size, so that a sanitizer sees every read behind its end.
+  // A copy of exactly this size, so that a sanitizer sees every read past its end.
   const Bytes exact(bytes);
   LLVMFuzzerTestOneInput(exact.data(), exact.size());
 }

@@ -1,5 +1,5 @@
-// Any bytes as a resource file, and behind a line "%%" the words of the command line, one on a
-// line. What becomes of the settings is compared with a second reading of the rules.
+// Reads any bytes as a resource file. After a line "%%" they are words of the command line, one on
+// each line. Compares settings and errors with a plain model of the rules.
 
 #include "app/resource_file.h"
 
@@ -34,7 +34,7 @@ Words split(const std::string& text, const std::string& separators) {
   return words;
 }
 
-/// The lines of a text; nothing stands behind the last line feed.
+/// The lines of a text. There is no empty line after the last line feed.
 Words linesOf(const std::string& text) {
   Words lines;
   std::size_t start = 0;
@@ -50,7 +50,7 @@ std::string asDirectory(const std::string& word) {
   return word.empty() || word.back() == '/' ? word : word + '/';
 }
 
-/// The rules once more. `error` is the text that the user sees; empty as long as there is none.
+/// A plain model of the rules. `error` is the text that the user sees, empty without an error.
 struct Model {
   Quillet::Settings settings;
   std::string error;
@@ -105,7 +105,7 @@ struct Model {
   }
 };
 
-/// Catches what goes to the standard error stream.
+/// Collects the standard error stream while it lives.
 class CaughtStderr {
  public:
   CaughtStderr() : former_(std::cerr.rdbuf(text_.rdbuf())) {}
@@ -129,7 +129,7 @@ std::string errorOf(Action action) {
   return {};
 }
 
-/// Errors are shown up to their first zero byte, since they come as character text.
+/// Compares up to the first zero byte of `expected`: what() ends there.
 bool sameError(const std::string& error, const std::string& expected) {
   return error == expected.c_str();
 }

@@ -1,4 +1,4 @@
-// Any bytes as a trace file; the seeds and the dictionary make them SCF files.
+// Opens any bytes as a trace file. The seeds and the dictionary lead to SCF files.
 
 #include <cstddef>
 #include <cstdint>

@@ -4,11 +4,10 @@
 #include <cstdint>
 #include <string>
 
-/// The one file into which a fuzz target writes its bytes, so that it is opened as the program
-/// opens files.
+/// The file into which a fuzz target writes its bytes, so that the program opens them as a file.
 ///
-/// Lies in a folder of its own in TMPDIR where that is set, else in memory (/dev/shm), else in
-/// /tmp, and keeps its name for the life of the process; folder and file go with the object.
+/// It is in a folder of its own: in TMPDIR when that is set, otherwise in /dev/shm (memory), and in
+/// /tmp when that fails. Its name does not change. The destructor removes file and folder.
 class ScratchFile {
  public:
   explicit ScratchFile(const std::string& name);
@@ -16,7 +15,7 @@ class ScratchFile {
   ScratchFile(const ScratchFile&) = delete;
   ScratchFile& operator=(const ScratchFile&) = delete;
 
-  /// The file's whole content from now on.
+  /// Replaces the content of the file.
   void hold(const std::uint8_t* bytes, std::size_t count) const;
 
   const std::string& folder() const { return folder_; }  // absolute, without a final "/"
@@ -28,5 +27,5 @@ class ScratchFile {
   int descriptor_;
 };
 
-/// Ends the process with a message unless the claim holds: what a fuzz target asserts.
+/// The assertion of a fuzz target: ends the process with a message unless the claim holds.
 void require(bool holds, const char* claim);

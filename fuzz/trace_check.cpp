@@ -11,10 +11,10 @@
 
 namespace {
 
-// A file may claim so many samples or bases more than it holds.
+// A claim of samples or bases that the file does not hold may not exceed this.
 constexpr std::uint32_t unbackedCountLimit = 4'194'304;
 
-// Beyond so many samples and bases together, a second look would take too long.
+// With more samples and bases than this, opening twice would take too long.
 constexpr std::uint32_t openedTwiceCount = 100'000;
 
 /// All that a caller gets from a trace.
@@ -37,7 +37,7 @@ std::string standardText(const Tessaly::String& text) {
   return {text.text(), static_cast<std::size_t>(text.length())};
 }
 
-// What the holders of the base calls contain before a trace is asked for its own.
+// The caller's texts and peaks before getBaseCalls().
 constexpr const char* formerBases = "former bases";
 constexpr const char* formerQualities = "former qualities";
 const std::vector<std::int32_t> formerPeaks{-1, -2, -3};
@@ -78,18 +78,18 @@ Outcome openTrace(const ScratchFile& file) {
 }
 
 void requireSense(const Outcome& outcome, std::size_t fileSize) {
-  require(outcome.status == (outcome.opened ? 0 : 2), "the status tells what open() told");
+  require(outcome.status == (outcome.opened ? 0 : 2), "the status agrees with open()");
   if (!outcome.opened) return;
 
   require(outcome.pointCount <= unbackedCountLimit || outcome.pointCount <= fileSize,
-          "many samples are backed by the file");
+          "the file holds what a large sample count claims");
   require(outcome.baseCount <= unbackedCountLimit || outcome.baseCount <= fileSize,
-          "many bases are backed by the file");
+          "the file holds what a large base count claims");
   require(outcome.callerName.size() <= fileSize, "the caller's name comes from the file");
   if (outcome.baseCount == 0) {
     require(!outcome.usableQualities && outcome.bases == formerBases &&
                 outcome.qualities == formerQualities && outcome.peaks == formerPeaks,
-            "without base calls the holders stay as they are");
+            "without base calls the caller's values stay unchanged");
     return;
   }
   require(outcome.peaks.size() == std::size_t{outcome.baseCount} + 1, "one more peak than bases");
@@ -107,8 +107,7 @@ void requireSense(const Outcome& outcome, std::size_t fileSize) {
           "the qualities end at a zero byte");
 }
 
-/// Whether the number at `offset` is a count of samples or bases that a reader takes for true
-/// without much data behind it.
+/// Whether the number at `offset` is a large count that a reader accepts without the data for it.
 bool claimsLong(std::string_view bytes, std::size_t offset) {
   if (bytes.size() < 4 || offset > bytes.size() - 4) return false;
   std::uint32_t count = 0;
@@ -118,8 +117,10 @@ bool claimsLong(std::string_view bytes, std::size_t offset) {
   return count > 20'000 && count <= unbackedCountLimit;
 }
 
+/// Whether opening the bytes would mostly fill arrays with zeros.
 bool takesLong(std::string_view bytes) {
-  // An SCF header has its counts at 4 and 12, an ABIF directory entry has one 12 behind its name.
+  // An SCF header has its counts at 4 and 12. An ABIF directory entry has its count 12 bytes after
+  // the start of its name.
   if (bytes.starts_with(".scf")) return claimsLong(bytes, 4) || claimsLong(bytes, 12);
   for (const std::string_view name : {"DATA", "PBAS"}) {
     for (std::size_t entry = bytes.find(name); entry < bytes.size();
@@ -142,5 +143,5 @@ void checkTrace(const std::uint8_t* bytes, std::size_t count) {
   requireSense(outcome, count);
   if (outcome.pointCount + outcome.baseCount > openedTwiceCount) return;
   setDirt(0xC3);
-  require(openTrace(file) == outcome, "nothing hangs on what the memory held before");
+  require(openTrace(file) == outcome, "the outcome does not depend on unset memory");
 }

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Opens the bytes as a trace file, twice over memory of different contents, and requires of it
-/// whatever holds for every file. Of the files that claim so much that most of the time would go
-/// into zeros, only a few are opened.
+/// Opens the bytes as a trace file and requires what holds for every file. Opens them again with
+/// other bytes in fresh memory and requires the same outcome. Skips most files that claim many
+/// samples or bases which they do not hold: filling those with zeros would take most of the time.
 void checkTrace(const std::uint8_t* bytes, std::size_t count);
