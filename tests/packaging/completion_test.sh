@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# completion_test.sh FILE: what the bash completion in FILE offers for unfinished command lines.
+# completion_test.sh FILE: tests what the bash completion in FILE offers for unfinished commands.
 set -u
 # shellcheck source=packaging/quillet.bash-completion
 source "$1"
@@ -11,7 +11,7 @@ mkdir -- 'lab one' results -o
 touch list.txt 'list two' '*'
 
 status=0
-# expect OFFERS WORD...: the words of a command line behind `quillet`, the last one unfinished.
+# expect OFFERS WORD...: completing the last WORD after `quillet` must give OFFERS.
 expect() {
   local offers=$1 found
   shift
@@ -42,7 +42,7 @@ expect 'lab one' -dir l
 expect 'results' -o -d re
 expect '*|-o|lab one|list two|list.txt|results' -l ''
 expect 'list two|list.txt' -list lis
-# The word behind -d or -l is its argument, whatever it looks like.
+# The word after -d or -l is its argument, even when it looks like a flag.
 expect '-o' -d -o
 expect "$flags" -d -l ''
 expect "$flags" -l -d ''

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# installed_package_test.sh BUILD SOURCE [CMAKE ARGUMENT...]: installs the build, moves what was
-# installed, and builds and runs examples/installed with it. The arguments go to the example.
+# installed_package_test.sh BUILD SOURCE [CMAKE ARGUMENT...]: installs the build, moves the result,
+# then builds and runs examples/installed with it. The arguments are for the example's build.
 set -eu
 unset DESTDIR
 build=$1 source=$2
@@ -31,8 +31,8 @@ cmake -S "$source/examples/installed" -B "$scratch/build" -G Ninja \
   -D CMAKE_PREFIX_PATH="$prefix" "$@" >"$scratch/log" || fail "$(cat "$scratch/log")"
 cmake --build "$scratch/build" >"$scratch/log" || fail "$(cat "$scratch/log")"
 
-# An SCF file of version 2: two samples of one byte a channel, then four bases. Numbers are
-# big-endian; the four probabilities of a base are those of A, C, G and T.
+# An SCF file of version 2: two one-byte samples in each channel, then four bases. Numbers are
+# big-endian. A base has four probabilities, in the order A, C, G, T.
 cd "$scratch"
 {
   printf '.scf\0\0\0\2\0\0\0\200\0\0\0\4'  # 2 samples at 128, 4 bases

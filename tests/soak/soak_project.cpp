@@ -1,6 +1,6 @@
-// Makes the project that tools/soak converts: soak_project FOLDER COUNT [SEED]. Believable traces
-// in every format, some of them gzipped, one in ten of them damaged in one of the ways in which
-// files come to harm. FOLDER/sound.list and FOLDER/damaged.list name them as a list file does.
+// Makes the project that tools/soak converts: soak_project FOLDER COUNT [SEED]. Realistic traces in
+// every format, some of them gzipped, one in ten damaged like a file after a faulty copy. The list
+// files FOLDER/sound.list and FOLDER/damaged.list name them.
 
 #include <algorithm>
 #include <cstdint>
@@ -31,7 +31,7 @@ void writeFile(const fs::path& path, const std::string& bytes) {
   if (!stream) throw std::runtime_error("can not write " + path.string());
 }
 
-// The ways of damage. Each gets the whole file.
+// The kinds of damage. Each changes the bytes of a whole file.
 using Damage = std::function<void(std::string& bytes, Engine& engine)>;
 
 void cutShort(std::string& bytes, Engine& engine) { bytes.resize(below(engine, bytes.size())); }
@@ -54,8 +54,7 @@ void putNoise(std::string& bytes, Engine& engine) {
   for (std::size_t i = start; i < end; ++i) bytes[i] = static_cast<char>(engine());
 }
 
-/// An extreme number where the numbers of a file stand: at its start, or at its end, where the
-/// directory lies.
+/// Puts an extreme number near the start (header) or near the end (ABIF directory) of the file.
 void putExtreme(std::string& bytes, Engine& engine) {
   static const std::vector<std::string> extremes{
       {4, '\0'},         {4, '\xFF'},       "\x7F\xFF\xFF\xFF", {"\x80\0\0\0", 4},
@@ -132,7 +131,7 @@ std::string readFile(const fs::path& path) {
 std::string addTrace(const fs::path& chromats, int number, bool damaged, Engine& engine) {
   const TraceFormat& format = formats()[below(engine, formats().size())];
   const int baseCount = 300 + static_cast<int>(below(engine, 601));
-  // Every third trace does not say who called its bases.
+  // Every third trace has no caller's name.
   const std::string caller = number % 3 == 0 ? "" : "caller " + std::to_string(number);
   std::string bytes = format.bytes(believableTrace(engine(), baseCount), caller);
   const bool packed = below(engine, 20) == 0;

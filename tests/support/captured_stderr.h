@@ -6,7 +6,7 @@
 #include <string>
 #include <unistd.h>
 
-/// Lets file descriptor 2 lead to `target` until the object goes. `target` stays the caller's.
+/// Redirects file descriptor 2 to `target` while it lives. The caller keeps and closes `target`.
 class RedirectedStderr {
  public:
   explicit RedirectedStderr(int target) : former_(dup(STDERR_FILENO)) {
@@ -25,10 +25,10 @@ class RedirectedStderr {
   int former_;
 };
 
-/// Gathers what goes to the standard error stream, by whatever way, in a file of its own.
+/// Collects the standard error output of streams, descriptors and child processes while it lives.
 class CapturedStderr {
  public:
-  /// Everything written since the object was made.
+  /// The output since construction.
   std::string text() const {
     std::cerr.flush();
     std::string bytes(static_cast<std::size_t>(lseek(fileno(file_.handle), 0, SEEK_END)), '\0');

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-/// Sets one environment variable, or unsets it, and puts the former state back when it goes.
+/// Sets or unsets one environment variable. The destructor restores its former state.
 class EnvironmentVariable {
  public:
   /// A null `value` unsets the variable.

@@ -6,7 +6,7 @@
 
 #include "tests/support/scratch_folder.h"
 
-/// Until the object goes, acts as somebody else than the system's superuser, who passes every
+/// While it lives, the process does not have the rights of the superuser, who passes every
 /// permission test.
 class OrdinaryUser {
  public:

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// A file without a name, for one stream of the program.
+/// An unlinked temporary file for one stream of the program.
 class StreamFile {
  public:
   StreamFile() {

@@ -8,7 +8,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The part of `text` behind the first `start` and before the next `end`; empty when there is none.
+/// The part of `text` between the first `start` and the next `end`; empty when one is missing.
 std::string between(const std::string& text, const std::string& start, const std::string& end) {
   const std::size_t found = text.find(start);
   if (found == std::string::npos) return {};

@@ -1,7 +1,7 @@
 #pragma once
 
-// Whether the tests run under the address sanitizer, which takes terabytes of addresses and needs
-// files of its own: limits on memory or on open files do not go with it.
+// Whether the tests run under the address sanitizer. It reserves terabytes of address space and
+// opens files of its own, so tests can not set limits on memory or on open files.
 #if defined(__SANITIZE_ADDRESS__)
 inline constexpr bool underAddressSanitizer = true;
 #elif defined(__has_feature)

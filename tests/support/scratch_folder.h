@@ -6,10 +6,10 @@
 
 #include "foundation/string.h"
 
-/// An empty folder that is the working directory for one test, and is gone after it.
+/// An empty folder that is the working directory of one test.
 ///
-/// Whatever the code under test drops into the working directory, temporary traces above all, lands
-/// here. The former working directory comes back when the object goes.
+/// Temporary traces of the code under test are written here. The destructor removes the folder and
+/// restores the former working directory.
 class ScratchFolder {
  public:
   ScratchFolder();
@@ -20,7 +20,7 @@ class ScratchFolder {
   const std::filesystem::path& path() const { return path_; }
   /// Absolute path of `name` inside the folder.
   Tessaly::String at(const std::string& name) const;
-  /// Writes the bytes to `name`, making its folders, and returns the absolute path.
+  /// Writes the bytes to `name`, makes missing folders and returns the absolute path.
   Tessaly::String write(const std::string& name, std::string_view bytes) const;
   /// All bytes of `name`; empty when there is no such file.
   std::string read(const std::string& name) const;

@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <cstring>
 
-/// Slot of a virtual operation, given as `slotOf<bool(const char*)>(&Class::operation)`; a
-/// destructor that stands first takes the slots 0 and 1.
+/// The slot of a virtual operation: `slotOf<bool(const char*)>(&Class::operation)`. A destructor
+/// takes two slots.
 ///
 /// In the C++ ABI of both compilers on Linux, the first word of a pointer to a virtual operation is
-/// its offset into the table in bytes, plus 1 on some machines.
+/// its byte offset in the table of virtual operations, plus 1 on some machines.
 template <typename Signature, typename Class>
 std::size_t slotOf(Signature Class::*operation) {
   std::uintptr_t word = 0;

@@ -6,7 +6,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-/// Binds a socket to `name` in the working directory; the name stays when the socket is closed.
+/// Binds a socket to `name` in the working directory and closes it. The name stays.
 inline void makeSocket(const char* name) {
   const int handle = socket(AF_UNIX, SOCK_STREAM, 0);
   sockaddr_un address{};

@@ -8,7 +8,7 @@ namespace {
 
 const std::string letters = "ACGT";
 
-// Numbers are stored most significant byte first; higher bits than fit are dropped.
+/// Stores the lowest `size` bytes of `value`, most significant byte first.
 void put(std::string& bytes, std::size_t at, std::uint32_t value, std::size_t size) {
   if (bytes.size() < at + size) bytes.resize(at + size, '\0');
   for (std::size_t i = 0; i < size; ++i) {
@@ -215,7 +215,7 @@ ScfBuilder& ScfBuilder::header(std::size_t offset, std::uint32_t value) {
   return *this;
 }
 
-// The longest channel given decides; shorter ones end in zeros.
+// The longest given channel decides; zeros follow the samples of a shorter one.
 std::size_t ScfBuilder::pointCount() const {
   std::size_t longest = 0;
   for (const auto& [letter, samples] : channels_) longest = std::max(longest, samples.size());

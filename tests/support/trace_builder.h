@@ -8,45 +8,45 @@
 #include <utility>
 #include <vector>
 
-// Makers of trace files, byte by byte. They share nothing with the readers, so that a slip there
-// shows. Built bare, each makes a small valid file; every call changes one thing about it.
+// Builders of trace files. They share no code with the readers, so that the tests find an error in
+// either. Without further calls each builds a small valid file; every call changes one thing.
 
 /// Makes an ABIF file.
 ///
 /// Bare: four channels of 12 samples, sample i of A being 100 + i, of C 200 + i, of G 300 + i, of
 /// T 400 + i; base order "GATC"; bases "ACGT" with qualities 40 and peaks 1, 4, 7, 10; caller
 /// "built.bcp"; calls numbered 2 that differ ("NNNN", qualities 1, peaks 0). Entries are sorted by
-/// name and number, 28 bytes apart, behind the data. Other bases than the bare ones get qualities
-/// of 40 and peaks 1, 4, 7... unless these are given too. Changes of entries apply in the order of
-/// the calls, to the last entry of that name and number.
+/// name and number, 28 bytes apart, after the data. Other bases get qualities of 40 and peaks 1, 4,
+/// 7... unless these are given too. Changes of entries apply in the order of the calls, to the last
+/// entry of that name and number.
 class AbifBuilder {
  public:
-  // What the trace says.
+  // Contents of the trace.
   AbifBuilder& bases(const std::string& letters) { return set(bases_, letters); }
   AbifBuilder& qualities(const std::vector<int>& values) { return set(qualities_, values); }
   AbifBuilder& peaks(const std::vector<int>& values) { return set(peaks_, values); }
   AbifBuilder& channel(char letter, const std::vector<int>& samples) {
     return set(channels_[letter], samples);
   }
-  /// Four letters, the channels of "DATA" 9..12 in turn. Where a letter occurs twice or is none of
-  /// A, C, G, T, "DATA" 9 + i holds 500 + 100 * i and up.
+  /// Four letters: the channels of "DATA" 9 to 12. If a letter occurs twice or is none of A, C, G,
+  /// T, the samples of its "DATA" 9 + i rise from 500 + 100 * i.
   AbifBuilder& baseOrder(const std::string& letters) { return set(baseOrder_, letters); }
   AbifBuilder& callerName(const std::string& name) { return set(callerName_, name); }
 
-  // What the directory says.
+  // Entries of the directory.
   AbifBuilder& without(const std::string& name, std::uint32_t number);
-  /// A further entry behind the others; up to 4 bytes of data are stored in the entry itself.
+  /// Adds an entry after the others. Up to 4 bytes of data are stored in the entry itself.
   AbifBuilder& entry(const std::string& name, std::uint32_t number, const std::string& data,
                      std::uint32_t elementSize = 1);
-  /// `count` further entries of names and sizes as instruments write them, in front of the others.
+  /// Adds `count` entries before the others, with names and sizes like those of instruments.
   AbifBuilder& otherEntries(int count);
   AbifBuilder& last(const std::string& name, std::uint32_t number);
   AbifBuilder& count(const std::string& name, std::uint32_t number, std::uint32_t value);
   AbifBuilder& dataSize(const std::string& name, std::uint32_t number, std::uint32_t value);
   AbifBuilder& dataOffset(const std::string& name, std::uint32_t number, std::uint32_t value);
 
-  // Where things stand.
-  /// Puts a header of `size` bytes in front. Offsets of the directory and of "DATA" count from
+  // Positions.
+  /// Puts a header of `size` bytes before "ABIF". Offsets of the directory and of "DATA" count from
   /// "ABIF", those of the calls and of the caller name from the start of the file.
   AbifBuilder& prefix(int size) { return set(prefix_, size); }
   /// With prefix(): offsets of the calls and of the caller name count from "ABIF" too.
@@ -54,7 +54,7 @@ class AbifBuilder {
   /// Bytes from one entry to the next, 24 or more; at 24 each loses its unused last field.
   AbifBuilder& stride(int bytes) { return set(stride_, bytes); }
   AbifBuilder& directoryFirst() { return set(directoryFirst_, true); }
-  // Header fields alone: nothing moves.
+  // Header fields only: nothing moves.
   AbifBuilder& headerStride(std::uint16_t value) { return set(headerStride_, value); }
   AbifBuilder& headerEntryCount(std::uint32_t value) { return set(headerEntryCount_, value); }
   AbifBuilder& headerDirectoryOffset(std::uint32_t value) {
@@ -70,7 +70,7 @@ class AbifBuilder {
     std::uint32_t number = 0;
     std::uint32_t elementSize = 1;
     std::string data;
-    bool inEntry = false;  // the data stands in the entry's offset field
+    bool inEntry = false;  // the entry's offset field holds the data
     std::optional<std::uint32_t> count;
     std::optional<std::uint32_t> dataSize;
     std::optional<std::uint32_t> dataOffset;
@@ -115,14 +115,14 @@ class AbifBuilder {
 /// and a zero byte.
 class ScfBuilder {
  public:
-  /// Four characters; "3" and above in front makes the version 3 layout.
+  /// Four characters. A first one of "3" or above gives the version 3 layout.
   ScfBuilder& version(const std::string& text) { return set(version_, text); }
-  /// 1 makes 8-bit samples, anything else 16-bit ones.
+  /// 1 gives 8-bit samples, any other value 16-bit ones.
   ScfBuilder& sampleSize(std::uint32_t bytes) { return set(sampleSize_, bytes); }
   ScfBuilder& channel(char letter, const std::vector<int>& samples) {
     return set(channels_[letter], samples);
   }
-  /// The values as they stand in the file, without differences taken.
+  /// The values that the file holds; no differences are formed.
   ScfBuilder& storedSamples(char letter, const std::vector<int>& values) {
     return set(stored_[letter], values);
   }
@@ -132,12 +132,12 @@ class ScfBuilder {
     return set(probabilities_[letter], values);
   }
   ScfBuilder& comments(const std::string& text) { return set(comments_, text); }
-  /// Puts a 32-bit number into the header; nothing moves.
+  /// Stores a 32-bit number in the header; nothing moves.
   ScfBuilder& header(std::size_t offset, std::uint32_t value);
   ScfBuilder& truncatedTo(std::size_t size) { return set(size_, size); }
 
   std::string build() const;
-  // Where the parts stand in the file that build() makes.
+  // Positions of the parts in the file that build() makes.
   std::size_t samplesOffset() const { return 128; }
   std::size_t basesOffset() const;
   std::size_t commentsOffset() const;

@@ -8,8 +8,8 @@ namespace {
 
 constexpr char letters[] = "ACGT";
 
-/// Numbers that come out the same with every standard library: the engine is fixed by the
-/// language, the distributions are not, so these are our own.
+/// Random numbers that are the same with every standard library. The standard defines the engine's
+/// numbers exactly, but not those of its distributions.
 class Dice {
  public:
   explicit Dice(std::uint32_t seed) : engine_(seed) {}
@@ -34,7 +34,7 @@ void addPeak(std::vector<double>& signal, int centre, double height, double widt
   }
 }
 
-/// Rises over the first 30 bases and falls over the last 120, as instruments' callers report it.
+/// A quality that rises over the first 30 bases and falls over the last 120, as in real traces.
 int qualityAt(int base, int baseCount, Dice& dice) {
   const int fromStart = 6 + base * 3 / 2;
   const int fromEnd = 6 + (baseCount - 1 - base) * 2 / 5;
