@@ -5,7 +5,7 @@
 
 namespace {
 
-// The handler never returns, so each test lets a child process end and looks at it from outside.
+// The handler never returns, so each test runs it in a child process.
 
 TEST(CriticalErrorDeathTest, TheExitStatusIsTheSignalsNumber) {
   for (const int number : {11, 7, 1, 64}) {

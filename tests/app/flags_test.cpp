@@ -12,7 +12,7 @@ using Quillet::applyFlags;
 using Quillet::Settings;
 using Words = std::vector<std::string>;
 
-/// What the user is told of the first bad word; empty when there is none.
+/// The message about the first bad word; empty when there is none.
 std::string complaintAbout(const Words& words, Settings& settings,
                            const std::string& source = "COMMAND LINE") {
   try {
@@ -84,7 +84,7 @@ TEST(Flags, TheDataDirectoryGetsATrailingSlashUnlessItHasOne) {
     Settings settings;
     applyFlags(settings, {"-d", row.given, "-o"}, "COMMAND LINE");
     EXPECT_EQ(settings.dataDir, row.expected);
-    EXPECT_TRUE(settings.overwrite);  // the argument was taken, the word behind it is a flag
+    EXPECT_TRUE(settings.overwrite);  // the argument was taken, the next word is a flag
   }
 }
 

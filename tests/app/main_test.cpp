@@ -8,8 +8,8 @@
 #include "foundation/string.h"
 #include "tests/support/captured_stderr.h"
 
-// The entry point, with a run of our own in place of the program's: what it makes of everything
-// that can come out of a run.
+// The entry point, with a run() of the test's own: its output and status for everything that a run
+// can throw.
 
 int quilletMain(int argc, char** argv);
 

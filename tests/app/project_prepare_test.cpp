@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using Quillet::Project;
 using Quillet::Settings;
 
-/// A project in the folder "p", with all of its directories.
+/// A project in the folder "p", with all its directories.
 class ProjectPrepare : public ::testing::Test {
  protected:
   ProjectPrepare() { makeProject("p"); }
@@ -37,13 +37,13 @@ class ProjectPrepare : public ::testing::Test {
 
   void remove(const std::string& name) const { fs::remove_all(at(name)); }
 
-  /// Gives `name` the permission bits until the test is over.
+  /// Gives `name` the permission bits until the end of the test.
   void setMode(const std::string& name, unsigned mode) {
     fs::permissions(at(name), static_cast<fs::perms>(mode));
     closed_.push_back(name);
   }
 
-  /// Prepares the project as if the program had been started in `place`, an absolute path.
+  /// Prepares the project as a program started in `place`, an absolute path.
   void prepareIn(const std::string& place) {
     const EnvironmentVariable pwd("PWD", place.c_str());
     const CapturedStderr captured;
@@ -282,7 +282,7 @@ TEST_F(ProjectPrepare, APathThatCanNotBeWalkedIsReported) {
   expectReport("could not access directory: " + at("p/loop/"));
 }
 
-// The moment of the run.
+// The start time of the run.
 
 TEST_F(ProjectPrepare, TimeTextAndTemporaryNameShowTheMomentOfConstruction) {
   const EnvironmentVariable zone("TZ", "UTC");

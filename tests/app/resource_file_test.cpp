@@ -14,10 +14,10 @@ namespace {
 
 using Quillet::Settings;
 
-/// A user's world: PWD is the folder "work", HOME is "home", TESSALY_PATH is not set.
+/// A user's environment: PWD is the folder "work", HOME is "home", TESSALY_PATH is not set.
 ///
-/// The process itself stands in the scratch folder, which PWD does not name, so that a relative
-/// name and a name made from PWD are different files.
+/// The working directory is the scratch folder and not PWD, so that a relative name and a name made
+/// from PWD are different files.
 class ResourceFile : public ::testing::Test {
  protected:
   ResourceFile() {
@@ -27,7 +27,7 @@ class ResourceFile : public ::testing::Test {
 
   std::string at(const std::string& name) const { return folder_.at(name).text(); }
 
-  /// Reads the user's defaults into `settings_`; what is thrown goes to `complaint_`.
+  /// Reads the user's defaults into `settings_`, and the text of a ParseError into `complaint_`.
   void read() {
     const CapturedStderr captured;
     try {
@@ -44,7 +44,7 @@ class ResourceFile : public ::testing::Test {
     read();
   }
 
-  /// What the text of an error in the working directory's file begins with.
+  /// The start of the text of an error in the working directory's file.
   std::string inLine(int number) const {
     return "in " + at("work/.quilletrc") + "line " + std::to_string(number) + ": ";
   }
@@ -70,7 +70,7 @@ class ResourceFile : public ::testing::Test {
   std::string complaint_;  // text of the ParseError, empty when none was thrown
 };
 
-// Where the file is sought.
+// Where the program looks for the file.
 
 TEST_F(ResourceFile, AMissingFileIsSilentAndChangesNothing) {
   read();
@@ -188,7 +188,7 @@ TEST_F(ResourceFile, WithoutPwdTheProcessesOwnDirectoryCounts) {
 }
 
 TEST_F(ResourceFile, ACandidateThatCanNotBeOpenedIsPassedOver) {
-  std::filesystem::create_symlink(".quilletrc", at("work/.quilletrc"));  // leads to itself
+  std::filesystem::create_symlink(".quilletrc", at("work/.quilletrc"));  // a link to itself
   folder_.write("home/.quilletrc", "phddir home_out\n");
 
   read();
@@ -208,7 +208,7 @@ TEST_F(ResourceFile, ADirectoryOfThatNameOpensAndHoldsNoLines) {
   expectDefaults();
 }
 
-// What its lines do.
+// Lines that are understood.
 
 TEST_F(ResourceFile, EachDirectoryKeywordSetsItsOwnDirectory) {
   readLines("chromatdir traces\nphddir /data/phd\npolydir poly/\n");
@@ -312,7 +312,7 @@ TEST_F(ResourceFile, TheCommandLineOverridesItsFlagsBecauseItIsAppliedLater) {
   EXPECT_EQ(settings_.listFile_, "typed");
 }
 
-// What it does not understand.
+// Lines that are not understood.
 
 TEST_F(ResourceFile, AnErrorInTheHomeDirectorysFileNamesThePathAndTheLine) {
   folder_.write("home/.quilletrc", "flag -o\n\npolydir out\nphddir\nflag -s\n");

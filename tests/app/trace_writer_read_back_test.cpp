@@ -9,12 +9,13 @@
 #include "tests/support/scratch_folder.h"
 #include "trace/trace_file.h"
 
-// The writer and the reader of SCF files meet here alone: the writer keeps the host's byte order,
-// the reader expects that of the format.
+// The writer of SCF files against the reader. The writer keeps the host's byte order; the reader
+// expects that of the format.
 
 namespace {
 
-/// The sample as the reader finds it: on a little-endian host with its two bytes exchanged.
+/// The value that the reader gives for a written sample: on a little-endian host its two bytes are
+/// exchanged.
 std::uint16_t asRead(std::int16_t sample) {
   const auto bits = static_cast<std::uint16_t>(sample);  // the same 16 bits
   if (std::endian::native == std::endian::big) return bits;

@@ -22,7 +22,7 @@ constexpr std::time_t winterNight = 1044068709;        // 2003-02-01 03:05:09, a
 constexpr std::time_t lastMoment = 67768036191676799;  // 2147485547-12-31, 2^31 - 1 years past 1900
 constexpr std::time_t noSuchMoment = std::numeric_limits<std::time_t>::max();
 
-// `format` in universal time.
+/// The moment in universal time, after `pattern`.
 std::string formatted(std::time_t moment, const char* pattern) {
   EnvironmentVariable zone("TZ", "UTC0");
   return textOf(Clock(moment).format(pattern));
@@ -185,7 +185,7 @@ TEST(ClockFormat, AnUnknownLetterGivesTwoZeros) {
 }
 
 TEST(ClockFormat, ALonePercentAtTheEndGivesTwoZerosAndStops) {
-  const char pattern[] = "a%\0%Y";  // what lies behind the end is not looked at
+  const char pattern[] = "a%\0%Y";  // the rest after the zero byte is not read
 
   EXPECT_EQ(formatted(autumnNoon, pattern), "a00");
 }
@@ -199,7 +199,7 @@ TEST(ClockFormat, EveryLengthAroundTheBufferStepsIsWhole) {
   }
 }
 
-// The digits of a value are characters counted from "0", whatever the value.
+// A digit is the character "0" plus its value, even when the value is not 0 to 9.
 TEST(ClockFormat, YearsOutsideFourDigitsStayWithinTheirCharacters) {
   EXPECT_EQ(formatted(327415824000, "[%Y|%y]"), "[<345|45]");     // 12345-05-25: 12 past "0" is "<"
   EXPECT_EQ(formatted(-2208988800 - 1, "[%Y|%y]"), "[1899|0/]");  // 1899: year -1, one before "0"
@@ -225,7 +225,7 @@ TEST(ClockFormat, WithoutMemoryItThrowsOne) {
   const auto formatWithoutMemory = [&] {
     rlimit limit{};
     if (getrlimit(RLIMIT_AS, &limit) != 0) _exit(2);
-    limit.rlim_cur = 1;  // byte: from now on the process can not grow
+    limit.rlim_cur = 1;  // byte: the process can get no more memory
     if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(3);
     try {
       clock.format(pattern.c_str());

@@ -15,17 +15,17 @@
 #include "tests/support/socket_file.h"
 #include "tests/support/text_of.h"
 
-// What may be used as a directory, and what is thrown where it may not.
+// Which paths pass as directories, and the exceptions for the others.
 
 namespace {
 
 using Tessaly::Directory;
 using Tessaly::String;
 
-// Whoever catches standard exceptions does not catch these.
+// A handler of standard exceptions does not catch these.
 static_assert(!std::is_base_of_v<std::exception, Directory::Exception>);
 
-// What check() throws, as "<message> <path>"; empty when it throws nothing.
+/// The exception that check() throws, as "<message> <path>"; empty when it throws none.
 std::string complaint(const String& path, bool mustBeReadable, bool mustBeWriteable) {
   try {
     Directory::check(path.text(), mustBeReadable, mustBeWriteable);
@@ -35,7 +35,7 @@ std::string complaint(const String& path, bool mustBeReadable, bool mustBeWritea
   return {};
 }
 
-// Is `Expected` itself what check() throws?
+/// Whether check() throws exactly `Expected`, and no class derived from it.
 template <typename Expected>
 bool checkThrows(const String& path, bool mustBeReadable, bool mustBeWriteable) {
   try {
@@ -187,7 +187,7 @@ TEST(DirectoryCheck, TheExceptionKeepsItsOwnCopyOfThePath) {
 TEST(DirectoryException, VirtualOperationsStandInTheirFixedOrder) {
   using E = Directory::Exception;
 
-  // The destructor stands first.
+  // The destructor takes the slots 0 and 1.
   EXPECT_EQ(slotOf<const char*() const>(&E::message), 2U);
   EXPECT_EQ(slotOf<const char*() const>(&E::path), 3U);
 }

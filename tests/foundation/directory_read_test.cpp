@@ -15,7 +15,7 @@
 #include "tests/support/scratch_folder.h"
 #include "tests/support/socket_file.h"
 
-// Which entries are listed, and in which order.
+// The entries that are listed, and their order.
 
 namespace {
 
@@ -92,7 +92,7 @@ TEST(DirectoryRead, EveryKindOfEntryIsSortedByWhatOpeningItAsADirectoryGives) {
     subdirectories = directory.subdirectories();
   }
   chmod(folder.at("entries/closed").text(), 0700);
-  if (!ordinary) std::erase(subdirectories, "closed");  // the superuser opens it all the same
+  if (!ordinary) std::erase(subdirectories, "closed");  // the superuser can open it
 
   EXPECT_THAT(files, ElementsAre("fifo", "link-to-file", "plain", "socket", "unreadable"));
   EXPECT_THAT(subdirectories, ElementsAre("folder", "link-to-folder"));
@@ -156,7 +156,7 @@ TEST(DirectoryRead, WithoutAFreeFileHandleEveryEntryIsLeftOut) {
   close(lowest);
 
   rlimit one = former;
-  one.rlim_cur = static_cast<rlim_t>(lowest) + 1;  // enough for the directory itself alone
+  one.rlim_cur = static_cast<rlim_t>(lowest) + 1;  // enough for the directory itself only
   Directory directory("nowhere");
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &one), 0);
   const bool opened = directory.read(folder.path().c_str(), false);

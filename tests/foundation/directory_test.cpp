@@ -11,14 +11,14 @@
 #include "tests/support/scratch_folder.h"
 #include "tests/support/text_of.h"
 
-// Home, the working directory and paths; checking and listing have tests of their own.
+// Home, the working directory and paths. Other files test checking and listing.
 
 namespace {
 
 using Tessaly::Directory;
 using Tessaly::String;
 
-/// Leaves the process in a working directory that the system has no path for.
+/// Makes a removed folder the working directory: getcwd() has no path for it.
 void standInRemovedFolder(const ScratchFolder& folder) {
   folder.makeFolder("gone");
   ASSERT_EQ(chdir("gone"), 0);
@@ -90,7 +90,7 @@ TEST(DirectoryCurrent, WithPwdTheSystemIsNotAsked) {
   }
 
   EXPECT_EQ(textOf(path), "/some/where/");
-  EXPECT_EQ(warning, "");  // the system has no answer, and of that one is warned
+  EXPECT_EQ(warning, "");  // getcwd() would fail here, with a warning
 }
 
 TEST(DirectoryCurrent, APwdEndingInASlashIsUnchanged) {

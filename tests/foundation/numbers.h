@@ -6,10 +6,10 @@
 
 #include "foundation/vector.h"
 
-/// What the program uses vectors for.
+/// The kind of vector that the program uses.
 using Numbers = Tessaly::Vector<std::int32_t>;
 
-/// What a vector throws for an index, a count or a cursor outside its elements.
+/// The text that a vector throws for an index, a count or a cursor out of range.
 inline const char* const rangeText = "ERROR: Vector array parameter is out of range";
 
 inline Numbers numbers(std::initializer_list<std::int32_t> values) {

@@ -14,7 +14,7 @@ namespace {
 
 using Tessaly::ProgressMeter;
 
-// What `action` writes to the standard error stream.
+/// The output of `action` on the standard error stream.
 template <typename Action>
 std::string written(Action action) {
   CapturedStderr captured;
@@ -22,7 +22,7 @@ std::string written(Action action) {
   return captured.text();
 }
 
-// Start and `stepCount` steps of a fresh meter, off a terminal.
+/// The output of start() and `stepCount` steps of a new meter without a terminal.
 std::string drawnBy(std::int32_t itemCount, int stepCount) {
   return written([&] {
     ProgressMeter meter(itemCount, false);
@@ -130,7 +130,7 @@ TEST(ProgressMeter, StartingAgainKeepsThePercentage) {
               meter.start();
               meter.step();
               meter.start();
-              meter.step();  // 50 again: shown already
+              meter.step();  // 50 again: not drawn
               meter.step();
             }),
             "   0% done\n  50% done\n  50% done\n 100% done\n");
@@ -210,7 +210,7 @@ TEST(ProgressMeter, AsksOnceWhetherStandardErrorIsATerminal) {
 
 TEST(ProgressMeter, EachDrawingIsOneWrite) {
   int ends[2];
-  ASSERT_EQ(socketpair(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK, 0, ends), 0);  // keeps writes apart
+  ASSERT_EQ(socketpair(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK, 0, ends), 0);  // one message a write
   std::string first;
   std::string second;
   std::string third;

@@ -115,7 +115,7 @@ TEST(StringFields, ADoubleHasTheDecimalsOfItsPrecision) {
   expectFields<NumberCase<double>>({{2.5, 6, "JR", "   2.5"},
                                     {2.5, 6, "JRP0", "   2.5"},
                                     {2.5, 6, "JRP3", " 2.500"},
-                                    {-0.25, 6, "P1S", "-0.2  "},  // an exact half goes to even
+                                    {-0.25, 6, "P1S", "-0.2  "},  // an exact half rounds to even
                                     {1.5, 0, "P2S", "+1.50"},
                                     {-0.0, 0, "P2", "0.00"},
                                     {1.5, 0, "P99", "1.500000000000000"},

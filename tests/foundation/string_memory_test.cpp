@@ -11,7 +11,7 @@
 #include "tests/support/sanitizer.h"
 #include "tests/support/thrown_text.h"
 
-// Buffers that can not be had.
+// Buffers that can not be allocated.
 
 namespace {
 
@@ -19,7 +19,8 @@ using Tessaly::String;
 
 constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
 
-/// Asks for 2 GiB in a process of 1 GiB, and ends it: with 0 when that went as it should.
+/// Limits the process to 1 GiB, asks for 2 GiB and ends the process: with status 0 when that failed
+/// as expected.
 [[noreturn]] void exitAfterAskingForTooMuch() {
   const rlimit limit = {1U << 30, 1U << 30};
   const bool limited = setrlimit(RLIMIT_AS, &limit) == 0;

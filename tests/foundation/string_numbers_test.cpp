@@ -161,12 +161,12 @@ TEST(StringNumbers, TheSixteenthDigitAloneRounds) {
 }
 
 TEST(StringNumbers, RoundingUpDropsNines) {
-  // 1.99999999999999911 and 129.99999999999997 have nines only behind the digit that goes up.
+  // 1.99999999999999911 and 129.99999999999997: after the digit that goes up, only nines follow.
   expectTexts({{2 - 4 * Limits::epsilon(), "2"}, {129.99999999999997, "130"}});
 }
 
 TEST(StringNumbers, FifteenNinesRoundToOneAndTheNextExponent) {
-  // The last carries the exponent from 15, fixed, to 16.
+  // The last one goes from exponent 15 (fixed notation) to 16 (exponent notation).
   expectTexts({{99.99999999999999, "100"}, {9999999999999998, "1.e+16"}});
 }
 

@@ -10,7 +10,7 @@ using Tessaly::String;
 
 const char* const positionText = "ERROR: String position is out of range";
 
-// Text and pattern with the answer expected.
+/// A text and a pattern with the expected answer.
 struct TestCase {
   const char* text;
   const char* pattern;

@@ -11,7 +11,7 @@ inline const char* const allocationText = "ERROR: String can not be allocated.";
 inline const char* const positionText = "ERROR: String position is out of range";
 inline const char* const parameterText = "ERROR: String parameter is invalid";
 
-/// Expects text, length, capacity and final zero byte at once.
+/// Checks text, length, capacity and the final zero byte.
 inline void expectState(const Tessaly::String& actual, const std::string& text,
                         std::int32_t capacity) {
   EXPECT_EQ(std::string(actual.text(), static_cast<std::size_t>(actual.length())), text);

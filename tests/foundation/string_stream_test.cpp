@@ -8,7 +8,7 @@
 
 #include "tests/support/text_of.h"
 
-// Writing to a stream, and reading lines from one.
+// Writing to a stream and reading lines from one.
 
 namespace {
 

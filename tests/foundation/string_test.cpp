@@ -7,7 +7,7 @@
 #include "tests/foundation/string_state.h"
 #include "tests/support/thrown_text.h"
 
-// Making, assigning and setting; changes in place, memory and streams have tests of their own.
+// Construction, assignment and setting. Other files test changes in place, memory and streams.
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include "tests/foundation/numbers.h"
 #include "tests/support/thrown_text.h"
 
-// Arrays that can not be had.
+// Arrays that can not be allocated.
 
 namespace {
 
@@ -22,7 +22,7 @@ using testing::ElementsAre;
 
 const char* const allocationText = "ERROR: Can not allocate memory for vector array";
 
-// An element whose arrays can only be had so many times.
+/// An element type that allows only a given number of array allocations.
 struct Rare {
   std::int32_t value = 0;
 
@@ -40,7 +40,7 @@ struct Rare {
 
 using RareVector = Tessaly::Vector<Rare>;
 
-/// Expects `action` to fail, without any change of `vector`, when it can have `count` arrays.
+/// Expects `action` to fail and to leave `vector` unchanged when it can allocate `count` arrays.
 void expectFailure(const char* name, int count, RareVector& vector,
                    const std::function<void()>& action) {
   const std::vector<Rare> before = elementsOf(vector);

@@ -12,7 +12,7 @@
 
 namespace {
 
-// A vector that tells when it goes.
+/// A vector that reports its destruction.
 class LeavingNumbers : public Numbers {
  public:
   explicit LeavingNumbers(bool& gone) : gone_(gone) {}
@@ -22,7 +22,7 @@ class LeavingNumbers : public Numbers {
   bool& gone_;
 };
 
-// A vector that refuses the operations with a twin.
+/// A vector whose at() and remove() throw. elementAt() and erase() must not change with them.
 class RefusingNumbers : public Numbers {
  public:
   const std::int32_t& at(std::int32_t /*index*/) override { throw "refused"; }
@@ -36,7 +36,7 @@ TEST(Vector, VirtualOperationsStandInTheirFixedOrder) {
   using Value = std::int32_t;
   using Index = std::int32_t;
   using Count = std::int32_t;
-  // The destructor's two entries, 1 and 2, stand behind the sort of a range.
+  // sortRange() has slot 0; the destructor has the slots 1 and 2.
   const std::vector<std::size_t> slots = {
       slotOf<void(Index, Index)>(&V::sortRange),
       slotOf<void()>(&V::clear),

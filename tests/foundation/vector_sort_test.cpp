@@ -8,13 +8,13 @@
 #include "tests/foundation/numbers.h"
 #include "tests/support/thrown_text.h"
 
-// Sorting, and the ranges that it goes through.
+// Sorting, and the ranges that a sort calls sortRange() for.
 
 namespace {
 
 using testing::ElementsAre;
 
-// A vector that notes the ranges it is asked to sort.
+/// A vector that records the ranges that sortRange() gets.
 class NotingNumbers : public Numbers {
  public:
   void sortRange(std::int32_t first, std::int32_t last) override {
@@ -79,8 +79,8 @@ TEST(Vector, SortingARangeLeavesTheRestAlone) {
 }
 
 TEST(Vector, ASortGoesThroughTheReplacedRangeSortForEveryPart) {
-  // Pivot 3: the walk makes 3 5 1 4 2 into 3 1 2 4 5 with the boundary at 2, the last swap makes
-  // 2 1 3 4 5. Of the parts 0..1 and 3..4 no two elements are left beside their pivots.
+  // Pivot 3: the loop turns 3 5 1 4 2 into 3 1 2 4 5 with the boundary at 2; the last swap gives
+  // 2 1 3 4 5. The parts 0..1 and 3..4 have one element beside their pivots, so they have no parts.
   NotingNumbers vector;
   vector.assign(numbers({3, 5, 1, 4, 2}));
 
@@ -91,7 +91,7 @@ TEST(Vector, ASortGoesThroughTheReplacedRangeSortForEveryPart) {
 }
 
 TEST(Vector, EqualElementsStayOnThePivotsRight) {
-  // Nothing is below the pivot, so the left part is never sorted and each right part is one less.
+  // No element is below the pivot: there is no left part, and each right part is one shorter.
   NotingNumbers vector;
   vector.assign(numbers({7, 7, 7, 7}));
 

@@ -9,7 +9,7 @@
 #include "tests/foundation/numbers.h"
 #include "tests/support/thrown_text.h"
 
-// Making, walking, reading and assigning; changes and sorting have tests of their own.
+// Construction, traversal, reading and assignment. Other files test changes and sorting.
 
 using testing::ElementsAre;
 
@@ -123,7 +123,7 @@ TEST(Vector, ReplacingAnElementLeavesTheCursor) {
 
 TEST(Vector, AnIndexOutsideTheElementsIsOutOfRange) {
   Numbers vector = numbers({1, 2, 3});
-  vector.append(4);  // room behind the last element is outside too
+  vector.append(4);  // the spare capacity is out of range too
   vector.at(1);
 
   for (const std::int32_t index : {-1, 4, std::numeric_limits<std::int32_t>::max(),
