@@ -4,12 +4,12 @@
 #include "tests/support/trace_builder.h"
 #include "tests/trace/opened_trace.h"
 
-// The directory's position, like every other one, is added up modulo 2^32: an offset from an "ABIF"
-// at byte 128 can lead back into the header in front of it.
+// The directory's position, like every other one, is computed modulo 2^32. An offset from an "ABIF"
+// at byte 128 can therefore lead back into the header before it.
 
 TEST(AbifDirectoryPosition, IsAddedUpModulo2To32) {
-  // The five entries that a trace without calls needs come first, 24 bytes each: they fit into the
-  // 128 bytes in front of "ABIF". 0xFFFFFF80 + 128 is 0.
+  // A trace without calls needs five entries. They come first and have 24 bytes each, so they fit
+  // into the 128 bytes before "ABIF". 0xFFFFFF80 + 128 is 0.
   constexpr std::size_t directorySize = 5 * 24;
   std::string bytes = AbifBuilder()
                           .prefix(128)

@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// The most entries that are filled with zeros where a file does not hold what it claims.
+// The largest count that a file may claim without holding it. Zeros take the place of the data.
 constexpr std::uint32_t claimLimit = 4'194'304;
 
 AbifBuilder withChannelCounts(std::uint32_t count) {
@@ -26,15 +26,14 @@ AbifBuilder withCallCounts(std::uint32_t count) {
   return AbifBuilder().count("PBAS", 1, count).count("PCON", 1, count).count("PLOC", 1, count);
 }
 
-// An entry that names a number and no data that is used.
+/// Makes an unused entry with this number the last one of the directory.
 AbifBuilder& endingWith(AbifBuilder& builder, std::uint32_t number) {
   return builder.entry("LAST", number, "");
 }
 
 TEST(AbifReaderLimits, ANameIsUnreadableOnceTheFilesLastByteWasRead) {
-  // Entries of 24 bytes, walked in steps of 12: between two of them there is one that is named by
-  // the element count before it, and skipped. The last entry's offset field ends the file; the
-  // entry in its middle could be read, but for that.
+  // Entries of 24 bytes, read with a stride of 12: between two of them another one is read, whose
+  // name is an element count, and skipped. The file ends with the last entry's offset field.
   AbifBuilder builder;
   builder.stride(24).headerStride(12);
 
@@ -44,7 +43,7 @@ TEST(AbifReaderLimits, ANameIsUnreadableOnceTheFilesLastByteWasRead) {
 }
 
 TEST(AbifReaderLimits, ADirectoryThatTheFileCutsShortFails) {
-  // The last entry is needed up to its offset; its last 4 bytes are not.
+  // The last entry must be there up to its offset. Its last 4 bytes are not needed.
   const ScratchFolder folder;
   const std::string whole = AbifBuilder().build();
   for (std::size_t size = 0; size <= whole.size(); ++size) {
@@ -76,7 +75,7 @@ TEST(AbifReaderLimits, ABaseOrderThatTheFileCutsShortFails) {
 }
 
 TEST(AbifReaderLimits, AFileThatEndsBeforeTheLettersOfALaterBaseOrderLeavesTheEarlierOne) {
-  // The bare order is "GATC"; "DATA" 9 rises from 300 and so is the later order's C.
+  // The first order is "GATC". "DATA" 9 rises from 300; in the later order it is C.
   const std::string whole = AbifBuilder().entry("FWO_", 1, "CATG").build();
   const std::size_t order = whole.size() - 28 + 20;
 
@@ -93,7 +92,7 @@ TEST(AbifReaderLimits, AFileThatEndsBeforeTheLettersOfALaterBaseOrderLeavesTheEa
 }
 
 TEST(AbifReaderLimits, ArraysThatTheFileCutsShortHoldZerosFromThereOn) {
-  // The directory comes first: header 128, twelve entries of 28 to 464, then the data in turn.
+  // The directory comes first: a header of 128 bytes, twelve entries of 28 (up to 464), the data.
   const std::size_t directoryEnd = 464;
   const std::size_t wholeSize = AbifBuilder().directoryFirst().build().size();
   ASSERT_EQ(wholeSize, 602u);
@@ -133,7 +132,7 @@ TEST(AbifReaderLimits, ArraysThatTheFileCutsShortHoldZerosFromThereOn) {
 }
 
 TEST(AbifReaderLimits, PositionsAreAddedUpModulo2To32) {
-  // 0xFFFFFF80 + 128 is 0, where the prefix stands; 0xFFFFFFFF + 1 is 0, where "ABIF" stands.
+  // 0xFFFFFF80 + 128 is 0, the start of the prefix. 0xFFFFFFFF + 1 is 0, the start of "ABIF".
   const OpenedTrace channel =
       openBytes(AbifBuilder().prefix(128).dataOffset("DATA", 9, 0xFFFFFF80).build());
   EXPECT_EQ(channel.g, Samples(12, 0x2323));
@@ -153,7 +152,7 @@ TEST(AbifReaderLimits, NegativePositionsOfChannelsAndDirectoryFail) {
 }
 
 TEST(AbifReaderLimits, ADirectoryThatGoesOnAtByte2To31Fails) {
-  // Twelve entries end exactly there, in a file that is mostly a hole; a thirteenth follows.
+  // Twelve entries end exactly at that byte of a sparse file; a thirteenth follows.
   const std::size_t directorySize = 12 * 28;
   const std::uint32_t directoryOffset = 0x80000000u - directorySize;
   for (const bool goesOn : {false, true}) {
@@ -186,11 +185,11 @@ TEST(AbifReaderLimits, AFailedMoveToCallsOrCallerNameGoesOnFromWhereTheReaderSta
   const auto openWith = [](const char* name, std::uint32_t number) {
     return openBytes(AbifBuilder().dataOffset(name, number, 0x80000000).build());
   };
-  EXPECT_EQ(openWith("PBAS", 1).bases, "ACGT");      // behind the last channel
-  EXPECT_EQ(openWith("PCON", 1).qualities, "NNNN");  // behind PBAS 1: PBAS 2
-  // Behind PCON 1: PCON 2, four bytes of 1, and then two peaks of PLOC 1.
+  EXPECT_EQ(openWith("PBAS", 1).bases, "ACGT");      // after the last channel
+  EXPECT_EQ(openWith("PCON", 1).qualities, "NNNN");  // after PBAS 1: PBAS 2
+  // After PCON 1: PCON 2, four bytes of 1, and then two peaks of PLOC 1.
   EXPECT_EQ(openWith("PLOC", 1).peaks, (Peaks{0x0101, 0x0101, 1, 4, 12}));
-  // Behind PLOC 1: PLOC 2, eight zeros, and then the length byte of SPAC.
+  // After PLOC 1: PLOC 2, eight zeros, and then the length byte of SPAC.
   EXPECT_EQ(openWith("SPAC", 2).callerName, "\0\0\0\0\0\0\0\0\x9"s);
   EXPECT_TRUE(openWith("SPAC", 2).read);
 }
@@ -218,7 +217,7 @@ TEST(AbifReaderLimits, AnUnmetClaimUpToTheLimitIsFilledWithZeros) {
 }
 
 TEST(AbifReaderLimits, AClaimThatTheFileHoldsIsReadHoweverLarge) {
-  // All data of one kind starts at 0; the largest array needs two bytes an entry.
+  // All arrays start at 0. The largest has two bytes in each element.
   const std::uint32_t count = claimLimit + 1;
   AbifBuilder points = withChannelCounts(count);
   for (std::uint32_t number = 9; number <= 12; ++number) points.dataOffset("DATA", number, 0);
@@ -233,7 +232,7 @@ TEST(AbifReaderLimits, AClaimThatTheFileHoldsIsReadHoweverLarge) {
 TEST(AbifReaderLimits, EachChannelAndEachRunOfCallsMustHoldALargeClaim) {
   const std::uint32_t count = claimLimit + 1;
   const std::uintmax_t size = 2 * std::uintmax_t{count};
-  const std::uint32_t beyond = 0x70000000;  // a position behind the end
+  const std::uint32_t beyond = 0x70000000;  // a position past the end
   for (std::uint32_t moved = 9; moved <= 12; ++moved) {
     AbifBuilder points = withChannelCounts(count);
     for (std::uint32_t number = 9; number <= 12; ++number) {
@@ -251,7 +250,7 @@ TEST(AbifReaderLimits, EachChannelAndEachRunOfCallsMustHoldALargeClaim) {
 }
 
 TEST(AbifReaderLimits, ALargeClaimAfterAFailedMoveCountsFromWhereTheReaderStands) {
-  // Bases and qualities start at 0; the peaks follow behind the qualities.
+  // Bases and qualities start at 0; the peaks follow the qualities.
   const std::uint32_t count = claimLimit + 1;
   AbifBuilder calls = withCallCounts(count);
   calls.dataOffset("PBAS", 1, 0).dataOffset("PCON", 1, 0).dataOffset("PLOC", 1, 0x80000000);
@@ -270,7 +269,7 @@ TEST(AbifReaderLimits, AnEndlessDirectoryEndsWithTheFile) {
     const OpenedTrace opened = openBytes(content);
 
     EXPECT_EQ(opened.status, 2) << stride;
-    // Four thousand million entries would take minutes.
+    // Reading four thousand million entries would take minutes.
     EXPECT_LT(Clock::now() - start, std::chrono::seconds(5)) << stride;
   }
 }

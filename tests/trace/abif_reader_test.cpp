@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// An entry that names a number and no data that is used.
+/// Makes an unused entry with this number the last one of the directory.
 AbifBuilder& endingWith(AbifBuilder& builder, std::uint32_t number) {
   return builder.entry("LAST", number, "");
 }
@@ -64,7 +64,7 @@ TEST(AbifReader, EveryBaseOrderGivesTheSameChannels) {
 TEST(AbifReader, BaseOrderACGTMapsData9To12StraightToACGT) {
   AbifBuilder builder;
   builder.baseOrder("ACGT");
-  for (int number = 9; number <= 12; ++number) {  // three samples of its own number each
+  for (int number = 9; number <= 12; ++number) {  // each: three samples with its number
     builder.entry("DATA", static_cast<std::uint32_t>(number),
                   bytes({0, number, 0, number, 0, number}), 2);
   }
@@ -90,7 +90,7 @@ TEST(AbifReader, ABrokenBaseOrderFails) {
 }
 
 TEST(AbifReader, ABaseOrderNamingOneLetterTwiceFillsThatChannelTwiceAndLeavesTheMissingOneZero) {
-  // "DATA" 9 and 11 rise from 500 and from 700, both for G.
+  // "DATA" 9 rises from 500 and "DATA" 11 from 700. Both are G; the later one is kept.
   const OpenedTrace opened = openBytes(AbifBuilder().baseOrder("GAGC").build());
 
   EXPECT_TRUE(opened.read);
@@ -143,11 +143,11 @@ TEST(AbifReader, CallOffsetsThatCountFromTheMagicAreNotCorrected) {
 }
 
 TEST(AbifReader, ShortDataIsStillSoughtAtThePositionThatItsFieldNames) {
-  // Four bases would fit into the field; it holds 0, where "ABIF" stands.
+  // Four bases would fit into the field. It holds 0, the position of "ABIF".
   const OpenedTrace opened = openBytes(AbifBuilder().dataOffset("PBAS", 1, 0).build());
   EXPECT_EQ(opened.bases, "ABIF");
 
-  // The bases in the field, 0x41434754, name a position behind the end of the file.
+  // The bases in the field, 0x41434754, are a position past the end of the file.
   const OpenedTrace inField = openBytes(AbifBuilder().dataOffset("PBAS", 1, 0x41434754).build());
   EXPECT_TRUE(inField.read);
   EXPECT_EQ(inField.bases, "");
@@ -196,7 +196,7 @@ TEST(AbifReader, AData9OfSize4OrLessIsIgnored) {
   EXPECT_FALSE(openBytes(AbifBuilder().dataSize("DATA", 9, 0).build()).read);
   EXPECT_TRUE(openBytes(AbifBuilder().dataSize("DATA", 9, 5).build()).read);
   EXPECT_TRUE(openBytes(AbifBuilder().dataSize("DATA", 9, 0xFFFFFFFF).build()).read);
-  // An ignored one does not take the place of an earlier one either.
+  // An ignored entry does not replace an earlier one either.
   EXPECT_EQ(openBytes(AbifBuilder().entry("DATA", 9, "\0\7\0\7"s, 2).build()).g, risingFrom(300));
 }
 
@@ -322,7 +322,7 @@ TEST(AbifReader, WithoutSpac2TheCallerNameIsEmpty) {
 }
 
 TEST(AbifReader, ACallerNameLongerThanTheFileEndsWithTheFile) {
-  // The directory comes first, so that the name's ten bytes are the last ones.
+  // The directory comes first, so the file ends with the ten bytes of the name.
   for (const std::uint32_t count : {11u, 1000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
     const std::string content = AbifBuilder().directoryFirst().count("SPAC", 2, count).build();
 
@@ -331,7 +331,7 @@ TEST(AbifReader, ACallerNameLongerThanTheFileEndsWithTheFile) {
 }
 
 TEST(AbifReader, TheCallerNameIsReadAfterTheFilesLastByteWasRead) {
-  // The peaks are the last data of the file; the name stands before them.
+  // The file ends with the peaks; the name is before them.
   const OpenedTrace opened = openBytes(AbifBuilder().directoryFirst().last("PLOC", 1).build());
 
   EXPECT_EQ(opened.peaks, (Peaks{1, 4, 7, 10, 12}));

@@ -7,11 +7,11 @@
 
 #include "tests/trace/plain_reader.h"
 
-/// The block rules of the reader, done slowly and to the letter: a stream that stands somewhere in
-/// a file in memory, a copied block, and every operation byte by byte.
+/// A plain model of the reader's block rules: a position in a file in memory, a copied block, and
+/// every operation byte by byte.
 ///
-/// Where PlainReader says what reading means, this also says what the blocks make of it: the block
-/// that a seek leaves in view, and the rules at the end of the file.
+/// Unlike PlainReader it also models the effects of blocks: the block that is current after a seek,
+/// and the rules at the end of the file.
 class BlockModel {
  public:
   BlockModel(std::string file, std::int32_t blockSize)

@@ -9,8 +9,8 @@
 #include "tests/trace/block_model.h"
 #include "tests/trace/plain_reader.h"
 
-// Random operations on random files: the reader against the file in memory, and against the block
-// rules done to the letter. Seeds are fixed, so a failure comes back.
+// Random operations on random files: compares the reader with the file in memory and with a plain
+// model of the block rules. Seeds are fixed, so a failure repeats.
 
 namespace {
 
@@ -125,7 +125,7 @@ struct Subject {
 enum class Width { int8, uint8, int16, uint16, int32, uint32, float32, float64 };
 constexpr int widthCount = 8;
 
-/// What an operation gave: its result and every output byte, untouched ones included.
+/// The result of an operation and every output byte, unchanged ones included.
 struct Outcome {
   std::int32_t result = 0;
   std::string output;
@@ -162,7 +162,7 @@ constexpr std::int32_t arrayRoom = 3000;
 
 template <typename Value, typename Reader>
 Outcome applyValue(Reader& reader, const Step& step) {
-  std::string room(arrayRoom * sizeof(Value), '~');  // the marks show what stays untouched
+  std::string room(arrayRoom * sizeof(Value), '~');  // the marks show which bytes stay unchanged
   std::array<Value, arrayRoom> values;
   std::memcpy(values.data(), room.data(), room.size());
   Outcome outcome;
@@ -247,7 +247,7 @@ Outcome apply(Reader& reader, const Step& step) {
 class Dice {
  public:
   explicit Dice(std::uint32_t seed) : engine_(seed) {}
-  /// 0..limit - 1, the same on every library.
+  /// 0..limit - 1, the same with every standard library.
   std::int32_t below(std::int32_t limit) {
     return static_cast<std::int32_t>(engine_() % static_cast<std::uint32_t>(limit));
   }
@@ -283,12 +283,12 @@ bool dependsOnBlocksAtTheEnd(int kind) {
   return kind == text || kind == textAt || kind == line || kind == until;
 }
 
-/// Runs the step on both and compares; false once the two may part company.
+/// Runs the step on both and compares. False after a step from which the two may differ.
 bool agreesWithPlainReader(PlainReader& plain, Subject& subject, const Step& step) {
   const Outcome expected = apply(plain, step);
   EXPECT_EQ(apply(subject, step), expected) << "kind " << step.kind;
   EXPECT_EQ(subject.reader.lineCount(), plain.lineCount());
-  // Whether the bytes of a cut value stay unread depends on where the last block starts.
+  // Whether the bytes of a cut value stay unread depends on the start of the last block.
   const bool single = step.kind == one || step.kind == oneAt;
   const bool complete = expected.result == (single ? 1 : step.count);
   return !(single || step.kind == array) || complete || plain.left() == 0;
@@ -317,8 +317,8 @@ void compareWithBlockModel(const Tessaly::String& path, const std::string& file,
   }
 }
 
-// Left out, since the block size decides them: text(), textAt(), line() and until() when nothing is
-// left to read, and what follows a value that the end of the file cuts.
+// Left out, since they depend on the block size: text(), textAt(), line() and until() at the end of
+// the file, and every step after a value that the end of the file cuts.
 TEST(FileReaderModel, WithoutMovesTheBlockSizeDoesNotChangeWhatIsRead) {
   ScratchFolder folder;
   Dice dice(1);
@@ -338,8 +338,8 @@ TEST(FileReaderModel, WithoutMovesTheBlockSizeDoesNotChangeWhatIsRead) {
   }
 }
 
-// Left out as above, and positions from block size squared on: there a move can leave another block
-// in view.
+// Left out: the same, and positions from the square of the block size on. There a move can keep the
+// wrong block.
 TEST(FileReaderModel, WithMovesTheBlockSizeDoesNotChangeWhatIsReadBelowItsSquare) {
   ScratchFolder folder;
   Dice dice(2);

@@ -16,17 +16,18 @@
 #include "tests/trace/counting_bytes.h"
 #include "tests/trace/single_bytes.h"
 
-// Opening and closing, and files that change while they are open.
+// Opening, closing, and files that change while they are open.
 
 namespace {
 
 using Tessaly::FileReader;
 
-/// This process's memory as a file. Its size is given as 0, and it can be read where memory is.
+/// The memory of this process as a file. Its size is given as 0. Reading fails where there is no
+/// memory.
 const char* const ownMemory = "/proc/self/mem";
 constexpr std::int32_t mebibyte = 1'048'576;  // bytes
 
-/// Memory of zeros at a given address, if the system gives it; where it ends, none follows.
+/// Memory of zeros at a given address, if the system gives it. No memory follows it.
 class Memory {
  public:
   Memory(std::uintptr_t address, std::int32_t size)
@@ -91,7 +92,7 @@ TEST(FileReaderOpen, OpenRefusesAPipeWithoutWaiting) {
   ASSERT_EQ(mkfifo(path.text(), 0600), 0);
 
   FileReader reader;
-  alarm(10);  // seconds; a reader that waits for a writer ends the test here
+  alarm(10);  // seconds: stops a reader that waits for a writer
   const bool opened = reader.open(path);
   alarm(0);
 
@@ -114,7 +115,7 @@ TEST(FileReaderOpen, AnOpenThatTheSystemRefusesLeavesAClearState) {
 
   EXPECT_FALSE(opened);
   EXPECT_TRUE(reader.good());
-  EXPECT_TRUE(reader.open(path));  // and a later one succeeds
+  EXPECT_TRUE(reader.open(path));  // a later one succeeds
   EXPECT_EQ(nextByte(reader), 'a');
 }
 
@@ -243,7 +244,7 @@ TEST(FileReaderOpen, AFileThatShrinksWhileItIsReadEndsWhereItEndsNow) {
   EXPECT_EQ(reader.fileSize(), 2'000'000);
   EXPECT_EQ(byteAt(reader, 1'900'000), -1);
   EXPECT_EQ(byteAt(reader, 1'000'000), -1);
-  EXPECT_EQ(reader.fileSize(), 1'000'000);  // found out by reading
+  EXPECT_EQ(reader.fileSize(), 1'000'000);  // found by reading
   EXPECT_EQ(byteAt(reader, 999'999), 15);   // 3984 x 251 = 999984
   EXPECT_EQ(nextByte(reader), -1);
   EXPECT_TRUE(reader.good());
@@ -300,7 +301,7 @@ TEST(FileReaderOpen, AFileThatClaimsToBeEmptyIsReadUpToAMebibyte) {
 }
 
 TEST(FileReaderOpen, BlocksAfterAnErrorAreRead) {
-  constexpr std::int32_t start = 0x40000;  // nothing can be read before it
+  constexpr std::int32_t start = 0x40000;  // reading fails before it
   const Memory memory(start, pageSize());
   if (!memory.isReadable()) GTEST_SKIP() << "no memory at the address, or no such file";
 

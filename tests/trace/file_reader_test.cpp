@@ -9,7 +9,7 @@
 #include "tests/trace/counting_bytes.h"
 #include "tests/trace/single_bytes.h"
 
-// Blocks and positions. Opening, values and texts have tests of their own.
+// Blocks and positions. Other files test opening, values and texts.
 
 namespace {
 
@@ -69,12 +69,12 @@ TEST(FileReader, ASeekPastTheEndMovesAndLeavesNothingToRead) {
   FileReader reader(8);
   ASSERT_TRUE(reader.open(folder.write("file", countingBytes(10))));
 
-  EXPECT_TRUE(reader.seek(13));  // in the last block, behind its two bytes
+  EXPECT_TRUE(reader.seek(13));  // in the last block, after its two bytes
   EXPECT_EQ(nextByte(reader), -1);
   EXPECT_TRUE(reader.seek(std::numeric_limits<std::int32_t>::max()));
   EXPECT_EQ(nextByte(reader), -1);
 
-  EXPECT_EQ(byteAt(reader, 9), 9);  // and the way back is open
+  EXPECT_EQ(byteAt(reader, 9), 9);  // moving back works
 }
 
 TEST(FileReader, AfterASeekTheBlockNumberIsTheBytePositionOfTheBlock) {
@@ -95,7 +95,7 @@ TEST(FileReader, ASeekToTheBlockWhoseNumberEqualsTheStoredPositionKeepsTheOldBlo
   ASSERT_TRUE(reader.open(folder.write("file", countingBytes(64))));
   ASSERT_TRUE(reader.seek(4));  // bytes 4 to 7, stored as block 4
 
-  EXPECT_EQ(byteAt(reader, 17), 5);   // block 4 by number: bytes 4 to 7 stay in view
+  EXPECT_EQ(byteAt(reader, 17), 5);   // block 4 by number: bytes 4 to 7 stay loaded
   EXPECT_EQ(byteAt(reader, 20), 20);  // block 5 differs and is read
   EXPECT_EQ(byteAt(reader, 17), 17);  // block 4 differs from the stored 20 now
 }
@@ -105,11 +105,11 @@ TEST(FileReader, TheRefillAfterAKeptBlockContinuesAfterTheBlockReadLast) {
   FileReader reader(4);
   ASSERT_TRUE(reader.open(folder.write("file", countingBytes(64))));
   ASSERT_TRUE(reader.seek(4));
-  ASSERT_TRUE(reader.seek(19));  // kept: stands on byte 7
+  ASSERT_TRUE(reader.seek(19));  // kept: the position is byte 7
 
   EXPECT_EQ(nextByte(reader), 7);
   EXPECT_EQ(nextByte(reader), 8);    // refilled from byte 8: the block count goes from 4 to 5
-  EXPECT_EQ(byteAt(reader, 20), 8);  // so block 5 counts as being in view
+  EXPECT_EQ(byteAt(reader, 20), 8);  // so block 5 counts as loaded
 }
 
 TEST(FileReader, AFileOverAMebibyteShowsTheOldBlockWhereNumberAndPositionMeet) {
@@ -118,10 +118,10 @@ TEST(FileReader, AFileOverAMebibyteShowsTheOldBlockWhereNumberAndPositionMeet) {
   ASSERT_TRUE(reader.open(folder.write("file", countingBytes(1'100'000))));
   ASSERT_TRUE(reader.seek(1024));
 
-  EXPECT_EQ(byteAt(reader, 1'048'581), 25);  // in block 1024: byte 1029 = 4 x 251 + 25 is shown
+  EXPECT_EQ(byteAt(reader, 1'048'581), 25);  // in block 1024: gives byte 1029 = 4 x 251 + 25
 
   EXPECT_EQ(byteAt(reader, 0), 0);
-  EXPECT_EQ(byteAt(reader, 1'048'581), 154);  // read afresh: 4177 x 251 + 154
+  EXPECT_EQ(byteAt(reader, 1'048'581), 154);  // reloaded: 4177 x 251 + 154
 }
 
 TEST(FileReader, WithoutASeekTellIsTheFilePosition) {
@@ -147,7 +147,7 @@ TEST(FileReader, AFullLastBlockIsNotYetTheEnd) {
   EXPECT_EQ(nextByte(reader), -1);
 
   EXPECT_TRUE(reader.atEnd());
-  EXPECT_EQ(reader.block(), 2);  // the refill that brought nothing counts
+  EXPECT_EQ(reader.block(), 2);  // an empty refill counts
   EXPECT_EQ(reader.blockBytes(), 0);
   EXPECT_TRUE(reader.good());
 }
@@ -159,7 +159,7 @@ TEST(FileReader, HasEndedWhileTheLastBlockIsUsedUp) {
   char bytes[4];
 
   ASSERT_EQ(reader.readBytes(bytes, 4), 4);
-  EXPECT_FALSE(reader.hasEnded());  // this block is, but another one follows
+  EXPECT_FALSE(reader.hasEnded());  // this block has ended, but another one follows
   ASSERT_EQ(reader.readBytes(bytes, 1), 1);
   EXPECT_FALSE(reader.hasEnded());
   ASSERT_EQ(reader.readBytes(bytes, 1), 1);
@@ -179,7 +179,7 @@ TEST(FileReader, SetBufferSizeGivesUpTheBlockAndReadsNothing) {
   EXPECT_EQ(reader.blockSize(), 3);
   EXPECT_EQ(reader.tell(), 0);
   EXPECT_FALSE(reader.atEnd());
-  EXPECT_EQ(nextByte(reader), 4);  // the stream stood behind the first block of four
+  EXPECT_EQ(nextByte(reader), 4);  // the stream was after the first block of four
   EXPECT_EQ(reader.blockBytes(), 3);
 }
 

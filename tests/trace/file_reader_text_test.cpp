@@ -102,7 +102,7 @@ TEST_F(FileReaderText, OnceTheEndIsReachedAPositionedTextNoLongerMoves) {
   EXPECT_FALSE(reader.readTextAt(-1, text_, 2));
   EXPECT_EQ(textOf(text_), "def");  // untouched
 
-  EXPECT_TRUE(reader.seek(0));  // a plain move still works, and then so does the text
+  EXPECT_TRUE(reader.seek(0));  // seek() still works, and then the text too
   EXPECT_TRUE(reader.readTextAt(1, text_, 2));
   EXPECT_EQ(textOf(text_), "bc");
 }
@@ -181,7 +181,7 @@ TEST_F(FileReaderText, ALineCanBeReadAtAPosition) {
   EXPECT_FALSE(reader.readLineAt(-1, text_));
   EXPECT_FALSE(reader.readLineAt(14, text_));
   EXPECT_EQ(textOf(text_), "cond");
-  EXPECT_TRUE(reader.readLineAt(0, text_));  // unlike a positioned text it moves back
+  EXPECT_TRUE(reader.readLineAt(0, text_));  // moves back, unlike a positioned text
 
   EXPECT_EQ(textOf(text_), "first");
 }
@@ -257,7 +257,7 @@ TEST_F(FileReaderText, WordsAreDelimitedByWhiteSpace) {
     EXPECT_EQ(reader.lineCount(), 1);
     EXPECT_TRUE(reader.readWord(text_));
     EXPECT_EQ(textOf(text_), "two");
-    EXPECT_EQ(reader.lineCount(), 1);  // the white space behind the word is still unread
+    EXPECT_EQ(reader.lineCount(), 1);  // the white space after the word is still unread
     EXPECT_TRUE(reader.readWord(text_));
     EXPECT_EQ(textOf(text_), "three");
     EXPECT_FALSE(reader.readWord(text_));

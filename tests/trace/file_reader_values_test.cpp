@@ -15,7 +15,7 @@ namespace {
 using Tessaly::FileReader;
 using testing::ElementsAre;
 
-/// The text that a list of byte values makes.
+/// A text of the given byte values.
 std::string bytes(std::initializer_list<int> values) {
   std::string text;
   for (const int value : values) text += static_cast<char>(value);
@@ -141,8 +141,8 @@ TEST_F(FileReaderValues, AValueAcrossManySmallBlocksIsWhole) {
 }
 
 TEST_F(FileReaderValues, AValueThatTheFileCutsLeavesTheOutputAlone) {
-  // The whole file is one short block; or the value's block is full and the next one is short; or
-  // there is no next one.
+  // 1024: the file is one short block. 2: the second block is short. 3 and 1: the last block is full
+  // and no other follows.
   for (const std::int32_t blockSize : {1024, 2, 3, 1}) {
     FileReader& reader = opened("abc", blockSize);
     std::uint32_t uint32 = 77;
@@ -217,7 +217,7 @@ TEST_F(FileReaderValues, A32BitArrayIsTheSameAtEveryBlockSize) {
   for (std::int32_t blockSize = 1; blockSize <= 12; ++blockSize) {
     FileReader& reader =
         opened(bytes({'?', 0, 0, 1, 0, 0xFF, 0xFF, 0xFF, 0xFE, 0x80, 0, 0, 1}), blockSize);
-    std::uint8_t odd = 0;  // puts the values across the block ends
+    std::uint8_t odd = 0;  // so that values cross the ends of blocks
     std::uint32_t values[1] = {};
     std::int32_t signs[2] = {};
 
@@ -286,7 +286,7 @@ TEST_F(FileReaderValues, AnArrayLeavesTheBlockOfItsLastByteInView) {
     FileReader& reader = opened(countingBytes(22), 4);
     std::uint8_t first = 0;
     std::uint16_t values[10];
-    reader.readUInt8(first);  // so that values stand across the ends of blocks
+    reader.readUInt8(first);  // so that values cross the ends of blocks
 
     EXPECT_EQ(reader.readUInt16Array(values, array.count), array.count);
 

@@ -38,7 +38,7 @@ TEST(TraceFormatsAgree, AbifInEveryBaseOrderWithAndWithoutAHeaderInFrontAndScf) 
 
       ASSERT_NO_FATAL_FAILURE(expectSameTrace(scf, abif));
       ASSERT_NO_FATAL_FAILURE(expectSameTrace(scf, prefixed));
-      // And all of them are what was put in.
+      // And all of them equal the contents.
       EXPECT_EQ(abif.bases, contents.bases);
       EXPECT_TRUE(std::equal(abif.a.begin(), abif.a.end(), contents.channels[0].begin(),
                              contents.channels[0].end()));

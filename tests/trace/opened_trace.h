@@ -13,25 +13,25 @@
 using Samples = std::vector<std::uint16_t>;
 using Peaks = std::vector<std::int32_t>;
 
-/// Bytes of the given values, to compare quality texts with.
+/// A text of the given byte values, to compare quality texts with.
 inline std::string bytes(const std::vector<int>& values) {
   std::string text;
   for (const int value : values) text += static_cast<char>(value);
   return text;
 }
 
-/// `count` samples from `first` on, each one more than the last.
+/// `count` samples: `first`, `first` + 1, ...
 inline Samples risingFrom(std::uint16_t first, std::size_t count = 12) {
   Samples samples(count);
   for (std::size_t i = 0; i < count; ++i) samples[i] = static_cast<std::uint16_t>(first + i);
   return samples;
 }
 
-/// What one trace says, taken out through the operations of TraceFile.
+/// The contents of one trace, read with the operations of TraceFile.
 struct OpenedTrace {
   bool read = false;
   std::int32_t status = -1;
-  // The rest is set for a trace that was read.
+  // The rest is set only when the trace was read.
   std::uint32_t pointCount = 0;
   std::uint32_t baseCount = 0;
   Samples a, c, g, t;
@@ -73,14 +73,14 @@ inline OpenedTrace openPath(Tessaly::String path) {
 
 /// Opens a trace file of the given bytes.
 inline OpenedTrace openBytes(const ScratchFolder& folder, const std::string& content) {
-  std::filesystem::remove(folder.path() / "trace");  // a new file is written faster than an old one
+  std::filesystem::remove(folder.path() / "trace");  // faster than overwriting
   return openPath(folder.write("trace", content));
 }
 inline OpenedTrace openBytes(const std::string& content) {
   return openBytes(ScratchFolder(), content);
 }
 
-/// Opens a trace file of the given bytes that goes on with zeros to `size` bytes.
+/// Opens a trace file of the given bytes and of zeros up to `size` bytes.
 inline OpenedTrace openBytesOfSize(const std::string& content, std::uintmax_t size) {
   const ScratchFolder folder;
   const Tessaly::String path = folder.write("trace", content);

@@ -8,8 +8,8 @@
 #include <type_traits>
 #include <utility>
 
-/// The number whose bytes, most significant first, stand at `bytes`; floating values are copied.
-/// Byte code of its own, so that a slip in the program's shows.
+/// The number at `bytes`, most significant byte first; floating values are copied. Shares no code
+/// with the program, so that tests find an error in either.
 template <typename Value>
 Value numberAt(const char* bytes) {
   Value value{};
@@ -25,10 +25,10 @@ Value numberAt(const char* bytes) {
   return value;
 }
 
-/// A file in memory with a position and nothing else: what the block reader means, without blocks.
+/// A plain model of the reader without blocks: a file in memory and a position.
 ///
-/// It knows no end-of-file rule that depends on the block size: what follows a cut value, and the
-/// text operations at or behind the end of the file, are not its subject.
+/// It does not model what depends on the block size: the steps after a cut value, and the text
+/// operations at or past the end of the file.
 class PlainReader {
  public:
   explicit PlainReader(std::string file) : file_(std::move(file)) {}

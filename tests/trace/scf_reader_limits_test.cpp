@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::string_literals;
 
-// The most entries that are filled with zeros where a file does not hold what it claims.
+// The largest count that a file may claim without holding it. Zeros take the place of the data.
 constexpr std::uint32_t claimLimit = 4'194'304;
 
 // Header fields, as bytes from the start of the file.
@@ -22,7 +22,8 @@ constexpr std::size_t commentsOffset = 32;
 constexpr std::size_t versionOffset = 36;
 
 TEST(ScfReaderLimits, AFailedMoveGoesOnFromWhereTheReaderStands) {
-  // Behind the header that is read, at 44; behind the samples; behind the bases.
+  // The reader's position is 44, after the header fields; then after the samples; then after the
+  // bases.
   for (const char* version : {"2.00", "3.00"}) {
     ScfBuilder noSamples;
     noSamples.version(version).header(44, 0x00010002).header(samplesOffset, 0x80000000);
@@ -57,8 +58,8 @@ TEST(ScfReaderLimits, PartsPastTheEndOfTheFileAreZero) {
 }
 
 TEST(ScfReaderLimits, WhatTheFileDoesNotHoldIsZeroBeforeTheSums) {
-  // T is the last channel; cut in the middle of its fourth value, it goes on with slope 1. With
-  // zeros taken for samples it would end 3, 0, 0.
+  // T is the last channel, cut in its fourth value. Missing second differences are 0, so it
+  // continues with slope 1. If missing samples were 0, it would end 3, 0, 0.
   ScfBuilder builder;
   builder.storedSamples('T', {1, 0, 0, 5, 5});
   const std::size_t cut = builder.samplesOffset() + (3 * 5 + 3) * 2 + 1;
@@ -72,8 +73,8 @@ TEST(ScfReaderLimits, WhatTheFileDoesNotHoldIsZeroBeforeTheSums) {
   EXPECT_EQ(openBytes(narrow.truncatedTo(narrowCut).build()).t, (Samples{1, 2, 3, 4, 5}));
 }
 
-// The format once more, plainly: each value of the first `held` bytes of a file, zero where it is
-// not whole.
+/// A plain reader of the format: the values in the first `held` bytes of a file. A value that is
+/// not whole is zero.
 class PlainScf {
  public:
   PlainScf(const std::string& content, std::size_t held) : content_(content), held_(held) {
@@ -176,8 +177,8 @@ TEST(ScfReaderLimits, AFileCutAnywhereGivesWhatItHoldsAndZeros) {
 }
 
 TEST(ScfReaderLimits, AVersionThatIsNotThereIsVersion2) {
-  // The two points are taken from the header itself, from byte 4 on: 0, 2, 0, 4 and 0, 4, 0, 0.
-  // In the version 3 layout A would be 0, 2.
+  // The samples start at byte 4 of the header: 0, 2, 0, 4 and 0, 4, 0, 0. In the version 3 layout A
+  // would be 0, 2.
   const std::string content = ScfBuilder().header(sampleCount, 2).header(samplesOffset, 4).build();
 
   for (const std::size_t size : std::initializer_list<std::size_t>{36, 39}) {

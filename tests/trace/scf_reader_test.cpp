@@ -64,7 +64,7 @@ TEST(ScfReader, AVersion2FileYieldsWhatTheEquivalentVersion3FileDoes) {
   EXPECT_EQ(two.bases, "TNaG");
   EXPECT_EQ(three.bases, two.bases);
   EXPECT_EQ(two.qualities, three.qualities);
-  EXPECT_EQ(two.peaks, (Peaks{4, 3, 2, 70000, 5}));  // the last is the number of points
+  EXPECT_EQ(two.peaks, (Peaks{4, 3, 2, 70000, 5}));  // the last is the number of samples
   EXPECT_EQ(three.peaks, two.peaks);
 }
 
@@ -100,7 +100,7 @@ TEST(ScfReader, SumsStartAfreshInEachChannel) {
 }
 
 TEST(ScfReader, LongTracesAreReadWholeInEveryLayout) {
-  // More samples and bases than any block or run of the reader holds.
+  // More samples and bases than the reader takes at once.
   const std::size_t points = 30000;
   std::vector<int> samples(points);
   for (std::size_t i = 0; i < points; ++i) samples[i] = static_cast<int>(i * i % 251);
@@ -153,7 +153,7 @@ TEST(ScfReader, TheSignOfTheFirstVersionCharacterDecidesTheLayout) {
     content.replace(versionOffset, 4, one.version);
     const OpenedTrace opened = openBytes(content);
 
-    // Point by point the stored 1, 0, 5, 9 are one value of each channel.
+    // In the version 2 layout the stored 1, 0, 5, 9 are one sample of each channel.
     EXPECT_EQ(opened.a, one.isVersion3 ? (Samples{1, 2}) : (Samples{1, 0})) << one.version;
     EXPECT_EQ(opened.t, one.isVersion3 ? (Samples{0, 0}) : (Samples{9, 0})) << one.version;
   }
@@ -169,7 +169,7 @@ TEST(ScfReader, ABaseNHasNoQuality) {
   for (const char* version : {"2.00", "3.00"}) {
     const OpenedTrace opened = openBytes(ScfBuilder().version(version).bases("ANGT").build());
 
-    // The quality text ends at the zero that stands for none.
+    // No quality is a zero, which ends the quality text.
     EXPECT_EQ(opened.bases, "ANGT") << version;
     EXPECT_EQ(opened.qualities, bytes({11})) << version;
   }
@@ -264,12 +264,12 @@ TEST(ScfReader, TheSearchForTheCallerStartsAtTheComments) {
 
 TEST(ScfReader, TheSearchForTheCallerContinuesAfterTheComments) {
   EXPECT_EQ(openBytes(ScfBuilder().header(commentsSize, 0).build()).callerName, "built.scf");
-  // From the start of the file the comments are part of a longer first line, up to its line feed.
+  // From the start of the file, the first line goes up to the first line feed of the comments.
   EXPECT_EQ(openBytes(ScfBuilder().header(commentsOffset, 0).build()).callerName, "built.scf");
 }
 
 TEST(ScfReader, TheCallerIsFoundAfterTheFilesLastByteWasRead) {
-  // The bases end the file; "BCAL=x" stands in the unused part of the header.
+  // The file ends with the bases. The unused part of the header holds "BCAL=x".
   const OpenedTrace opened = openBytes(ScfBuilder()
                                            .version("2.00")
                                            .comments("")
@@ -283,7 +283,7 @@ TEST(ScfReader, TheCallerIsFoundAfterTheFilesLastByteWasRead) {
 }
 
 TEST(ScfReader, PartsStandWhereTheHeaderSays) {
-  // The samples of the bare file moved behind its end, with other bytes where they were.
+  // The samples of a bare file are moved to its end; other bytes replace them.
   const std::string bare = ScfBuilder().build();
   const ScfBuilder layout;
   const std::size_t size = layout.basesOffset() - layout.samplesOffset();

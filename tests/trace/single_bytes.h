@@ -10,7 +10,7 @@ inline int byteAt(Tessaly::FileReader& reader, std::int32_t position) {
   return reader.readUInt8At(position, value) ? value : -1;
 }
 
-/// The byte at which the reader stands (0..255); -1 when there is none.
+/// The byte at the reader's position (0..255); -1 when there is none.
 inline int nextByte(Tessaly::FileReader& reader) {
   std::uint8_t value = 0;
   return reader.readUInt8(value) ? value : -1;

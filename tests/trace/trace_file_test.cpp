@@ -14,7 +14,7 @@
 
 namespace {
 
-// A trace that is open and read.
+/// A trace that was opened and read.
 class ReadTrace {
  public:
   explicit ReadTrace(const AbifBuilder& builder) {
@@ -29,7 +29,7 @@ class ReadTrace {
   Quillet::TraceFile trace_;
 };
 
-// What a caller holds from an earlier trace.
+/// The caller's values from an earlier trace.
 struct Held {
   Tessaly::String bases{"earlier bases"};
   Tessaly::String qualities{"earlier qualities"};
@@ -89,7 +89,7 @@ TEST(TraceFile, CopyChannelsCopiesAllFour) {
 
   trace->copyChannels(a.data(), c.data(), g.data(), t.data());
 
-  for (const Samples* copy : {&a, &c, &g, &t}) EXPECT_EQ(copy->back(), 9);  // one past the points
+  for (const Samples* copy : {&a, &c, &g, &t}) EXPECT_EQ(copy->back(), 9);  // after the last sample
   for (Samples* copy : {&a, &c, &g, &t}) copy->pop_back();
   EXPECT_EQ(a, risingFrom(100));
   EXPECT_EQ(c, risingFrom(200));

@@ -8,12 +8,12 @@
 
 namespace {
 
-/// The bytes that pairs of hexadecimal digits stand for.
+/// The bytes of a text of hexadecimal digits.
 std::string bytesOf(const std::string& hexadecimal) {
   std::istringstream pairs(hexadecimal);
   std::string content;
   for (std::string pair; pairs >> pair;) {
-    content += static_cast<char>(std::stoi(pair, nullptr, 16));  // the same byte, perhaps negative
+    content += static_cast<char>(std::stoi(pair, nullptr, 16));  // the same bits, perhaps negative
   }
   return content;
 }

@@ -15,7 +15,7 @@
 
 namespace {
 
-// Writes `name` + ".gz", packed by the system's gzip, and returns the path without the ".gz".
+/// Writes `name` + ".gz", packed by the system's gzip, and returns the path without the ".gz".
 Tessaly::String writePacked(const ScratchFolder& folder, const std::string& name,
                             const std::string& content) {
   const Tessaly::String path = folder.write(name, content);
@@ -33,11 +33,11 @@ std::vector<std::string> namesIn(const ScratchFolder& folder) {
   return names;
 }
 
-/// Commands named gunzip and rm that stand before the system's and tell, in the file "log" of the
-/// working directory, how they were called.
+/// Replaces gunzip and rm by scripts that write their arguments to the file "log" of the working
+/// directory.
 class LoggedCommands {
  public:
-  /// What the commands do besides, as lines of a shell script.
+  /// `gunzip` and `rm` are further lines of the scripts.
   explicit LoggedCommands(const ScratchFolder& folder, const std::string& gunzip = "",
                           const std::string& rm = "")
       : searchPath_("PATH", searchPath(folder).c_str()) {
