@@ -8,8 +8,8 @@
 #include "tests/support/project_folder.h"
 #include "tests/support/trace_builder.h"
 
-// The base calls are kept from one file of a batch to the next; a trace that has none, or no usable
-// qualities, goes on with those.
+// A batch keeps the base calls from one file to the next. A trace without calls gets those of an
+// earlier file; a trace without usable qualities gets only the qualities.
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -20,14 +20,14 @@ std::string trace(const std::string& bases, const std::vector<int>& qualities) {
   return AbifBuilder().bases(bases).qualities(qualities).build();
 }
 
-/// `count` samples that are 0 but at `position`.
+/// `count` samples: `height` at `position`, 0 elsewhere.
 std::vector<int> spike(std::size_t count, std::size_t position, int height) {
   std::vector<int> samples(count);
   samples[position] = height;
   return samples;
 }
 
-/// 60 bases A with qualities 33, 20, 20... but for a 100 that the quality gate stops.
+/// 60 bases A with qualities 33, 20, 20... and a 100, for which the quality gate skips the trace.
 std::string stoppedTrace() {
   std::vector<int> qualities(60, 20);
   qualities[0] = 33;
@@ -38,8 +38,8 @@ std::string stoppedTrace() {
 }  // namespace
 
 // The second trace has its own samples and, without base calls, no caller. Its highest sample, 255,
-// comes to 65280: a factor of 256. Its last base is sought up to (7 + 12) / 2 = 9, midway to the
-// end of the first trace, so that the spike at 10 is out of reach.
+// becomes 65280: a factor of 256. The search range of its last base ends at (7 + 12) / 2 = 9,
+// midway to the end of the first trace, so the spike at 10 is outside.
 TEST(CarriedCalls, ATraceWithoutBaseCallsTakesOverBasesQualitiesAndPeaks) {
   const ProjectFolder project;
   std::vector<int> thymine = spike(20, 6, 51);

@@ -14,7 +14,7 @@ using ::testing::StartsWith;
 
 namespace {
 
-/// What the two output files of a sample begin with.
+/// The start of the .phd.1 file of a sample.
 std::string phdStart(const std::string& sample) {
   return "BEGIN_SEQUENCE " + sample + "\n\nBEGIN_COMMENT\nCHROMAT_FILE: " + sample +
          "\nABI_THUMBPRINT: 0\n";
@@ -32,7 +32,7 @@ void PrintTo(const NameCase& nameCase, std::ostream* stream) { *stream << nameCa
 
 class ListedName : public testing::TestWithParam<NameCase> {
  protected:
-  // gunzip passes on what is not packed, so that a plain trace does for every name.
+  // gunzip copies a file that is not packed, so every name can have a plain trace.
   void expectSample(const std::string& sample, const std::vector<std::string>& flags) const {
     const ProjectFolder project;
     project.addTrace(GetParam().listed, anyTrace());
@@ -309,7 +309,7 @@ TEST(BatchNames, ADuplicateIsWrittenASecondTimeWithOverwrite) {
 
   const ProgramResult result = project.runList({"empty.ab1", "full.ab1", "empty.ab1"}, {"-o"});
 
-  // The second time the trace takes over the base calls of the file before it.
+  // The second time the trace gets the base calls of the file before it.
   EXPECT_EQ(result.err, banner() + meterLines({0, 34, 67, 100}));
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(project.phdBases("empty"), "A 40 1\nC 40 4\nG 40 7\nT 40 10\n");

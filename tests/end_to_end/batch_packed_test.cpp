@@ -9,8 +9,8 @@
 #include "tests/support/project_folder.h"
 #include "tests/support/trace_builder.h"
 
-// Packed traces go through the system's gunzip, whose complaints appear among the program's own
-// messages. They are asked of gunzip itself, so that its version does not matter.
+// The system's gunzip unpacks packed traces; its messages appear among the program's own. The tests
+// get the expected ones from gunzip itself, so that its version does not matter.
 
 using ::testing::AnyOfArray;
 using ::testing::ElementsAre;
@@ -19,12 +19,12 @@ using ::testing::IsEmpty;
 
 namespace {
 
-/// What gunzip complains about when it is given a file of chromat_dir.
+/// The messages of gunzip for a file of chromat_dir.
 std::string complaintsAbout(const ProjectFolder& project, const std::string& name) {
   return gunzipComplaints(project, project.at("chromat_dir/" + name).text());
 }
 
-/// What lies in the project's root at the end of a run.
+/// Expects nothing in the project's root but its directories and the list file.
 void expectNoTemporaryFile(const ProjectFolder& project) {
   std::vector<std::string> left = project.entries(".");
   std::erase(left, "names");
@@ -47,7 +47,7 @@ std::string withoutEnd(std::string bytes, std::size_t count) {
   return bytes;
 }
 
-/// The trace packed, with another checksum: four bytes before the length, which is four bytes too.
+/// The packed trace with a wrong checksum: the 4 bytes before the last 4, which are the length.
 std::string withWrongChecksum() {
   std::string bytes = gzipped(anyTrace());
   char& byte = bytes[bytes.size() - 8];
@@ -75,8 +75,8 @@ TEST_P(PackedTrace, IsWhatGunzipMakesOfIt) {
   expectNoTemporaryFile(project);
 }
 
-// gunzip -f passes on what is not packed. Of what is cut short it writes all that it could unpack;
-// its status is not looked at. The last 8 bytes of a packed file are checksum and length alone.
+// gunzip -f copies what is not packed. From a cut file it writes all that it could unpack; the
+// program ignores its exit status. The last 8 bytes of a packed file are only checksum and length.
 INSTANTIATE_TEST_SUITE_P(
     Contents, PackedTrace,
     testing::Values(
@@ -170,7 +170,7 @@ TEST(PackedTraces, ADirectoryNamedLikeAPackedTraceIsReported) {
   expectNoTemporaryFile(project);
 }
 
-// gunzip is given two words: "my" in chromat_dir, and a file in the working directory.
+// gunzip gets two words: "my" in chromat_dir, and a file in the working directory.
 TEST(PackedTraces, NamesReachTheShellUnquotedSoThatASpaceMakesTwoOfOne) {
   const ProjectFolder project;
   project.addTrace("my", anyTrace());
@@ -219,7 +219,7 @@ TEST(PackedTraces, NamesReachTheShellUnquotedSoThatPatternsAreExpanded) {
   EXPECT_EQ(project.phdBases("?"), anyBases);
 }
 
-// The gunzip of this test notes what lies in the working directory while it runs.
+// The gunzip of this test lists the working directory while it runs.
 TEST(PackedTraces, AreUnpackedIntoAFileOfTheWorkingDirectoryThatIsNamedByTheMoment) {
   const ProjectFolder project;
   project.addGzipped("x.ab1.gz", anyTrace());

@@ -17,7 +17,7 @@ using ::testing::StartsWith;
 
 namespace {
 
-/// 70 bases A of quality 20, but for what stands at the given positions.
+/// 70 bases A of quality 20, except at the given positions.
 std::string longTrace(const std::map<int, int>& qualitiesAt,
                       const std::map<int, char>& basesAt = {}) {
   std::string bases(70, 'A');
@@ -29,7 +29,7 @@ std::string longTrace(const std::map<int, int>& qualitiesAt,
   return AbifBuilder().bases(bases).qualities(qualities).build();
 }
 
-/// `count` bases A of quality 20, but for quality 0 at `zeroPosition`.
+/// `count` bases A of quality 20, except for quality 0 at `zeroPosition`.
 std::string traceWithZero(int count, int zeroPosition) {
   std::vector<int> qualities(static_cast<std::size_t>(count), 20);
   qualities[static_cast<std::size_t>(zeroPosition)] = 0;
@@ -45,7 +45,7 @@ struct GateCase {
   bool converted;
 };
 
-/// Runs the program over all cases at once and looks at the fate of each.
+/// Converts all cases in one run and checks which were converted and which were skipped.
 void expectFates(const std::vector<GateCase>& cases) {
   const ProjectFolder project;
   std::vector<std::string> names;
@@ -181,8 +181,8 @@ TEST(ExistingResult, StaysWhenTheTraceCanNotBeUsedWithOverwrite) {
   }
 }
 
-// A writer that could not open its file stays useless, so that the second file, which does open,
-// gets nothing; the next trace has a writer of its own.
+// A writer that has failed to open a file stays failed: the second file is made but stays empty.
+// The next trace has a new writer.
 TEST(OutputFile, APhdFileThatCanNotBeOpenedLeavesAnEmptyPolyFileAndTheRunGoesOn) {
   const ProjectFolder project;
   project.addTrace("x.ab1", anyTrace());
@@ -202,7 +202,7 @@ TEST(OutputFile, APhdFileThatCanNotBeOpenedLeavesAnEmptyPolyFileAndTheRunGoesOn)
   EXPECT_THAT(project.poly("y"), StartsWith("y 1 1 1 1 1\nA 1 "));
 }
 
-// The writer is the same for both files, so that the .phd.1 would be lost if it came second.
+// One writer writes both files: if the .phd.1 came second, it would be lost.
 TEST(OutputFile, APolyFileThatCanNotBeOpenedLeavesThePhdFileWholeAndTheRunGoesOn) {
   const ProjectFolder project;
   project.addTrace("x.ab1", anyTrace());
@@ -292,7 +292,7 @@ TEST(QualityGate, TakesQualitiesFrom1To99AsUsable) {
                {"255-at-50", longTrace({{50, 255}}), false}});
 }
 
-// The text of the qualities ends at the first 0, wherever that stands.
+// The quality text ends at the first 0, at any position.
 TEST(QualityGate, TakesAPositionPastTheEndOfTheQualitiesAsAZeroQuality) {
   expectFates({{"zero-at-0", longTrace({{0, 0}}), false},
                {"zero-at-39", longTrace({{39, 0}}), false},

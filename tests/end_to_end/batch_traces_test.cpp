@@ -16,14 +16,14 @@ using ::testing::IsEmpty;
 
 namespace {
 
-/// `count` samples that are 0 but for the given ones.
+/// `count` samples: 0, except for the given ones.
 std::vector<int> samples(std::size_t count, const std::map<std::size_t, int>& given) {
   std::vector<int> values(count);
   for (const auto& [index, value] : given) values[index] = value;
   return values;
 }
 
-/// Every trace in chromat_dir is expected to be reported and nothing to be written.
+/// Expects a message for every trace and no output file.
 void expectAllInvalid(const ProjectFolder& project, const std::vector<std::string>& names) {
   std::string errors;
   for (const std::string& name : names) errors += project.invalidTrace(name);
@@ -59,14 +59,14 @@ void expectAllInvalid(const std::vector<NamedTrace>& traces) {
 
 }  // namespace
 
-// The highest sample, 1020, comes to 65280: a factor of 64. The trace is too short for a balance
-// between the channels, so that all normalised heights are 0. The bases are sought from 2 to 8,
-// 8 to 16, 16 to 24 and 24 to 30; a peak's position is the index after its maximum.
-//   A: highest sample at 4; G and T reach 20 * 64 at 6 and 5, and the first of equals is chosen.
-//   C: no maximum, since its samples are equal from 8 to 17: it falls back to sample 12. A has one
-//      at 12.
-//   G: maximum at 20; the end of C's samples at 17 is one too.
-//   N: heights but no second base; of A's two equal samples the first counts.
+// The highest sample, 1020, becomes 65280: a factor of 64. The trace is too short for the channel
+// balance, so all normalised heights are 0. The search ranges of the bases are 2 to 8, 8 to 16,
+// 16 to 24 and 24 to 30. A peak's position is the index after its maximum.
+//   A: maximum at 4. G and T have the height 20 * 64 at 6 and 5; the first of equals is chosen.
+//   C: no maximum, since its samples from 8 to 17 are equal: it falls back to its position, 12.
+//      A has a maximum at 12.
+//   G: maximum at 20. The end of C's samples, 17, is a maximum too.
+//   N: heights but no second base. The first of A's two equal samples counts.
 TEST(BatchTraces, AWorkedExampleGivesBothFilesToTheLastByte) {
   const ProjectFolder project;
   const std::vector<int> adenine =
@@ -190,7 +190,7 @@ TEST(BatchTraces, WithAnUnusableDirectoryAreReportedAndSkipped) {
   });
 }
 
-// The number of the last entry, "SPAC" 2, names the one channel whose count is compared.
+// Only one channel's count is compared: the one that the number of the last entry, "SPAC" 2, names.
 TEST(BatchTraces, AnUnequalChannelThatTheLastEntryDoesNotNameIsNotNoticed) {
   const ProjectFolder project;
   project.addTrace("compared", AbifBuilder().count("DATA", 11, 11).build());
@@ -203,8 +203,8 @@ TEST(BatchTraces, AnUnequalChannelThatTheLastEntryDoesNotNameIsNotNoticed) {
   EXPECT_EQ(project.phdBases("ignored"), anyBases);
 }
 
-// The directory of 12 entries of 28 bytes ends the file of 602 bytes. The last entry, "SPAC" 2, is
-// read up to its offset field: its last four bytes are not needed.
+// The file of 602 bytes ends with the directory, 12 entries of 28 bytes. The last entry, "SPAC" 2,
+// is read up to its offset field; its last four bytes are not needed.
 TEST(BatchTraces, CutAnywhereBeforeTheLastFieldOfTheDirectoryAreReportedAndSkipped) {
   const ProjectFolder project;
   const std::string whole = anyTrace();
@@ -232,8 +232,8 @@ TEST(BatchTraces, CutAnywhereBeforeTheLastFieldOfTheDirectoryAreReportedAndSkipp
   EXPECT_EQ(project.phdBases("cut-to-598"), anyBases);
 }
 
-// The directory stands at 128, ends with "SPAC" 2 at 436, and the data follows from 464 on: the
-// channels, the bases at 560, the qualities at 568, the peaks at 576 and the caller name at 592.
+// The directory starts at 128; its last entry, "SPAC" 2, is at 436. The data follows: the channels
+// at 464, the bases at 560, the qualities at 568, the peaks at 576 and the caller name at 592.
 TEST(BatchTraces, CutInTheirDataAreConvertedWithZerosForWhatIsMissing) {
   const ProjectFolder project;
   std::vector<std::string> names;
@@ -284,7 +284,7 @@ TEST(BatchTraces, ADirectoryNamedLikeATraceIsReported) {
   EXPECT_THAT(project.entries("phd_dir"), ElementsAre("a.phd.1"));
 }
 
-// Opening a pipe would wait for a writer for ever.
+// Opening a pipe would wait forever for a writer.
 TEST(BatchTraces, ANamedPipeIsReportedAndDoesNotHoldUpTheBatch) {
   const ProjectFolder project;
   project.addTrace("y.ab1", anyTrace());

@@ -10,7 +10,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A project in the folder "p" of the user's folder, which is HOME and the place of other things.
+/// A project in the folder "p" of the user's folder, which is HOME.
 class Directories : public ::testing::Test {
  protected:
   Directories() {
@@ -25,7 +25,7 @@ class Directories : public ::testing::Test {
 
   std::string at(const std::string& name) const { return folder_.at(name).text(); }
 
-  /// Gives `name` the permission bits until the test is over.
+  /// Gives `name` the permission bits until the end of the test.
   void setMode(const std::string& name, unsigned mode) {
     fs::permissions(at(name), static_cast<fs::perms>(mode));
     closed_.push_back(name);
@@ -57,7 +57,8 @@ class Directories : public ::testing::Test {
   std::vector<std::string> closed_;
 };
 
-// In the order of the checks, the last one first, so that each report hides the ones before it.
+// The reverse order of the checks: each directory that a test damages is reported before the ones
+// that it damaged earlier.
 const char* const lastToFirst[] = {"p/poly_dir", "p/phd_dir", "p/chromat_dir", "p"};
 
 TEST_F(Directories, TheFirstMissingOneIsReported) {
@@ -163,7 +164,7 @@ TEST_F(Directories, PwdIsBelievedEvenWhenItIsWrong) {
   expectReport(run, "no such file or directory: " + at("nowhere/"));
 
   run = runIn(".");
-  run.environment["PWD"] = "p";  // relative to where the process stands
+  run.environment["PWD"] = "p";  // relative to the working directory
   expectBatch(run);
 }
 

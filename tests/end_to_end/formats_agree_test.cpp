@@ -7,8 +7,8 @@
 #include "tests/support/project_folder.h"
 #include "tests/support/trace_generator.h"
 
-// One trace in two forms gives the same results. Every test converts 240 traces of a seeded
-// generator, in the same order in each form.
+// One trace in two file formats gives the same results. Every test converts 240 traces of a seeded
+// generator, in the same order in each format.
 
 namespace {
 
@@ -16,14 +16,14 @@ constexpr std::uint32_t traceCount = 240;
 
 TraceContents contentsOf(std::uint32_t seed, int highest) {
   const int kind = static_cast<int>(seed % 12);
-  if (kind == 0) {  // long enough for the channels to be balanced
+  if (kind == 0) {  // long enough for the channel balance
     TraceContents trace = believableTrace(seed, 150 + static_cast<int>(seed % 50));
     for (std::vector<int>& channel : trace.channels) {
       for (int& sample : channel) sample = sample % (highest + 1);
     }
     return trace;
   }
-  // Short enough for the traces with an N to pass the gate, which wants a quality from base 41 on.
+  // Fewer than 41 bases, so that traces with an N pass the quality gate.
   return randomTrace(seed, 20 + static_cast<int>(seed * 7 % 400), static_cast<int>(1 + seed % 39),
                      highest);
 }
@@ -35,7 +35,7 @@ struct Results {
 
 using Form = std::function<std::string(const TraceContents&)>;
 
-/// What one batch over all traces, written in the given form, comes to.
+/// The results of one batch over all traces, written in the given format.
 Results resultsOf(const Form& form, int highest = 65535, bool packed = false) {
   const ProjectFolder project;
   std::vector<std::string> names;

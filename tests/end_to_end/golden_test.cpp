@@ -6,8 +6,8 @@
 #include "tests/support/program.h"
 #include "tests/support/scratch_folder.h"
 
-// Real traces lie outside the repository, in a folder "golden" with a program "check" that converts
-// them in a project of its own and compares every file and message with what it expects.
+// Real traces are outside the repository, in a folder "golden". Its program "check" converts them
+// in a project of its own and compares every file and message with the expected ones.
 
 namespace {
 

@@ -11,8 +11,8 @@
 #include "tests/support/trace_builder.h"
 #include "tests/support/trace_generator.h"
 
-// What files may cost that are something else than they claim: their message, and no other file's
-// result, a bounded amount of memory, and no more time than their length explains.
+// The cost of files whose claims are false: at most one message each, bounded memory, and time in
+// proportion to their length. The results of other files stay the same.
 
 namespace {
 
@@ -20,7 +20,7 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 
 constexpr std::size_t hostileSize = std::size_t{2} << 20;  // bytes
-constexpr std::uint32_t mostUnbacked = 4'194'304;  // samples or bases that a file may invent
+constexpr std::uint32_t mostUnbacked = 4'194'304;  // samples or bases that a file need not hold
 constexpr std::uint32_t one = 1;
 constexpr std::uint32_t all32Bits = 0xFFFFFFFF;
 constexpr std::uint32_t moreThanIsBacked = mostUnbacked + one;
@@ -32,7 +32,7 @@ std::string filled(std::string bytes, const std::string& pattern, std::size_t si
   return bytes;
 }
 
-/// Samples and calls by the million, all of them at the same place: behind the rest of the file.
+/// Claims `claim` samples and calls. All arrays start at one place, after the rest of the file.
 std::string claimingAbif(std::uint32_t claim, const std::string& pattern) {
   const auto end = static_cast<std::uint32_t>(AbifBuilder().build().size());
   AbifBuilder builder;
@@ -75,7 +75,7 @@ struct Hostile {
 
 std::vector<Hostile> hostiles() {
   // Peak positions are pairs of bytes: twice 257, twice 25443, and so on. Half of the search ranges
-  // between them are 12593 samples long: walked sample by sample, they would take most of the time.
+  // are 12593 samples long: a search sample by sample would take most of the time.
   const std::string farApart = "\1\1\1\1cccc";
   const std::string mixed = "ACGTTGCATTACGGCA";
   return {
@@ -100,7 +100,7 @@ std::vector<Hostile> hostiles() {
 
 std::string goodTrace() { return believableTrace(7, 300).abif().build(); }
 
-/// The program within these limits: address space in KiB, processor time in seconds.
+/// Runs the program within limits: address space in KiB, processor time in seconds.
 ProgramResult runWithin(const ProjectFolder& project, int kibibytes, int seconds) {
   const std::string memory =
       underAddressSanitizer ? "" : "ulimit -v " + std::to_string(kibibytes) + " && ";
@@ -116,18 +116,18 @@ constexpr int secondsForAll = 5;
 constexpr int secondsForAll = 60;
 #endif
 
-/// What stands behind the sample's name, the first word.
+/// The text of a .poly file after its first word, the sample's name.
 std::string behindName(const std::string& poly) {
   return poly.substr(std::min(poly.find(' '), poly.size()));
 }
 
-/// The good trace lies before and behind all others and comes out as it does alone.
+/// The good trace is the first and the last of the batch, with the same results as alone.
 void expectGoodResults(const ProjectFolder& project) {
   const ProjectFolder alone;
   alone.addTrace("good", goodTrace());
   ASSERT_EQ(alone.run().status, 0);
   ASSERT_NE(alone.phdBases("good"), "");
-  for (const char* name : {"0_before", "z_behind"}) {
+  for (const char* name : {"0_before", "z_last"}) {
     EXPECT_TRUE(project.phdBases(name) == alone.phdBases("good")) << name;
     EXPECT_TRUE(behindName(project.poly(name)) == behindName(alone.poly("good"))) << name;
   }
@@ -135,7 +135,7 @@ void expectGoodResults(const ProjectFolder& project) {
 
 void addGoodTraces(const ProjectFolder& project) {
   project.addTrace("0_before", goodTrace());
-  project.addTrace("z_behind", goodTrace());
+  project.addTrace("z_last", goodTrace());
 }
 
 }  // namespace
@@ -149,7 +149,7 @@ TEST(Hostile, FilesOf2MebibytesCostAMessageAtMostAndNeither256MebibytesNorMinute
     if (!hostile.converted) refused.push_back(hostile.name);
   }
 
-  // One after the other in one run: what a file took must be free for the next.
+  // All files in one run: the memory of one must be free again for the next.
   const ProgramResult result = runWithin(project, promisedMemory, secondsForAll);
 
   EXPECT_EQ(result.status, 0);

@@ -19,7 +19,7 @@
 #include "tests/support/trace_builder.h"
 #include "tests/support/trace_generator.h"
 
-// A run that is stopped, or whose disk fills up, keeps what it had written before.
+// A run that is stopped, or whose disk fills up, keeps the results that it has written before.
 
 namespace {
 
@@ -34,7 +34,7 @@ std::string sampleName(int number) {
   return "s" + std::string(number < 10 ? "0" : "") + std::to_string(number);
 }
 
-/// `count` samples from "s00" on, each one different.
+/// Adds `count` different traces and returns their samples: "s00", "s01"...
 Names addTraces(const ProjectFolder& project, int count) {
   Names names;
   for (int i = 0; i < count; ++i) {
@@ -45,10 +45,10 @@ Names addTraces(const ProjectFolder& project, int count) {
   return names;
 }
 
-/// A run of the program that has been started, as a process of its own.
+/// A running program, as a child process.
 class StartedRun {
  public:
-  /// Takes the names to convert from the file "names", and PATH from the caller.
+  /// Converts the names in the file "names". PATH is the caller's.
   StartedRun(const ProjectFolder& project, const Names& arguments) {
     std::vector<std::string> texts{QUILLET_PROGRAM};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
@@ -76,7 +76,7 @@ class StartedRun {
   StartedRun(const StartedRun&) = delete;
   StartedRun& operator=(const StartedRun&) = delete;
 
-  /// Sends the signal and waits for the end; tells whether it was the signal that ended the run.
+  /// Sends the signal and waits for the end. True when the signal has ended the run.
   bool stop(int signalNumber) {
     kill(child_, signalNumber);
     int status = 0;
@@ -89,7 +89,7 @@ class StartedRun {
   pid_t child_;
 };
 
-/// Waits, for 20 seconds at most, until the project has the file.
+/// Waits until the project has the file, for 20 seconds at most. True when it has.
 bool waitFor(const ProjectFolder& project, const std::string& file) {
   for (int tries = 0; tries < 20'000 && !project.has(file); ++tries) {
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -97,7 +97,7 @@ bool waitFor(const ProjectFolder& project, const std::string& file) {
   return project.has(file);
 }
 
-/// What an undisturbed run makes of the traces of another project.
+/// The results of an undisturbed run over the same traces in another project.
 class WholeResults {
  public:
   explicit WholeResults(const ProjectFolder& traces) {
@@ -106,7 +106,7 @@ class WholeResults {
     if (project_.run().status != 0) throw std::runtime_error("no results to compare with");
   }
 
-  /// As a run that began at `time` writes it.
+  /// The .phd.1 file of a run that began at `time`.
   std::string phd(const std::string& sample, const std::string& time) const {
     std::string text = project_.timelessPhd(sample);
     return text.replace(text.find("@TIME@"), 6, time);
@@ -121,8 +121,8 @@ bool startsWith(const std::string& text, const std::string& start) {
   return text.compare(0, start.size(), start) == 0;
 }
 
-// A run that is stopped. The names come over and over, so that there is always a next one: with
-// -overwrite, only the sample in hand can be cut.
+// A run that is stopped. The names repeat, so that the run does not end on its own. With
+// -overwrite, only the sample that is being written can be cut.
 
 constexpr int stoppedSampleCount = 20;
 
@@ -134,7 +134,7 @@ std::string namesOverAndOver(const Names& names) {
   return list;
 }
 
-/// The samples one of whose files is not whole.
+/// The samples with a file that is not whole.
 Names cutSamples(const ProjectFolder& project, const Names& names, const WholeResults& whole) {
   Names cut;
   for (const std::string& name : names) {
@@ -159,7 +159,7 @@ void expectOneCutSampleAtMost(int signalNumber) {
       std::filesystem::remove(project.path() / "poly_dir" / (name + ".poly"));
     }
     StartedRun run(project, {"-o", "-l", "names"});
-    // When the last sample has its first peak file, all samples have been written once.
+    // Once the last sample has a .poly file, all samples have been written once.
     ASSERT_TRUE(waitFor(project, "poly_dir/" + names.back() + ".poly"));
     std::this_thread::sleep_for(std::chrono::microseconds(engine() % 30'000));
 
@@ -209,10 +209,10 @@ TEST(StoppedRun, IsContinuedAfterTheResultsThatExist) {
 
 // A disk that fills up.
 
-/// A small file system in the place of a folder, as long as the object is there.
+/// A small file system mounted over a folder while the object lives.
 class SmallDisk {
  public:
-  /// `options` as mount(8) takes them for a tmpfs.
+  /// `options` are those of mount(8) for a tmpfs.
   SmallDisk(std::filesystem::path place, const char* options)
       : place_(std::move(place)),
         mounted_(mount("quillet-test", place_.c_str(), "tmpfs", 0, options) == 0) {}
@@ -229,7 +229,7 @@ class SmallDisk {
   bool mounted_;
 };
 
-/// Files that are whole come first, and then none is: each is what the disk had room for.
+/// Expects whole files first and then only cut ones. A cut file is a prefix of the whole one.
 void expectWholeThenCut(const Names& texts, const Names& wholeTexts) {
   bool cut = false;
   for (std::size_t i = 0; i < texts.size(); ++i) {

@@ -5,11 +5,11 @@
 
 #include "tests/support/project_folder.h"
 
-// Samples whose results exist are passed over in silence, so that the meter alone is to be seen.
+// Samples with results are skipped in silence, so that only the meter writes.
 
 namespace {
 
-/// Names `count` samples that are done already: "0.ab1", "1.ab1" and so on.
+/// Makes results for `count` samples and returns the trace names: "0.ab1", "1.ab1"...
 std::vector<std::string> doneSamples(const ProjectFolder& project, int count) {
   std::vector<std::string> names;
   for (int i = 0; i < count; ++i) {
@@ -19,7 +19,7 @@ std::vector<std::string> doneSamples(const ProjectFolder& project, int count) {
   return names;
 }
 
-/// What a terminal receives when `command` runs on it.
+/// The output of `command` on a terminal.
 std::string onTerminal(const ProjectFolder& project, const std::string& command) {
   const ProgramResult result = runProgram(
       "script", {.folder = project.path().string(), .arguments = {"-qec", command, "/dev/null"}});
@@ -28,7 +28,7 @@ std::string onTerminal(const ProjectFolder& project, const std::string& command)
   return result.out;
 }
 
-/// The text as a terminal line discipline passes it on: every newline with a carriage return.
+/// The text as a terminal passes it on: with a carriage return before every newline.
 std::string withCarriageReturns(const std::string& text) {
   std::string result;
   for (const char character : text) {
@@ -50,7 +50,7 @@ void PrintTo(const MeterCase& meterCase, std::ostream* stream) { *stream << mete
 
 class RedirectedMeter : public testing::TestWithParam<MeterCase> {};
 
-/// Tests on a terminal, passed over where the system has none to give, as in a bare chroot.
+/// Tests on a terminal. Skipped where the system has no terminals, as in a bare chroot.
 class TerminalMeter : public testing::Test {
  protected:
   void SetUp() override {

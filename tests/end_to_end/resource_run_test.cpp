@@ -27,7 +27,7 @@ class ResourceRun : public ::testing::Test {
                        .environment = std::move(changes)});
   }
 
-  /// What a run prints that reads `file` and converts nothing.
+  /// The output of a run that reads `file` and converts nothing.
   std::string reading(const std::string& file) const {
     return banner() + "Reading file " + at(file) + "\n";
   }

@@ -83,7 +83,7 @@ TEST(Start, VersionIsAnsweredWhereverItStandsAndBeforeHelp) {
                          {"-x", "-version", "sample.ab1"},
                          {"-d", "-version"},
                          {"-version", "-l"}};
-  // The stamp is the time of the build, and its commit where that is known.
+  // The stamp is the time of the build and, when known, its commit.
   const auto expected = MatchesRegex(
       "\nQUILLET   Version 1\\.0\\.0\n"
       "Build [0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}( [0-9a-f]{7,})?\n\n");
@@ -171,7 +171,7 @@ TEST(Start, SkippedFilesLeaveTheExitStatusAtZero) {
   EXPECT_EQ(result.status, 0);
 }
 
-// The moment of the run.
+// The start time of the run.
 
 TEST(Start, EveryPhdFileOfARunCarriesTheSameTimeHoweverLongTheBatchTakes) {
   const ProjectFolder folder;  // unpacking the second trace takes more than a second
@@ -186,14 +186,14 @@ TEST(Start, EveryPhdFileOfARunCarriesTheSameTimeHoweverLongTheBatchTakes) {
 
   EXPECT_EQ(result.err, banner() + meterLines({0, 34, 67, 100}));
   const Words possible = momentTexts(before, std::time(nullptr) - 1, "%a %b %e %H:%M:%S %Y");
-  EXPECT_THAT(possible, Contains(folder.phdTime("a")));  // the moment of the start
+  EXPECT_THAT(possible, Contains(folder.phdTime("a")));  // the time of the start
   EXPECT_EQ(folder.phdTime("b"), folder.phdTime("a"));
   EXPECT_EQ(folder.phdTime("c"), folder.phdTime("a"));
 }
 
 // Signals.
 
-/// A pipe, neither end of which is handed to programs that are started.
+/// A pipe whose ends child programs do not inherit.
 struct Pipe {
   Pipe() {
     if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
@@ -206,7 +206,7 @@ struct Pipe {
   Pipe(const Pipe&) = delete;
   Pipe& operator=(const Pipe&) = delete;
 
-  /// Everything until the writers are gone; gives up after 20 quiet seconds.
+  /// Reads until all writers have closed. Stops after 20 seconds without data.
   std::string read() const {
     std::string text;
     pollfd readable{ends[0], POLLIN, 0};
@@ -222,7 +222,7 @@ struct Pipe {
   int ends[2] = {-1, -1};  // to read from, to write to
 };
 
-/// Waits, for 20 seconds at most, until the reader has taken all that was written into the pipe.
+/// Waits until the reader has emptied the pipe, for 20 seconds at most.
 void waitUntilEmpty(const Pipe& pipe) {
   for (int tries = 0, left = 1; left > 0 && tries < 20000; ++tries) {
     if (ioctl(pipe.ends[0], FIONREAD, &left) != 0) throw std::runtime_error("no pipe size");
@@ -230,8 +230,8 @@ void waitUntilEmpty(const Pipe& pipe) {
   }
 }
 
-/// Starts the program and sends it `number` while it waits for a second name on its standard input.
-/// It has printed its banner by then, and is busy with no other line.
+/// Starts the program and sends it the signal `number` while it waits for a second name on standard
+/// input. By then it has printed its banner and writes nothing else.
 ProgramResult runUntilSignal(const ProjectFolder& folder, int number) {
   Pipe input;
   Pipe out;
@@ -264,7 +264,7 @@ ProgramResult runUntilSignal(const ProjectFolder& folder, int number) {
   kill(child, number);
   result.err = err.read();
   result.out = out.read();
-  kill(child, SIGKILL);  // whatever it did, it does not stay
+  kill(child, SIGKILL);  // in case it is still running
   int status = 0;
   waitpid(child, &status, 0);
   result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);

@@ -141,8 +141,8 @@ TEST_F(FileReaderValues, AValueAcrossManySmallBlocksIsWhole) {
 }
 
 TEST_F(FileReaderValues, AValueThatTheFileCutsLeavesTheOutputAlone) {
-  // 1024: the file is one short block. 2: the second block is short. 3 and 1: the last block is full
-  // and no other follows.
+  // 1024: the file is one short block. 2: the second block is short. 3 and 1: the last block is
+  // full and no other follows.
   for (const std::int32_t blockSize : {1024, 2, 3, 1}) {
     FileReader& reader = opened("abc", blockSize);
     std::uint32_t uint32 = 77;
