@@ -5,7 +5,7 @@
 
 #include "tests/output/written_bytes.h"
 
-// What the binary operations of FileWriter write.
+// The bytes that the binary operations of FileWriter write.
 
 namespace {
 
@@ -40,7 +40,7 @@ TEST(FileWriterBinary, A32BitValueIsWrittenMostSignificantByteFirst) {
 }
 
 TEST(FileWriterBinary, A32BitValueIsSplitAcrossTheFlushWithoutLossOrReordering) {
-  const std::string text(1022, 't');  // 2 bytes are left free
+  const std::string text(1022, 't');  // leaves 2 bytes free
   const Action textAndValue = [&](FileWriter& w) {
     w.write(text.c_str());
     w.writeBigEndian(std::int32_t{0x01020304});

@@ -6,9 +6,9 @@
 #include "output/file_writer.h"
 #include "tests/output/written_bytes.h"
 
-// Every writing operation of FileWriter, for the tests of when the buffer is flushed.
+// Every writing operation of FileWriter, for the tests of flushing.
 
-/// One operation, with the bytes that it writes.
+/// One operation and the bytes that it writes.
 struct Operation {
   const char* name;
   Action action;
@@ -24,7 +24,7 @@ inline const double doubles[] = {0.1};
 inline const char* const characters = "abcd";
 inline const auto* const octets = reinterpret_cast<const unsigned char*>("abcd");
 
-/// What never leaves the buffer full.
+/// Operations that never leave the buffer full.
 inline const Operation placing[] = {
     {"write, String", [](Tessaly::FileWriter& w) { w.write(Tessaly::String("abc")); }, "abc"},
     {"write, text", [](Tessaly::FileWriter& w) { w.write("abc"); }, "abc"},
@@ -79,7 +79,7 @@ inline const Operation placing[] = {
     {"repeated", [](Tessaly::FileWriter& w) { w.writeRepeated('a', 4); }, "aaaa"},
 };
 
-/// What may leave it full.
+/// Operations that may leave the buffer full.
 inline const Operation storing[] = {
     {"write, character", [](Tessaly::FileWriter& w) { w.write('c'); }, "c"},
     {"char byte", [](Tessaly::FileWriter& w) { w.writeByte('c'); }, "c"},

@@ -10,14 +10,14 @@
 #include "tests/output/written_bytes.h"
 #include "tests/support/scratch_folder.h"
 
-// Random runs of operations, against a model that only appends to a std::string.
+// Compares random runs of operations with a model that only appends to a std::string.
 
 namespace {
 
 using Tessaly::FileWriter;
 using Tessaly::String;
 
-/// One operation, with the bytes that it must add to the file.
+/// One operation and the bytes that it must add to the file.
 struct Step {
   std::function<void(FileWriter&)> action;
   std::string expected;
@@ -69,7 +69,7 @@ class StepMaker {
 
   std::int32_t integer() {
     const auto bits = static_cast<std::uint32_t>(random());
-    return static_cast<std::int32_t>(bits) >> below(32);  // all lengths of text
+    return static_cast<std::int32_t>(bits) >> below(32);  // texts of all lengths
   }
 
   Step textStep() {

@@ -14,8 +14,8 @@ namespace {
 using Tessaly::FileWriter;
 using Tessaly::String;
 
-/// Slot of a virtual operation. In the C++ ABI of both compilers on Linux, the first word of a
-/// pointer to one is its offset into the table in bytes, plus 1 on some machines.
+/// The slot of a virtual operation. In the C++ ABI of both compilers on Linux, the first word of a
+/// pointer to one is its byte offset in the table of virtual operations, plus 1 on some machines.
 template <typename Signature>
 std::size_t slotOf(Signature FileWriter::*operation) {
   std::uintptr_t word = 0;
@@ -23,11 +23,11 @@ std::size_t slotOf(Signature FileWriter::*operation) {
   return word / sizeof(void*);
 }
 
-constexpr std::size_t destructorSlots = 2;  // the destructor stands first, in two entries
+constexpr std::size_t destructorSlots = 2;  // the destructor takes the first two entries
 constexpr std::size_t operationCount = 58;
 
-/// What the entries behind the destructor's lead to. In the same ABI an object with virtual
-/// operations begins with a pointer to its table.
+/// The addresses in the table after the destructor's entries. In the same ABI an object with
+/// virtual operations starts with a pointer to its table.
 std::vector<std::uintptr_t> operationsOf(const FileWriter& writer) {
   const std::uintptr_t* table = nullptr;
   std::memcpy(&table, static_cast<const void*>(&writer), sizeof table);

@@ -10,21 +10,21 @@
 #include "tests/output/written_bytes.h"
 #include "tests/support/scratch_folder.h"
 
-// Opening, closing, and when the buffer is handed to the stream.
+// Opening, closing and flushing.
 
 namespace {
 
 using Tessaly::FileWriter;
 using Tessaly::String;
 
-constexpr std::int32_t bufferSize = 8;  // bytes of the buffer: the longest operation just fits
+constexpr std::int32_t bufferSize = 8;  // bytes: the longest operation just fits
 
-/// Fills that many bytes of an empty buffer, the last of them too, without a flush.
+/// Fills `count` bytes of an empty buffer. A full buffer is not flushed.
 void fill(FileWriter& writer, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) writer.writeByte('.');
 }
 
-/// The operation, in a buffer that leaves it just the room that it needs.
+/// The operation in a buffer with exactly the room that it needs.
 Action exactlyFilling(const Operation& row) {
   return [&row](FileWriter& writer) {
     fill(writer, bufferSize - row.bytes.size());

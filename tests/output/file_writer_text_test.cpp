@@ -7,7 +7,7 @@
 
 #include "tests/output/written_bytes.h"
 
-// What the text operations of FileWriter write.
+// The bytes that the text operations of FileWriter write.
 
 namespace {
 

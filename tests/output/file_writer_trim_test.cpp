@@ -6,14 +6,14 @@
 
 #include "tests/support/scratch_folder.h"
 
-// FileWriter::trimTrailingSpace, which edits the pending bytes in place.
+// FileWriter::trimTrailingSpace(), which changes the pending bytes in place.
 
 namespace {
 
 using Tessaly::FileWriter;
 
-/// The file after `before` is written (and so flushed, where it fills the buffer), then `pending`,
-/// the pending bytes are trimmed, and the file is closed.
+/// The file after these steps: write `before` (which is flushed when it fills the buffer), write
+/// `pending`, trim, close.
 std::string trimmed(std::int32_t bufferSize, const char* before, const char* pending) {
   ScratchFolder folder;
   FileWriter writer(bufferSize);
@@ -62,7 +62,7 @@ TEST(FileWriterTrim, WithoutALineFeedTheScanRunsOverStaleBytesToTheirFirstLineFe
 
 TEST(FileWriterTrim, WithoutAnyLineFeedTheBufferEndsUpFull) {
   EXPECT_EQ(trimmed(8, "12345678", "ab "), "12345678ab 45678");
-  // A fresh buffer holds zero bytes.
+  // A new buffer holds zero bytes.
   EXPECT_EQ(trimmed(8, "", "ab "), "ab \0\0\0\0\0"s);
 }
 
@@ -76,7 +76,7 @@ TEST(FileWriterTrim, NumberTextLeavesTheStaleBytesAfterItUnchanged) {
   ScratchFolder folder;
   FileWriter writer(16);
   ASSERT_TRUE(writer.open("out"));
-  writer.write("0123456789abcd\nf");  // flushed, and stale from here on
+  writer.write("0123456789abcd\nf");  // flushed; its bytes are stale now
 
   writer.write(7);
   writer.trimTrailingSpace();

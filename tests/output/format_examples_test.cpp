@@ -10,8 +10,8 @@
 #include "output/poly_peaks.h"
 #include "tests/support/scratch_folder.h"
 
-// The worked examples of docs/formats/phd.md and docs/formats/poly.md: what the pages say must be
-// what the program writes.
+// The worked examples of docs/formats/phd.md and docs/formats/poly.md: the program must write what
+// the pages show.
 
 namespace {
 

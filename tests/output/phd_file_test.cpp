@@ -14,7 +14,7 @@ using Tessaly::FileWriter;
 using Tessaly::String;
 using namespace std::string_view_literals;
 
-/// What a test says of a record; the rest is a small valid one.
+/// The fields of a record that tests change. The defaults make a small valid one.
 struct Sample {
   const char* callerName = "KB.bcp";
   std::uint32_t pointCount = 100;
@@ -41,7 +41,7 @@ bool has(const std::string& text, std::string_view part) {
   return text.find(part) != std::string::npos;
 }
 
-/// The lines from BEGIN_DNA on.
+/// The text from BEGIN_DNA on.
 std::string dnaOf(const std::string& text) { return text.substr(text.find("BEGIN_DNA\n")); }
 
 TEST(PhdFile, ARecordIsWrittenWhole) {
@@ -160,7 +160,7 @@ TEST(PhdFile, APeakIndexBeyondTheSignedRangeIsNegative) {
 }
 
 TEST(PhdFile, ALongRecordCrossesManyBuffersWithoutLoss) {
-  const std::string bases(2000, 'G');  // given: lines of changing length
+  const std::string bases(2000, 'G');  // given: lines of different lengths
   std::vector<std::int32_t> peaks(2001);
   std::string expected = "BEGIN_DNA\n";
   for (std::size_t i = 0; i < bases.size(); ++i) {

@@ -17,7 +17,7 @@ std::uint16_t scaled(std::uint16_t sample, double factor) {
 
 char letterOf(std::size_t channel) { return "ACGT"[channel]; }
 
-/// The channel of a base, or 4.
+/// The channel of a base; 4 when it has none.
 std::size_t channelOfLetter(char base) {
   std::size_t channel = 0;
   while (channel < 4 && letterOf(channel) != base) ++channel;

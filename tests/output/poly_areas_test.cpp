@@ -13,7 +13,7 @@ using ::testing::ElementsAre;
 
 constexpr std::int32_t smallestInteger = std::numeric_limits<std::int32_t>::min();
 
-// With this average a run's factor is its area divided by the sum of the heights in it.
+// With this average, the factor of a run is its area divided by the sum of its peaks' heights.
 constexpr float unitAverage = 16384;
 
 std::vector<std::int32_t> normalise(const std::vector<std::uint16_t>& samples, float average,
@@ -74,8 +74,8 @@ TEST(NormaliseAreas, TheAverageIsAFactor) {
 }
 
 TEST(NormaliseAreas, TheAverageIsMultipliedByTheAreaBeforeTheDivisionAndInDoublePrecision) {
-  // 49152 * 7 / 5 / 16384 * 5 = 21 exactly; 7 / 5 taken first, or any step in single precision,
-  // falls just short of it.
+  // 49152 * 7 / 5 / 16384 * 5 is exactly 21. With 7 / 5 computed first, or a step in single
+  // precision, the result is just below.
   const auto normAmp = normalise({7}, 49152, {0}, {5});
 
   EXPECT_THAT(normAmp, ElementsAre(21));
@@ -94,7 +94,7 @@ TEST(NormaliseAreas, AnAverageOf0GivesHeightsOf0) {
 }
 
 TEST(NormaliseAreas, ARunEndsBeforeItsFirstZero) {
-  // The runs are 1..2 and 4..5: positions 0 and 3 lie before their run begins.
+  // The runs are 1..2 and 4..5: positions 0 and 3 are before their runs.
   const std::vector<std::uint16_t> samples = {0, 10, 10, 0, 30, 30, 0};
 
   EXPECT_THAT(normalise(samples, unitAverage, {0, 1, 3, 4}, {10, 10, 10, 10}),
@@ -116,15 +116,15 @@ TEST(NormaliseAreas, WithoutSamplesEveryHeightIs0) {
 }
 
 TEST(NormaliseAreas, TheCursorOnlyMovesForward) {
-  // Base 0 waits for the second run (area 60); base 1 is met after it and shares that run, though
-  // its position lies in the first.
+  // Base 0 is in the second run (area 60). Base 1 comes after it and shares that run, although its
+  // position is in the first.
   const auto normAmp = normalise({0, 10, 10, 0, 30, 30}, unitAverage, {5, 1}, {10, 20});
 
   EXPECT_THAT(normAmp, ElementsAre(20, 40));
 }
 
 TEST(NormaliseAreas, APositionBeforeOneAlreadyPassedGets0) {
-  // Position 2 lies in a gap, so that base 0 is passed when the run behind the gap begins.
+  // Position 2 is in a gap: base 0 is passed when the run after the gap starts.
   const auto normAmp = normalise({10, 10, 0, 30}, unitAverage, {2, 1, 3}, {10, 10, 10});
 
   EXPECT_THAT(normAmp, ElementsAre(0, 0, 30));
@@ -137,7 +137,7 @@ TEST(NormaliseAreas, ANegativePositionLiesBeforeEveryRun) {
 }
 
 TEST(NormaliseAreas, TheHeightSumWrapsModulo65536) {
-  // 40000 + 30000 = 65536 + 4464, and the area is twice 4464.
+  // 40000 + 30000 = 65536 + 4464. The area is twice 4464.
   const auto normAmp = normalise({8928}, unitAverage, {0, 0}, {40000, 30000});
 
   EXPECT_THAT(normAmp, ElementsAre(80000, 60000));
@@ -157,7 +157,7 @@ TEST(NormaliseAreas, TheAreaWrapsModulo4294967296) {
 }
 
 TEST(NormaliseAreas, AHeightThatDoesNotFitBecomesTheSmallestInteger) {
-  // The heights add up to 65537, that is 1: the factor is 65535 * 65535 / 16384 = 262136.0..
+  // The sum of heights, 65537, wraps to 1: the factor is 65535 * 65535 / 16384 = 262136.0..
   const auto normAmp = normalise({65535}, 65535, {0, 0}, {65535, 2});
 
   EXPECT_THAT(normAmp, ElementsAre(smallestInteger, 524272));

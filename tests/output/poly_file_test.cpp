@@ -36,11 +36,11 @@ PolyInput flatTrace(std::size_t pointCount, const std::string& bases,
   return input;
 }
 
-/// Peaks of A and C around 100 and 1570, with averages for both channels; see the lines below.
+/// Peaks of A and C around 100 and 1570. Both channels have an average.
 PolyInput balancedTrace(const std::string& bases, const std::vector<std::int32_t>& peaks) {
   PolyInput input = flatTrace(1600, bases, peaks);
   auto& [a, c, g, t] = input.channels;
-  // The highest sample is 65280 already: the first scaling leaves the trace as it is.
+  // The highest sample is already 65280, so the first scaling changes nothing.
   a[99] = 16320;
   a[100] = 65280;
   a[101] = 16320;
@@ -51,7 +51,7 @@ PolyInput balancedTrace(const std::string& bases, const std::vector<std::int32_t
   a[1551] = 8192;
   c[1570] = 32768;
   c[1571] = 16384;
-  // Level: no maximum.
+  // Equal samples: no maximum.
   g[1595] = g[1596] = g[1597] = 3;
   return input;
 }
@@ -117,7 +117,7 @@ N -1 0 0 N 0 0 0 0 0 0 0
 }
 
 TEST(PolyFile, AHeightThatDoesNotFitPrintsAsTheSmallestInteger) {
-  // One run of A, area 78041090, average 30000. The three heights add up to 131080, that is 8.
+  // One run of A, area 78041090, average 30000. The sum of the three heights, 131080, wraps to 8.
   PolyInput input = flatTrace(2600, "AAA", {100, 200, 300, 400});
   auto& a = input.channels[0];
   a.assign(2600, 30000);

@@ -37,7 +37,7 @@ PolyResult compute(PolyInput& input) {
   return computeWith(polyPeaks, input);
 }
 
-// Like a real trace: humps of random height, one or two channels high at a time, on a quiet floor.
+/// Like a real trace: humps of random height over a low floor, in one or two channels at a time.
 PolyInput randomTrace(std::mt19937& random, std::size_t pointCount) {
   PolyInput input;
   for (auto& channel : input.channels) {
@@ -114,7 +114,7 @@ TEST(PolyPeaks, ATraceOfZerosHasNoPeaksAndEveryBaseFallsBackToItsPositionWithHei
 }
 
 TEST(PolyPeaks, AChannelWithoutAMaximumCannotBecomeTheSecondPeak) {
-  PolyInput input;  // every channel is level: the called one falls back, the others stay at 0
+  PolyInput input;  // equal samples: the called channel falls back, the others stay at 0
   for (auto& channel : input.channels) channel.assign(100, 65280);
   input.bases = "G";
   input.peaks = {50, 70};
@@ -130,7 +130,7 @@ TEST(PolyPeaks, AChannelWithoutAMaximumCannotBecomeTheSecondPeak) {
 }
 
 TEST(PolyPeaks, TheRawAmplitudeRangeDoesNotMatter) {
-  // Halving is exact, so that both traces scale to the very same samples.
+  // Halving is exact, so both traces scale to the same samples.
   std::mt19937 random(6);
   PolyInput loud = randomTrace(random, 3000);
   for (auto& channel : loud.channels) {
@@ -146,8 +146,8 @@ TEST(PolyPeaks, TheRawAmplitudeRangeDoesNotMatter) {
 }
 
 TEST(PolyPeaks, AreaAndBalanceComeFromTheRescaledChannels) {
-  // As a whole, worked out by hand: the trace is a quarter of the full range (16320), and channel C
-  // is balanced down from an average of 800 to the 400 of channel A.
+  // Computed by hand: the trace has a quarter of the full range (16320), and channel C is balanced
+  // from an average of 800 down to the 400 of channel A.
   PolyInput input;
   for (auto& channel : input.channels) channel.assign(2600, 0);
   input.channels[0][1600] = 101;  // tallied: A, 4 * 100

@@ -38,8 +38,8 @@ PolyInput flatTrace(std::size_t pointCount, std::uint16_t sample = 0) {
   return input;
 }
 
-// Gives the summed signal a maximum at `index`, at which the channel's height is told: the sample
-// behind the maximum.
+/// Gives the summed signal a maximum at `index`. The stage takes the channel's height from the next
+/// sample, which is `height`.
 void addPeak(PolyInput& input, std::size_t channel, std::size_t index, std::uint16_t height) {
   input.channels[channel][index] = static_cast<std::uint16_t>(height + 1);
   input.channels[channel][index + 1] = height;
@@ -75,7 +75,7 @@ TEST(ScaleToFullRange, ATraceOfZerosStays) {
 }
 
 TEST(ScaleToFullRange, ProductsAreTruncated) {
-  PolyInput input;  // the factor is 65280 / 32639 = 2.00006.., then 65280 / 65535 = 0.996..
+  PolyInput input;  // the factors are 65280 / 32639 = 2.00006.. and 65280 / 65535 = 0.996..
   input.channels = {{{32639}, {9}, {32000}, {0}}};
   PolyInput fullRange;
   fullRange.channels = {{{65535}, {1}, {3}, {300}}};
@@ -91,8 +91,8 @@ TEST(ScaleToFullRange, ProductsAreTruncated) {
 }
 
 TEST(ScaleToFullRange, TheHighestSampleCanFallJustShort) {
-  // 65280 / 25 = 2611.2, which as a double lies 0.4 units of 2^-41 too low. 25 times that lies 10
-  // units below 65280, where doubles are 16 units apart: it rounds to the one below.
+  // 65280 / 25 = 2611.2. The nearest double is 0.4 units of 2^-41 too low. 25 times that is 10
+  // units below 65280, where doubles are 16 units apart: it rounds to the double below 65280.
   PolyInput input = flatTrace(1, 25);
 
   scale(input);
@@ -138,7 +138,7 @@ TEST(BalanceChannels, OnlyAStrictMaximumCounts) {
     input.channels[0][index] = 1000;  // 1000, 1000
   }
   input.channels[0][1603] = 10;
-  input.channels[0][1604] = 20;  // rises to the end of the stretch
+  input.channels[0][1604] = 20;  // rises to the end of the trace
   for (std::size_t index = 1605; index < 3000; ++index) {
     input.channels[0][index] = static_cast<std::uint16_t>(index);
   }
@@ -219,16 +219,16 @@ TEST(BalanceChannels, AllSamplesComeDownToTheSmallestAverage) {
   EXPECT_EQ(input.channels[0][0], 1);  // a quarter of 7
   EXPECT_EQ(input.channels[0][1600], 100);
   EXPECT_EQ(input.channels[0][2999], 1000);
-  EXPECT_EQ(input.channels[1][0], 7);  // the smallest itself stays
+  EXPECT_EQ(input.channels[1][0], 7);  // the channel with the smallest average stays
   EXPECT_EQ(input.channels[1][2999], 4003);
   EXPECT_EQ(input.channels[2][0], 3);  // half of 7
   EXPECT_EQ(input.channels[2][2999], 2001);
-  EXPECT_EQ(input.channels[3][0], 7);  // no average: left as it is
+  EXPECT_EQ(input.channels[3][0], 7);  // no average: unchanged
   EXPECT_EQ(input.channels[3][2999], 4003);
 }
 
 TEST(BalanceChannels, TheFactorIsADouble) {
-  // Worked out with double arithmetic elsewhere. Single precision gives 12 and 15 instead.
+  // Computed with double arithmetic in another program. Single precision gives 12 and 15.
   struct Case {
     std::uint16_t smallest;
     std::uint16_t scaled;

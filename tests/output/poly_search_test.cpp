@@ -44,7 +44,7 @@ struct Found {
   bool operator==(const Found&) const = default;
 };
 
-// What base `base` of a trace finds whose channel A holds the samples and whose calls are all N.
+/// The result for base `base` in channel A of a trace with these samples in A and only N called.
 Found findInA(const std::vector<std::uint16_t>& samples, const std::vector<std::int32_t>& peaks,
               std::size_t base) {
   PolyInput input;
@@ -71,7 +71,7 @@ TEST(FindPeaks, ThePositionIsTheIndexAfterTheMaximum) {
 TEST(FindPeaks, ARangeOfAnyLengthGivesItsFirstHighestMaximum) {
   std::vector<std::size_t> lengths(20);
   std::iota(lengths.begin(), lengths.end(), std::size_t{1});
-  lengths.push_back(40000);  // far longer than what is looked through in lanes
+  lengths.push_back(40000);  // far longer than a range that is searched in lanes
   for (const std::size_t length : lengths) {
     // The peaks 0, 20 and this one make the range of base 1 start at 11.
     const auto nextPeak = static_cast<std::int32_t>(2 * (11 + length) - 20);
@@ -81,7 +81,7 @@ TEST(FindPeaks, ARangeOfAnyLengthGivesItsFirstHighestMaximum) {
       std::vector<std::uint16_t> samples(last + 10, 0);
       samples[first - 2] = samples[last + 2] = 900;  // outside
       samples[index] = 500;
-      // Further ones, as high and lower, do not count.
+      // Later maxima of the same height, and lower ones, do not count.
       for (std::size_t k = index + 2; k <= last; k += 2) samples[k] = k % 4 == 0 ? 500 : 499;
       for (std::size_t k = first; k + 2 <= index; k += 2) samples[k] = 499;
       const auto position = static_cast<std::int32_t>(index + 1);
@@ -108,7 +108,7 @@ TEST(FindPeaks, AMaximumStandsMoreThan3AboveBothNeighboursTogether) {
       {65533, 65535, 65533, true}, {0, 65535, 65535, true},
   };
   for (const Case& c : cases) {
-    // The range has the three samples only, and just the one in the middle can be the maximum.
+    // The range has only the three samples, so only the one in the middle can be the maximum.
     const Found found = findInA({0, 0, c.left, c.sample, c.right, 0, 0}, {1, 3, 5, 7}, 1);
 
     EXPECT_EQ(found, c.isMaximum ? (Found{4, c.sample}) : nothing)
@@ -144,7 +144,7 @@ TEST(FindPeaks, TheFirstRangeBeginsAtHalfTheFirstPeak) {
 }
 
 TEST(FindPeaks, MidwayIsTruncatedTowardZero) {
-  // (-3 + 2) / 2 is 0, so that the range begins at 0 and its maxima at 1; so does -1 / 2.
+  // (-3 + 2) / 2 is 0, so the range starts at 0 and its first maximum can be at 1. -1 / 2 is 0 too.
   EXPECT_EQ(findInA(spikeAt(0, 10, 9), {-3, 2, 10}, 1), nothing);
   EXPECT_EQ(findInA(spikeAt(1, 10, 9), {-3, 2, 10}, 1), (Found{2, 9}));
   EXPECT_EQ(findInA(spikeAt(0, 10, 9), {-1, 10}, 0), nothing);
@@ -166,7 +166,7 @@ TEST(FindPeaks, SumsOfFarPositionsDoNotWrap) {
 
   EXPECT_EQ(findInA(samples, {smallestInteger, largestInteger, largestInteger}, 1), (Found{6, 9}));
   EXPECT_EQ(findInA(samples, {smallestInteger, smallestInteger, 30}, 1), nothing);
-  // Wrapped to 32 bits the lower end, 1573741823, would be negative.
+  // The lower end is 1573741823. A sum of 32 bits would wrap and make it negative.
   EXPECT_EQ(findInA(samples, {largestInteger, far, 10 - far}, 1), nothing);
   EXPECT_EQ(findInA(samples, {largestInteger, largestInteger, largestInteger}, 1), nothing);
 }
@@ -177,7 +177,7 @@ TEST(FindPeaks, ARangeThatEndsBeforeItBeginsIsEmpty) {
 }
 
 TEST(FindPeaks, OnlyTheCalledChannelFallsBackToItsOwnPosition) {
-  PolyInput input;  // level signals, no maximum anywhere
+  PolyInput input;  // equal samples, no maximum anywhere
   input.channels = {{std::vector<std::uint16_t>(40, 11), std::vector<std::uint16_t>(40, 12),
                      std::vector<std::uint16_t>(40, 13), std::vector<std::uint16_t>(40, 14)}};
   input.bases = "ACGT";
@@ -205,7 +205,7 @@ TEST(FindPeaks, OtherLettersThanUpperCaseACGTDoNotFallBack) {
 
 TEST(FindPeaks, AFallBackOutsideTheTraceKeepsItsPositionWithHeight0) {
   PolyInput input;
-  // So low that the ends of the trace, with their 0 neighbour, are no maxima either.
+  // So low that the ends of the trace, next to a 0, are no maxima either.
   input.channels.fill(std::vector<std::uint16_t>(40, 3));
   input.bases = "AAAA";
   input.peaks = {40, -1, largestInteger, smallestInteger, 38};
@@ -216,7 +216,7 @@ TEST(FindPeaks, AFallBackOutsideTheTraceKeepsItsPositionWithHeight0) {
   EXPECT_THAT(result.peakAmp[0], Each(0));
 }
 
-// Ways to lay peaks over `pointCount` samples, from well-behaved to hostile.
+/// Peaks over `pointCount` samples, of a kind from ordinary to hostile.
 std::vector<std::int32_t> layPeaks(int kind, std::size_t count, int pointCount,
                                    std::mt19937& random) {
   const auto anywhere = [&](int low, int high) {
@@ -224,7 +224,7 @@ std::vector<std::int32_t> layPeaks(int kind, std::size_t count, int pointCount,
   };
   std::vector<std::int32_t> peaks(count);
   for (std::size_t i = 0; i < count; ++i) {
-    const bool inFirstHalf = i % 4 < 2;  // 0, 0, N, N, 0, 0: the widest ranges of all
+    const bool inFirstHalf = i % 4 < 2;  // 0, 0, N, N, 0, 0: the widest ranges
     const std::int32_t kinds[] = {
         anywhere(0, pointCount),
         anywhere(0, pointCount),
@@ -244,7 +244,7 @@ constexpr int peakKindCount = 7;
 PolyInput randomInput(int kind, std::mt19937& random) {
   PolyInput input;
   const int pointCount = static_cast<int>(random() % 300);
-  const std::uint32_t limit = random() % 2 == 0 ? 12 : 65536;  // often equal, or nearly never
+  const std::uint32_t limit = random() % 2 == 0 ? 12 : 65536;  // many equal samples, or few
   for (auto& channel : input.channels) {
     for (int i = 0; i < pointCount; ++i) {
       channel.push_back(static_cast<std::uint16_t>(random() % limit));
@@ -299,7 +299,7 @@ TEST(FindPeaks, OverlappingRangesTakeNoMoreThanLogarithmicTime) {
   const PolyResult result = search(input);
   const auto seconds = (std::clock() - start) / CLOCKS_PER_SEC;
 
-  // The ranges of each four bases: N/2..0, 0..N/2, N/2..N, N..N/2.
+  // The ranges of every four bases: N/2..0, 0..N/2, N/2..N, N..N/2.
   const auto last = static_cast<std::size_t>(pointCount) - 4;
   EXPECT_EQ(result.peakPos[0][last + 1], pointCount / 4 + 1);
   EXPECT_EQ(result.peakPos[1][last + 1], 0);
@@ -307,7 +307,7 @@ TEST(FindPeaks, OverlappingRangesTakeNoMoreThanLogarithmicTime) {
   EXPECT_EQ(result.peakPos[1][last + 2], 3 * pointCount / 4 + 1);
   EXPECT_EQ(result.peakPos[0][last + 3], 0);
   EXPECT_EQ(result.peakPos[1][last + 3], 0);
-  // Sample by sample it would be 10^12 steps, some minutes at the very least.
+  // A search sample by sample would take 10^12 steps, which is minutes.
   EXPECT_LT(seconds, 40);
 }
 

@@ -18,7 +18,7 @@ struct Stretch {
   bool operator==(const Stretch&) const = default;
 };
 
-/// The stretches around all positions.
+/// The stretches around all positions, by SampleRuns.
 std::vector<Stretch> stretchesIn(const Samples& samples) {
   std::vector<std::uint64_t> storage(Quillet::SampleRuns::wordCount(samples.size()), 0x5A5A);
   const Quillet::SampleRuns runs(samples.data(), samples.size(), storage.data());
@@ -32,7 +32,7 @@ std::vector<Stretch> stretchesIn(const Samples& samples) {
   return stretches;
 }
 
-/// The same, one sample at a time.
+/// The same, computed one sample at a time.
 std::vector<Stretch> plainStretchesIn(const Samples& samples) {
   std::vector<Stretch> stretches;
   for (std::size_t position = 0; position <= samples.size(); ++position) {
@@ -57,7 +57,7 @@ TEST(SampleRuns, ARunReachesFromZeroToZero) {
 
 TEST(SampleRuns, TheAreaIsThatOfTheRunAlone) {
   Samples samples = {0, 5, 6, 0, 9};
-  samples.resize(100, 0);  // far from the end, where samples are added up by the dozen
+  samples.resize(100, 0);  // far from the end, where samples are added in blocks
 
   EXPECT_EQ(stretchesIn(samples)[2], (Stretch{1, 3, 11}));
   EXPECT_EQ(stretchesIn({0, 5, 6, 0, 9})[2], (Stretch{1, 3, 11}));
@@ -70,7 +70,7 @@ TEST(SampleRuns, AtAZeroTheRunBeforeItEnds) {
 
 TEST(SampleRuns, OutsideTheChannelTheSamplesAre0) {
   EXPECT_EQ(stretchesIn({5, 6, 7})[1], (Stretch{0, 3, 18}));
-  EXPECT_EQ(stretchesIn({5, 6, 7})[3], (Stretch{0, 3, 18}));  // behind the last sample
+  EXPECT_EQ(stretchesIn({5, 6, 7})[3], (Stretch{0, 3, 18}));  // after the last sample
   EXPECT_EQ(stretchesIn({})[0], (Stretch{0, 0, 0}));
 }
 

@@ -38,7 +38,7 @@ TEST(FixedFactor, IsRoundedUp) {
 }
 
 TEST(FixedFactor, IsOneLessWhereWholeProductsFallShortInDouble) {
-  // 65280 is 2251 * 29 + 1, and 1 / 29 of 2^32 is 148102320.6.
+  // 65280 is 2251 * 29 + 1. 2^32 / 29 is 148102320.6.
   ASSERT_LT(65280.0 / 29 * 29, 65280.0);
 
   const auto factor = Quillet::fixedFactor(65280, 29, 29);
@@ -68,7 +68,7 @@ TEST(FixedFactor, GivesTheTruncatedDoubleProductOfEverySample) {
   };
   int found = 0;
   for (int round = 0; round < 400; ++round) {
-    // To the full range, whose quotients exceed 1, and down to a smaller height.
+    // In turn: a factor above 1 to the full range, and a factor of at most 1.
     const bool toFullRange = round % 2 == 0;
     const std::uint32_t denominator = 1 + below(round % 4 == 0 ? 4000 : 65535);
     const std::uint32_t numerator = toFullRange ? 65280 : 1 + below(denominator);
@@ -95,8 +95,8 @@ TEST(ScaleSamples, ProductsAreTruncated) {
 }
 
 TEST(ScaleSamples, TheLowerPartsCarryIntoTheProduct) {
-  // A third, rounded up. Three times: the lower half of 3 * 0x5555 is 0xFFFF, the upper one of
-  // 3 * 0x5556 is 1, and together they make the 1 of the product.
+  // A third, rounded up. For 3: the lower half of 3 * 0x5555 is 0xFFFF, the upper half of
+  // 3 * 0x5556 is 1. Their sum carries into the product, which is 1.
   const Quillet::FixedFactor third{.whole = 0, .high = 0x5555, .low = 0x5556};
   EXPECT_THAT(scaled({3, 6, 65535}, third), ElementsAre(1, 2, 21845));
 }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t longestLine = 2 + Tessaly::longestDecimal;
 
-/// The file of `count` lines, each a letter and the number of the line times `factor`.
+/// A file of `count` lines, each a letter and the line's number times `factor`.
 std::string written(std::int32_t count, std::int32_t factor) {
   ScratchFolder folder;
   Tessaly::FileWriter writer;
@@ -53,8 +53,8 @@ TEST(TextLines, WordsEndInABlankAndLinesInALineFeed) {
 TEST(TextLines, NoLinesAreNoBytes) { EXPECT_EQ(written(0, 1), ""); }
 
 TEST(TextLines, EveryNumberOfLinesIsWrittenWhole) {
-  // Some of the counts end just before, in and behind a block of 32 lines, and some of the bytes
-  // just before, in and behind the buffer of the writer.
+  // Some line counts end just before, at and after a block of 32 lines, and some byte counts just
+  // before, at and after the end of the writer's buffer.
   for (const std::int32_t factor : {1, 1000, 7000000, -7}) {
     for (std::int32_t count = 1; count <= 300; ++count) {
       ASSERT_EQ(written(count, factor), expected(count, factor)) << count << " times " << factor;

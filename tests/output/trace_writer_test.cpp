@@ -13,13 +13,13 @@ namespace {
 using Quillet::TraceWriter;
 using Tessaly::String;
 
-/// The whole header, with the four bytes of the sample count.
+/// The whole header with these four bytes of the sample count.
 std::string header(std::initializer_list<int> sampleCount) {
   return ".scf" + bytes(sampleCount) + bytes({0, 0, 0, 128}) + std::string(24, '\0') + "2.00" +
          bytes({0, 0, 0, 2}) + std::string(84, '\0');
 }
 
-/// The two bytes of a sample as this host holds them in memory.
+/// The two bytes of a sample in the byte order of this host.
 std::string hostBytes(int high, int low) {
   return std::endian::native == std::endian::big ? bytes({high, low}) : bytes({low, high});
 }

@@ -10,7 +10,7 @@
 #include "output/file_writer.h"
 #include "tests/support/scratch_folder.h"
 
-// What the tests of the writers share: byte lists, and what an action leaves in a file.
+// Helpers of the writers' tests: byte lists, and the file that an action leaves.
 
 using Action = std::function<void(Tessaly::FileWriter&)>;
 
@@ -20,7 +20,7 @@ inline std::string bytes(std::initializer_list<int> values) {
   return result;
 }
 
-/// The bytes of a value, or of an array, as they lie in memory.
+/// The bytes in memory of a value or an array.
 template <typename Value>
 std::string memoryOf(const Value& value) {
   std::string result(sizeof value, '\0');
