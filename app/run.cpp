@@ -26,14 +26,13 @@ bool asksFor(const std::vector<std::string>& words, std::initializer_list<const 
          words.end();
 }
 
-/// Has the C library keep freed memory for the next trace. By default it hands the few hundred
-/// KiB of a trace back to the system in between, and getting them anew takes longer than reading
-/// the trace.
+/// Makes the C library keep freed memory for the next trace. By default it returns the few hundred
+/// KiB of a trace to the system; allocating them again takes longer than reading the trace.
 void keepFreedMemory() {
 #ifdef __GLIBC__  // other C libraries have no such setting
   constexpr int mebibyte = 1 << 20;
-  mallopt(M_MMAP_THRESHOLD, mebibyte);      // larger blocks still come and go one by one
-  mallopt(M_TRIM_THRESHOLD, 4 * mebibyte);  // so much is kept
+  mallopt(M_MMAP_THRESHOLD, mebibyte);      // larger blocks are still returned at once
+  mallopt(M_TRIM_THRESHOLD, 4 * mebibyte);  // the amount that is kept
 #endif
 }
 

@@ -86,8 +86,8 @@ Clock::Clock(std::time_t moment) : seconds_(moment) {
 
 int Clock::yearsSince1900() const { return known_ ? fields_.tm_year : unknown; }
 int Clock::monthIndex() const { return known_ ? fields_.tm_mon : unknown; }
-// The sum wraps for the last 1900 values of `tm_year`, where it does not fit an `int`.
 int Clock::year() const {
+  // The sum wraps for the last 1900 values of `tm_year`, where it does not fit an `int`.
   return known_ ? static_cast<int>(static_cast<unsigned>(fields_.tm_year) + 1900U) : unknown;
 }
 int Clock::month() const { return known_ ? fields_.tm_mon + 1 : unknown; }

@@ -62,7 +62,7 @@ Directory::Exception::Exception(const char* path) : path_(path) {}
 Directory::Exception::~Exception() = default;
 const char* Directory::Exception::path() const { return path_.c_str(); }
 
-// Deliberate: some texts end in a colon, some do not. Callers print a blank and the path next.
+// Deliberate: some texts end in a colon, some do not. Callers print a blank and the path after it.
 const char* Directory::AccessError::message() const { return "could not access directory:"; }
 const char* Directory::NotFound::message() const { return "no such file or directory:"; }
 const char* Directory::NotADirectory::message() const { return "not a directory"; }

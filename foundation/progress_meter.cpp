@@ -49,8 +49,8 @@ void ProgressMeter::clearLine() const {
   if (onTerminal_) std::cerr << eraseLine;
 }
 
-// One write for the whole line: the stream is unbuffered, so each write is a system call.
 void ProgressMeter::draw(const char* label) const {
+  // One write for the whole line: the stream is unbuffered, so each write is a system call.
   const std::string number = std::to_string(percent_);
   std::string line;
   if (onTerminal_) line += eraseLine;

@@ -97,8 +97,8 @@ String::String(char character, std::int32_t count) : String(checkedCount(count))
 
 String::~String() = default;
 
-// Deliberate: an assignment also shrinks the buffer, so that stored texts take no spare room.
 String& String::operator=(const String& other) {
+  // Deliberate: an assignment also shrinks the buffer, so that stored texts take no spare room.
   store(other.text_.get(), other.length_, std::int64_t{other.length_} + 1);
   return *this;
 }

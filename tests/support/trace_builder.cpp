@@ -215,7 +215,7 @@ ScfBuilder& ScfBuilder::header(std::size_t offset, std::uint32_t value) {
   return *this;
 }
 
-// The longest given channel decides; zeros follow the samples of a shorter one.
+/// The longest given channel decides; zeros follow the samples of a shorter one.
 std::size_t ScfBuilder::pointCount() const {
   std::size_t longest = 0;
   for (const auto& [letter, samples] : channels_) longest = std::max(longest, samples.size());
@@ -223,7 +223,7 @@ std::size_t ScfBuilder::pointCount() const {
   return channels_.empty() && stored_.empty() ? barePointCount : longest;
 }
 
-// The values of one channel as the file stores them: samples, or their second differences.
+/// The values of one channel as the file stores them: samples, or their second differences.
 std::vector<int> ScfBuilder::stored(char letter) const {
   const auto asStored = stored_.find(letter);
   std::vector<int> values;
