@@ -2,14 +2,13 @@
 
 namespace Quillet {
 
-/// Where users report what should not have happened.
+/// The address for reports of a crash or an unexpected exception.
 inline constexpr const char* contactAddress = "quillet@hallorand.example";
 
-/// Tells the user of a segmentation fault or a bus error and ends the process with the signal's
-/// number as its exit status. Never returns.
+/// Prints a message for the user and ends the process with the signal's number as its exit status.
 [[noreturn]] void criticalErrorHandler(int signalNumber);
 
-/// Made first in main: installs criticalErrorHandler for SIGSEGV and SIGBUS.
+/// Installs criticalErrorHandler for SIGSEGV and SIGBUS. main makes it before anything else.
 class StartUp {
  public:
   StartUp();

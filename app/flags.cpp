@@ -8,7 +8,7 @@ namespace Quillet {
 
 namespace {
 
-/// The word behind the flag at `index`, which moves on to it; it may itself begin with "-".
+/// Moves `index` from a flag to the next word and returns that word, even when it begins with "-".
 const std::string& argumentOf(const std::vector<std::string>& words, std::size_t& index,
                               const std::string& source) {
   if (index + 1 == words.size()) {
@@ -27,7 +27,7 @@ void applyFlags(Settings& settings, const std::vector<std::string>& words,
       settings.dataDir = argumentOf(words, index, source);
       ensureTrailingSlash(settings.dataDir);
     } else if (word == "-l" || word == "-list") {
-      settings.listFile_.clear();  // Deliberate: also where the argument turns out to be missing.
+      settings.listFile_.clear();  // Deliberate: cleared even when the argument is missing.
       settings.listFile_ = argumentOf(words, index, source);
     } else if (word == "-o" || word == "-overwrite") {
       settings.overwrite = true;
@@ -35,7 +35,7 @@ void applyFlags(Settings& settings, const std::vector<std::string>& words,
       settings.stripExtensions = false;
     } else if (word == "-h" || word == "-help" || word == "--help" || word == "-version" ||
                word == "--version") {
-      // Answered before the flags are applied; accepted here for the resource file's sake.
+      // run() answers them before; the resource file may contain them.
     } else {
       throw Tessaly::ParseError(source, 0, "invalid flag `" + word + "'");
     }

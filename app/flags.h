@@ -7,10 +7,10 @@
 
 namespace Quillet {
 
-/// Applies flag words, left to right, to `settings`.
+/// Applies flag words, from left to right, to `settings`.
 ///
-/// `source` names where the words come from ("COMMAND LINE"). Throws Tessaly::ParseError with it at
-/// the first bad word; what the words before it changed stays changed.
+/// `source` says where the words come from, such as "COMMAND LINE". Throws a Tessaly::ParseError with
+/// it at the first bad word; the words before it stay applied.
 void applyFlags(Settings& settings, const std::vector<std::string>& words,
                 const std::string& source);
 

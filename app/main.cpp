@@ -10,7 +10,7 @@ int main(int argc, char** argv) {
     Quillet::run(argc, argv);
     return 0;
   } catch (int) {
-    // Whoever throws a number has told the user already.
+    // The code that throws a number has already printed a message.
   } catch (const std::exception& exception) {
     std::cerr << "ERROR: " << exception.what() << std::endl;
   } catch (...) {

@@ -12,7 +12,7 @@ ParseError::~ParseError() = default;
 const char* ParseError::what() const noexcept {
   text_.clear();
   if (!fileName_.empty()) text_ += "in " + fileName_;
-  // Deliberate: nothing stands between the file name and "line"; scripts match the text as it is.
+  // Deliberate: no blank between the file name and "line"; scripts match this text.
   if (lineNumber_ != 0) text_ += "line " + std::to_string(lineNumber_);
   if (!text_.empty()) text_ += ": ";
   text_ += message_;

@@ -8,15 +8,16 @@ namespace Tessaly {
 
 /// A word of the resource file or of the command line that can not be understood.
 ///
-/// Carries where it was read: the path of the file (or the label of another source) and the 1-based
-/// line, each left out of the text when empty or 0.
+/// Holds the path of the file (or the name of another source) and the line, counted from 1. An empty
+/// path and a line of 0 are left out of the text.
 class ParseError : public std::exception {
  public:
   ParseError(std::string fileName, std::int32_t lineNumber, std::string message);
 
-  // Virtual operations; their order is part of the class.
+  // Virtual operations: their order is part of the class.
   ~ParseError() override;
-  /// "in <file>line <number>: <message>", composed anew at each call; lives as long as the object.
+  /// "in <file>line <number>: <message>". The text is valid until the next call or the end of the
+  /// object.
   const char* what() const noexcept override;
 
  private:

@@ -8,13 +8,13 @@
 
 namespace Quillet {
 
-/// One run over one project: where its directories are and when the run began.
+/// One run over one project: its directories and its start time.
 ///
-/// Built from the finished settings, which it borrows. Use: construct, prepare() once, then
-/// convertAll(). The moment of construction is the time that every .phd.1 file of the run names.
+/// Borrows the finished settings. Every .phd.1 file of the run names the time of construction.
 /// Directory texts end in "/".
-/// Errors: a step that can not go on prints its message and throws the int 1; files that can not be
-/// used are reported and skipped. What the classes below throw passes through.
+/// Errors: a step that can not go on prints its message and throws the int 1. A file that can not be
+/// used gets a message and is skipped. Exceptions of the lower layers pass through.
+/// Use: construct, prepare() once, then convertAll().
 class Project {
  public:
   explicit Project(const Settings& settings);
@@ -36,7 +36,7 @@ class Project {
   void resolveRoot();
   void resolve(const std::string& directory, bool mustBeWriteable, Tessaly::String& path);
 
-  std::string workPath_;  // the directory that is being resolved
+  std::string workPath_;  // the directory that resolve() works on
   Tessaly::Clock startTime_;
   const Settings& settings_;
   Tessaly::String workingDir_;
@@ -45,7 +45,7 @@ class Project {
   Tessaly::String phdPath_;
   Tessaly::String polyPath_;
   Tessaly::String tempName_;
-  Tessaly::String timeText_;  // startTime_ as ctime writes it
+  Tessaly::String timeText_;  // startTime_ as ctime() gives it
 };
 
 }  // namespace Quillet

@@ -83,65 +83,59 @@ class Batch {
   void convert(const std::string& listedName);
 
  private:
-  bool read(std::unique_ptr<std::uint16_t[]> (&channels)[4], std::uint32_t& pointCount);
+  /// Takes over the calls that the trace at `path` holds; false, with a message, when it can not be
+  /// read. `path` loses a final ".gz".
+  bool read(Tessaly::String& path, TraceContent& content);
 
   const Settings& settings_;
   const Project& project_;
-  Tessaly::String name_;
-  Tessaly::String path_;
-  Tessaly::String callerName_;
-  Tessaly::String phdFile_;
   Tessaly::String bases_;
   Tessaly::String qualities_;
   Tessaly::Vector<std::int32_t> peaks_;
   PolyPeaks polyPeaks_;
 };
 
-/// Takes over what the trace at `path_` holds; false, with a message, when it can not be read. The
-/// trace itself is gone afterwards: the bytes of its file would only take up memory.
-bool Batch::read(std::unique_ptr<std::uint16_t[]> (&channels)[4], std::uint32_t& pointCount) {
+bool Batch::read(Tessaly::String& path, TraceContent& content) {
   TraceFile trace;
-  if (!trace.open(path_)) {
-    std::cerr << "ERROR: invalid trace file " << path_ << " - skipping." << std::endl;
+  if (!trace.open(path)) {
+    std::cerr << "ERROR: invalid trace file " << path << " - skipping." << std::endl;
     return false;
   }
-  trace.releaseChannels(channels, pointCount);
   trace.getBaseCalls(bases_, qualities_, peaks_);
-  callerName_ = trace.callerName();
+  content = trace.takeContent();
   return true;
 }
 
 void Batch::convert(const std::string& listedName) {
-  name_ = listedName.c_str();
-  deriveSampleName(name_, settings_.stripExtensions);
+  Tessaly::String name(listedName.c_str());
+  deriveSampleName(name, settings_.stripExtensions);
 
-  phdFile_ = project_.phdPath() + name_ + ".phd.1";
-  if (!settings_.overwrite && Tessaly::Directory::exists(phdFile_)) return;
+  const Tessaly::String phdFile = project_.phdPath() + name + ".phd.1";
+  if (!settings_.overwrite && Tessaly::Directory::exists(phdFile)) return;
 
-  path_ = project_.chromatPath() + listedName.c_str();
-  std::unique_ptr<std::uint16_t[]> channels[4];
-  std::uint32_t pointCount = 0;
-  if (!read(channels, pointCount)) return;
+  Tessaly::String path = project_.chromatPath() + listedName.c_str();
+  TraceContent content;
+  if (!read(path, content)) return;
   if (!hasQualities(bases_, qualities_)) {
-    std::cout << "Warning: missing quality values in trace file " << path_ << " - skipping."
+    std::cout << "Warning: missing quality values in trace file " << path << " - skipping."
               << std::endl;
     return;
   }
 
   // One writer for both: when the first file fails, nothing gets into the second.
   Tessaly::FileWriter writer;
-  writePhdFile(writer, phdFile_,
-               {.sampleName = name_,
-                .callerName = callerName_,
+  writePhdFile(writer, phdFile,
+               {.sampleName = name,
+                .callerName = content.callerName,
                 .timeText = project_.timeText(),
-                .pointCount = pointCount,
+                .pointCount = content.channels.pointCount(),
                 .bases = bases_,
                 .qualities = qualities_,
                 .peaks = peaks_.data()});
-  polyPeaks_.compute({channels[0].get(), channels[1].get(), channels[2].get(), channels[3].get()},
-                     pointCount, bases_, peaks_.data());
-  writePolyFile(writer, project_.polyPath() + name_ + ".poly", name_, bases_, peaks_.data(),
-                polyPeaks_);
+  polyPeaks_.compute({content.channels, bases_, peaks_.data()});
+  writePolyFile(writer, project_.polyPath() + name + ".poly",
+                {.sampleName = name, .bases = bases_, .peaks = peaks_.data(), .found = polyPeaks_});
+  polyPeaks_.releaseLongTrace();
 }
 
 }  // namespace

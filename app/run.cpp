@@ -20,7 +20,7 @@ namespace Quillet {
 
 namespace {
 
-/// Whether one of the words is, as a whole, one of the spellings.
+/// Whether one of the words equals one of the spellings.
 bool asksFor(const std::vector<std::string>& words, std::initializer_list<const char*> spellings) {
   return std::find_first_of(words.begin(), words.end(), spellings.begin(), spellings.end()) !=
          words.end();
@@ -54,7 +54,7 @@ void printHelp() {
 
 void run(int argc, const char* const* argv) {
   Settings settings;
-  // Deliberate: three blanks, as it has always been.
+  // Deliberate: three blanks; scripts match this text.
   std::cerr << "\nQUILLET   Version " << settings.version << std::endl;
 
   std::vector<std::string> words;

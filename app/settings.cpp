@@ -5,8 +5,8 @@
 namespace Quillet {
 
 void ensureTrailingSlash(std::string& directory) {
-  // Deliberate: without any "/" the position found is npos, which for an empty text is also
-  // length - 1, so that an empty text (the working directory) never turns into the root "/".
+  // Deliberate: an empty text (the working directory) must not become "/". For it, rfind gives npos,
+  // and length() - 1 wraps to the same value.
   if (directory.rfind('/') != directory.length() - 1) directory += '/';
 }
 

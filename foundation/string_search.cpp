@@ -9,6 +9,7 @@ std::string_view viewOf(const String& text) {
   return {text.text(), static_cast<std::size_t>(text.length())};
 }
 
+/// A null text is a parameter error.
 std::string_view viewOf(const char* text) {
   if (text == nullptr) {
     throw stringParameterError;
@@ -16,7 +17,6 @@ std::string_view viewOf(const char* text) {
   return text;
 }
 
-/// Only a longer text ends with a suffix.
 bool endsWithView(std::string_view text, std::string_view suffix) {
   // Deliberate: a text that equals the suffix does not end with it.
   return text.size() > suffix.size() && text.ends_with(suffix);
@@ -27,8 +27,9 @@ bool containsView(std::string_view text, std::string_view pattern) {
   return !pattern.empty() && text.find(pattern) != std::string_view::npos;
 }
 
+/// -1 for npos.
 std::int32_t indexFrom(std::size_t found) {
-  // A found index lies below a String's length, so that it fits.
+  // An index that was found is below a String's length, so it fits.
   return found == std::string_view::npos ? -1 : static_cast<std::int32_t>(found);
 }
 
