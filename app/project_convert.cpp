@@ -1,15 +1,16 @@
 #include "app/project.h"
 
-#include <algorithm>
-#include <cctype>
 #include <cstdint>
-#include <fstream>
 #include <iostream>
-#include <istream>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "app/name_list.h"
+#include "app/quality_gate.h"
+#include "app/sample_name.h"
 #include "foundation/directory.h"
 #include "foundation/progress_meter.h"
 #include "foundation/vector.h"
@@ -23,52 +24,19 @@ namespace Quillet {
 
 namespace {
 
-/// The first word of every line that has one, in the file's order.
-std::vector<std::string> firstWords(std::istream& stream) {
-  std::vector<std::string> words;
-  for (std::string line; std::getline(stream, line);) {
-    const auto start = std::find_if_not(line.begin(), line.end(), Tessaly::isWhiteSpace);
-    const auto end = std::find_if(start, line.end(), Tessaly::isWhiteSpace);
-    if (start != end) words.emplace_back(start, end);
-  }
-  return words;
-}
-
 /// The names to convert, as they are listed; throws 1 when the list file can not be opened.
 std::vector<std::string> listNames(const Settings& settings, const Tessaly::String& chromatPath) {
   Tessaly::String listFile;
-  if (!settings.listFile(listFile)) return Tessaly::Directory(chromatPath.text()).files();
-  if (listFile == "-") return firstWords(std::cin);
-
-  std::ifstream stream(listFile.text());
-  if (!stream.is_open()) {
+  if (!settings.listFile(listFile)) {
+    return namesInDirectory(chromatPath);
+  }
+  std::optional<std::vector<std::string>> names = namesInFile(listFile);
+  if (!names) {
+    // Deliberate: no line end; what main prints next begins with one.
     std::cerr << "ERROR: can not open the file " << listFile;
     throw 1;
   }
-  return firstWords(stream);
-}
-
-/// Turns a listed name into the sample's: without ".gz" and, when asked for, a known extension.
-void deriveSampleName(Tessaly::String& name, bool stripExtensions) {
-  if (name.endsWith(".gz")) name.removeLast(3);
-  if (!stripExtensions || !name.contains('.')) return;
-
-  const std::int32_t dot = name.lastIndex('.');
-  Tessaly::String extension;
-  extension.setTail(name, dot);
-  // Deliberate: any part of the list counts, so that ".ab", ".sc" and "." are cut off as well.
-  if (extension.occursIn(" .abi .ab1 .scf ")) name.cut(dot);
-}
-
-/// Whether the bases 40 to 59 all have a usable quality; the window is fixed.
-bool hasQualities(const Tessaly::String& bases, const Tessaly::String& qualities) {
-  for (std::int32_t i = 40; i <= 59 && i < bases.length(); ++i) {
-    if (std::toupper(static_cast<unsigned char>(bases[i])) == 'N') continue;
-    // A quality text ends at its first 0, so that what lies behind its end is missing too.
-    const int quality = i < qualities.length() ? static_cast<unsigned char>(qualities[i]) : 0;
-    if (quality == 0 || quality >= 100) return false;
-  }
-  return true;
+  return *std::move(names);
 }
 
 /// What the files of one batch share.
@@ -107,8 +75,7 @@ bool Batch::read(Tessaly::String& path, TraceContent& content) {
 }
 
 void Batch::convert(const std::string& listedName) {
-  Tessaly::String name(listedName.c_str());
-  deriveSampleName(name, settings_.stripExtensions);
+  const Tessaly::String name = sampleName(listedName, settings_.stripExtensions);
 
   const Tessaly::String phdFile = project_.phdPath() + name + ".phd.1";
   if (!settings_.overwrite && Tessaly::Directory::exists(phdFile)) return;
@@ -116,7 +83,7 @@ void Batch::convert(const std::string& listedName) {
   Tessaly::String path = project_.chromatPath() + listedName.c_str();
   TraceContent content;
   if (!read(path, content)) return;
-  if (!hasQualities(bases_, qualities_)) {
+  if (firstUnusableQuality(bases_, qualities_)) {
     std::cout << "Warning: missing quality values in trace file " << path << " - skipping."
               << std::endl;
     return;
