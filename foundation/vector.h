@@ -205,7 +205,8 @@ const T& Vector<T>::next() {
 
 template <typename T>
 const T& Vector<T>::previous() {
-  // Deliberate: refused at index 0, so that element 0 is never returned.
+  // Deliberate: refused at index 0, so that element 0 is never returned, and after the last
+  // element, so that a vector just assigned can not be walked back.
   check(cursor_ > 0 && cursor_ < size_);
   return elements_[static_cast<std::size_t>(cursor_--)];
 }
