@@ -89,6 +89,17 @@ TEST(AbifReader, ABrokenBaseOrderFails) {
   EXPECT_FALSE(openBytes(AbifBuilder().without("FWO_", 1).entry("FWO_", 2, "GATC").build()).read);
 }
 
+// The entry holds all four letters whatever it says.
+TEST(AbifReader, ABaseOrderOfAnotherDataSizeThan4IsIgnored) {
+  for (const std::uint32_t size : {0u, 1u, 2u, 3u, 5u, 0xFFFFFFFFu}) {
+    const AbifBuilder alone = AbifBuilder().dataSize("FWO_", 1, size);
+    const AbifBuilder later = AbifBuilder().entry("FWO_", 1, "CATG").dataSize("FWO_", 1, size);
+
+    EXPECT_FALSE(openBytes(alone.build()).read) << size;
+    EXPECT_EQ(openBytes(later.build()).g, risingFrom(300)) << size;
+  }
+}
+
 TEST(AbifReader, ABaseOrderNamingOneLetterTwiceFillsThatChannelTwiceAndLeavesTheMissingOneZero) {
   // "DATA" 9 and 11 rise from 500 and from 700, both for G.
   const OpenedTrace opened = openBytes(AbifBuilder().baseOrder("GAGC").build());
@@ -112,6 +123,22 @@ TEST(AbifReader, BehindAPrefixDirectoryAndChannelsAreRelativeAndCallsAreNot) {
   EXPECT_EQ(opened.qualities, bytes({40, 40, 40, 40, 40}));
   EXPECT_EQ(opened.peaks, (Peaks{1, 4, 7, 10, 13, 12}));
   EXPECT_EQ(opened.callerName, "built.bcp");
+}
+
+TEST(AbifReader, BehindAPrefixTheLastOccurrenceOfAChannelWins) {
+  AbifBuilder builder;
+  builder.prefix(128).baseOrder("ACGT");
+  for (int number = 9; number <= 12; ++number) {  // twelve samples of its own number each
+    builder.entry("DATA", static_cast<std::uint32_t>(number), bytes(std::vector<int>(24, number)),
+                  2);
+  }
+
+  const OpenedTrace opened = openBytes(builder.build());
+
+  EXPECT_EQ(opened.a, Samples(12, 0x0909));
+  EXPECT_EQ(opened.c, Samples(12, 0x0A0A));
+  EXPECT_EQ(opened.g, Samples(12, 0x0B0B));
+  EXPECT_EQ(opened.t, Samples(12, 0x0C0C));
 }
 
 TEST(AbifReader, BehindAPrefixOffset0OfCallsIsThePrefixAndOfChannelsTheMagic) {
