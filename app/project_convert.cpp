@@ -1,15 +1,16 @@
 #include "app/project.h"
 
-#include <algorithm>
-#include <cctype>
 #include <cstdint>
-#include <fstream>
 #include <iostream>
-#include <istream>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "app/name_list.h"
+#include "app/quality_gate.h"
+#include "app/sample_name.h"
 #include "foundation/directory.h"
 #include "foundation/progress_meter.h"
 #include "foundation/vector.h"
@@ -23,52 +24,19 @@ namespace Quillet {
 
 namespace {
 
-/// The first word of every line that has one, in the file's order.
-std::vector<std::string> firstWords(std::istream& stream) {
-  std::vector<std::string> words;
-  for (std::string line; std::getline(stream, line);) {
-    const auto start = std::find_if_not(line.begin(), line.end(), Tessaly::isWhiteSpace);
-    const auto end = std::find_if(start, line.end(), Tessaly::isWhiteSpace);
-    if (start != end) words.emplace_back(start, end);
-  }
-  return words;
-}
-
 /// The names to convert, as they are listed; throws 1 when the list file can not be opened.
 std::vector<std::string> listNames(const Settings& settings, const Tessaly::String& chromatPath) {
   Tessaly::String listFile;
-  if (!settings.listFile(listFile)) return Tessaly::Directory(chromatPath.text()).files();
-  if (listFile == "-") return firstWords(std::cin);
-
-  std::ifstream stream(listFile.text());
-  if (!stream.is_open()) {
+  if (!settings.listFile(listFile)) {
+    return namesInDirectory(chromatPath);
+  }
+  std::optional<std::vector<std::string>> names = namesInFile(listFile);
+  if (!names) {
+    // Deliberate: no line end; what main prints next begins with one.
     std::cerr << "ERROR: can not open the file " << listFile;
     throw 1;
   }
-  return firstWords(stream);
-}
-
-/// Turns a listed name into the sample's: without ".gz" and, when asked for, a known extension.
-void deriveSampleName(Tessaly::String& name, bool stripExtensions) {
-  if (name.endsWith(".gz")) name.removeLast(3);
-  if (!stripExtensions || !name.contains('.')) return;
-
-  const std::int32_t dot = name.lastIndex('.');
-  Tessaly::String extension;
-  extension.setTail(name, dot);
-  // Deliberate: any part of the list counts, so that ".ab", ".sc" and "." are cut off as well.
-  if (extension.occursIn(" .abi .ab1 .scf ")) name.cut(dot);
-}
-
-/// Whether the bases 40 to 59 all have a usable quality; the window is fixed.
-bool hasQualities(const Tessaly::String& bases, const Tessaly::String& qualities) {
-  for (std::int32_t i = 40; i <= 59 && i < bases.length(); ++i) {
-    if (std::toupper(static_cast<unsigned char>(bases[i])) == 'N') continue;
-    // A quality text ends at its first 0, so that what lies behind its end is missing too.
-    const int quality = i < qualities.length() ? static_cast<unsigned char>(qualities[i]) : 0;
-    if (quality == 0 || quality >= 100) return false;
-  }
-  return true;
+  return *std::move(names);
 }
 
 /// What the files of one batch share.
@@ -83,65 +51,58 @@ class Batch {
   void convert(const std::string& listedName);
 
  private:
-  bool read(std::unique_ptr<std::uint16_t[]> (&channels)[4], std::uint32_t& pointCount);
+  /// Takes over the calls that the trace at `path` holds; false, with a message, when it can not be
+  /// read. `path` loses a final ".gz".
+  bool read(Tessaly::String& path, TraceContent& content);
 
   const Settings& settings_;
   const Project& project_;
-  Tessaly::String name_;
-  Tessaly::String path_;
-  Tessaly::String callerName_;
-  Tessaly::String phdFile_;
   Tessaly::String bases_;
   Tessaly::String qualities_;
   Tessaly::Vector<std::int32_t> peaks_;
   PolyPeaks polyPeaks_;
 };
 
-/// Takes over what the trace at `path_` holds; false, with a message, when it can not be read. The
-/// trace itself is gone afterwards: the bytes of its file would only take up memory.
-bool Batch::read(std::unique_ptr<std::uint16_t[]> (&channels)[4], std::uint32_t& pointCount) {
+bool Batch::read(Tessaly::String& path, TraceContent& content) {
   TraceFile trace;
-  if (!trace.open(path_)) {
-    std::cerr << "ERROR: invalid trace file " << path_ << " - skipping." << std::endl;
+  if (!trace.open(path)) {
+    std::cerr << "ERROR: invalid trace file " << path << " - skipping." << std::endl;
     return false;
   }
-  trace.releaseChannels(channels, pointCount);
   trace.getBaseCalls(bases_, qualities_, peaks_);
-  callerName_ = trace.callerName();
+  content = trace.takeContent();
   return true;
 }
 
 void Batch::convert(const std::string& listedName) {
-  name_ = listedName.c_str();
-  deriveSampleName(name_, settings_.stripExtensions);
+  const Tessaly::String name = sampleName(listedName, settings_.stripExtensions);
 
-  phdFile_ = project_.phdPath() + name_ + ".phd.1";
-  if (!settings_.overwrite && Tessaly::Directory::exists(phdFile_)) return;
+  const Tessaly::String phdFile = project_.phdPath() + name + ".phd.1";
+  if (!settings_.overwrite && Tessaly::Directory::exists(phdFile)) return;
 
-  path_ = project_.chromatPath() + listedName.c_str();
-  std::unique_ptr<std::uint16_t[]> channels[4];
-  std::uint32_t pointCount = 0;
-  if (!read(channels, pointCount)) return;
-  if (!hasQualities(bases_, qualities_)) {
-    std::cout << "Warning: missing quality values in trace file " << path_ << " - skipping."
+  Tessaly::String path = project_.chromatPath() + listedName.c_str();
+  TraceContent content;
+  if (!read(path, content)) return;
+  if (firstUnusableQuality(bases_, qualities_)) {
+    std::cout << "Warning: missing quality values in trace file " << path << " - skipping."
               << std::endl;
     return;
   }
 
   // One writer for both: when the first file fails, nothing gets into the second.
   Tessaly::FileWriter writer;
-  writePhdFile(writer, phdFile_,
-               {.sampleName = name_,
-                .callerName = callerName_,
+  writePhdFile(writer, phdFile,
+               {.sampleName = name,
+                .callerName = content.callerName,
                 .timeText = project_.timeText(),
-                .pointCount = pointCount,
+                .pointCount = content.channels.pointCount(),
                 .bases = bases_,
                 .qualities = qualities_,
                 .peaks = peaks_.data()});
-  polyPeaks_.compute({channels[0].get(), channels[1].get(), channels[2].get(), channels[3].get()},
-                     pointCount, bases_, peaks_.data());
-  writePolyFile(writer, project_.polyPath() + name_ + ".poly", name_, bases_, peaks_.data(),
-                polyPeaks_);
+  polyPeaks_.compute({content.channels, bases_, peaks_.data()});
+  writePolyFile(writer, project_.polyPath() + name + ".poly",
+                {.sampleName = name, .bases = bases_, .peaks = peaks_.data(), .found = polyPeaks_});
+  polyPeaks_.releaseLongTrace();
 }
 
 }  // namespace

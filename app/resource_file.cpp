@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -39,6 +40,15 @@ bool openResourceFile(std::ifstream& stream, Tessaly::String& path) {
   return stream.is_open();
 }
 
+/// Takes the line's next word, which ends at its first zero byte; false when there is none.
+bool takeWord(std::istringstream& line, std::string& word) {
+  if (!(line >> word)) {
+    return false;
+  }
+  word.resize(std::strlen(word.c_str()));
+  return true;
+}
+
 /// The lines of one resource file, understood one by one.
 class ResourceLines {
  public:
@@ -49,9 +59,13 @@ class ResourceLines {
     ++lineNumber_;
     std::istringstream words(line);
     std::string keyword;
-    if (!(words >> keyword)) return;
+    if (!takeWord(words, keyword)) {
+      return;
+    }
     if (keyword == "flag") {
-      for (std::string word; words >> word;) flags_.push_back(word);
+      for (std::string word; takeWord(words, word);) {
+        flags_.push_back(word);
+      }
     } else if (keyword == "chromatdir") {
       setDirectory(settings_.chromatDir, keyword, words);
     } else if (keyword == "phddir") {
@@ -70,7 +84,7 @@ class ResourceLines {
   void setDirectory(std::string& directory, const std::string& keyword,
                     std::istringstream& words) const {
     std::string word;
-    if (!(words >> word)) {
+    if (!takeWord(words, word)) {
       throw Tessaly::ParseError(path_, lineNumber_, "`" + keyword + "' requires an argument");
     }
     directory = word;

@@ -6,79 +6,62 @@
 #include <memory>
 
 #include "bench/bench_trace.h"
-#include "output/poly_peaks.h"
+#include "output/poly_stages.h"
 
 namespace {
 
 /// A trace with room for the results of all stages.
 class Stages {
  public:
-  explicit Stages(std::uint32_t seed) : trace_(seed) {
-    for (int c = 0; c < 4; ++c) {
-      channels_[c] = add(samples_, pointCount());
-      peakPos_[c] = add(positions_, baseCount());
-      normAmp_[c] = add(positions_, baseCount());
-      peakAmp_[c] = add(heights_, baseCount());
+  explicit Stages(std::uint32_t seed) : trace_(seed), kept_(copyOf(trace_.channels)) {
+    for (Quillet::ChannelPeaks& peaks : peaks_) {
+      peaks.positions = std::make_unique<std::int32_t[]>(baseCount());
+      peaks.heights = std::make_unique<std::uint32_t[]>(baseCount());
+      peaks.normalisedHeights = std::make_unique<std::int32_t[]>(baseCount());
     }
-    restore();
+    second_.bases = std::make_unique<char[]>(baseCount());
+    second_.positions = std::make_unique<std::int32_t[]>(baseCount());
   }
 
-  std::uint32_t pointCount() const { return trace_.pointCount(); }
+  std::uint32_t pointCount() const { return trace_.channels.pointCount(); }
   std::uint32_t baseCount() const { return static_cast<std::uint32_t>(trace_.baseCount()); }
 
   /// Resets the channels to those of the last keep(), or to the raw ones before any.
-  void restore() {
-    for (std::size_t c = 0; c < 4; ++c) std::copy_n(kept_[c].begin(), pointCount(), channels_[c]);
-  }
-  void keep() {
-    for (std::size_t c = 0; c < 4; ++c) kept_[c].assign(channels_[c], channels_[c] + pointCount());
-  }
+  void restore() { copy(kept_, trace_.channels); }
+  void keep() { copy(trace_.channels, kept_); }
 
-  void scale() { Quillet::scaleToFullRange(channels_, pointCount()); }
-  void balance() {
-    Quillet::balanceChannels(channels_, pointCount(), summedSignal_.get(), averages_);
-  }
+  void scale() { Quillet::scaleToFullRange(trace_.channels); }
+  void balance() { averages_ = Quillet::balanceChannels(trace_.channels); }
   void find() {
-    Quillet::findPeaks({channels_, pointCount(), trace_.bases, trace_.peaks.data()}, maxima_.get(),
-                       peakPos_, peakAmp_);
+    Quillet::findPeaks({trace_.channels, trace_.bases, trace_.peaks.data()}, maxima_.get(), peaks_);
   }
   void normalise() {
-    for (int c = 0; c < 4; ++c) {
-      Quillet::normaliseAreas(channels_[c], pointCount(), averages_[c], peakPos_[c], peakAmp_[c],
-                              trace_.baseCount(), zeros_.get(), normAmp_[c]);
+    for (int c = 0; c < Quillet::channelCount; ++c) {
+      const auto index = static_cast<std::size_t>(c);
+      Quillet::normaliseAreas(trace_.channels[c], averages_[index], trace_.baseCount(),
+                              zeros_.get(), peaks_[index]);
     }
   }
-  void choose() {
-    Quillet::chooseSecondPeaks(trace_.bases, {peakPos_[0], peakPos_[1], peakPos_[2], peakPos_[3]},
-                               {peakAmp_[0], peakAmp_[1], peakAmp_[2], peakAmp_[3]},
-                               secondBase_.get(), secondPos_.get());
-  }
+  void choose() { Quillet::chooseSecondPeaks(trace_.bases, peaks_, second_); }
 
  private:
-  template <typename Value>
-  using Arrays = std::vector<std::unique_ptr<Value[]>>;
-  template <typename Value>
-  static Value* add(Arrays<Value>& arrays, std::size_t size) {
-    return arrays.emplace_back(std::make_unique<Value[]>(size)).get();
+  static void copy(const Quillet::Channels& from, Quillet::Channels& to) {
+    for (int c = 0; c < Quillet::channelCount; ++c) std::ranges::copy(from[c], to[c].begin());
+  }
+  static Quillet::Channels copyOf(const Quillet::Channels& channels) {
+    Quillet::Channels result(channels.pointCount());
+    copy(channels, result);
+    return result;
   }
 
   BenchTrace trace_;
-  std::array<std::vector<std::uint16_t>, 4> kept_ = trace_.channels;
-  Arrays<std::uint16_t> samples_;
-  Arrays<std::int32_t> positions_;
-  Arrays<std::uint32_t> heights_;
-  std::uint16_t* channels_[4];
+  Quillet::Channels kept_;
+  Quillet::ChannelAverages averages_{};
+  Quillet::PeakTable peaks_;
+  Quillet::SecondPeaks second_;
   std::unique_ptr<std::int16_t[]> maxima_ = std::make_unique<std::int16_t[]>(4 * pointCount());
-  std::int32_t* peakPos_[4];
-  std::uint32_t* peakAmp_[4];
-  std::int32_t* normAmp_[4];
-  std::unique_ptr<std::uint16_t[]> summedSignal_ =
-      std::make_unique<std::uint16_t[]>(Quillet::summedSignalSize);
   std::unique_ptr<std::uint64_t[]> zeros_ =
       std::make_unique<std::uint64_t[]>(Quillet::zeroWordCount(pointCount()));
-  std::unique_ptr<char[]> secondBase_ = std::make_unique<char[]>(baseCount());
-  std::unique_ptr<std::int32_t[]> secondPos_ = std::make_unique<std::int32_t[]>(baseCount());
-  float averages_[4] = {};
 };
 
 void prepareNothing(Stages&) {}

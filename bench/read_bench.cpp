@@ -18,7 +18,7 @@ void sampleArrays(benchmark::State& state) {
   const ScratchFolder folder;
   const BenchTrace trace;
   folder.write(fileName, trace.file());
-  std::vector<std::uint16_t> samples(trace.pointCount());
+  std::vector<std::uint16_t> samples(trace.channels.pointCount());
   const auto count = static_cast<std::int32_t>(samples.size());
   Tessaly::FileReader reader;
   reader.open(fileName);
@@ -27,7 +27,7 @@ void sampleArrays(benchmark::State& state) {
     for (int channel = 0; channel < 4; ++channel) reader.readUInt16Array(samples.data(), count);
     benchmark::ClobberMemory();
   }
-  state.counters["per sample"] = timeOfEach(4.0 * trace.pointCount());
+  state.counters["per sample"] = timeOfEach(4.0 * trace.channels.pointCount());
 }
 
 /// A trace with few samples and bases: most of the time goes into its directory.
@@ -52,7 +52,7 @@ void wholeTrace(benchmark::State& state) {
     Tessaly::String name(fileName);
     benchmark::DoNotOptimize(trace.open(name));
   }
-  state.counters["per sample"] = timeOfEach(4.0 * contents.pointCount());
+  state.counters["per sample"] = timeOfEach(4.0 * contents.channels.pointCount());
 }
 
 BENCHMARK(sampleArrays);

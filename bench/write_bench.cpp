@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "bench/bench_trace.h"
-#include "foundation/decimal.h"
+#include "output/decimal.h"
 #include "output/file_writer.h"
 #include "output/phd_file.h"
 #include "output/poly_file.h"
@@ -32,9 +32,9 @@ std::vector<std::int32_t> mixedNumbers() {
 void numberText(benchmark::State& state) {
   const std::vector<std::int32_t> numbers = mixedNumbers();
   for (auto _ : state) {
-    char text[Tessaly::longestDecimal];
+    char text[Quillet::longestDecimal];
     for (const std::int32_t number : numbers) {
-      benchmark::DoNotOptimize(Tessaly::putDecimal(text, number));
+      benchmark::DoNotOptimize(Quillet::putDecimal(text, number));
       benchmark::ClobberMemory();
     }
   }
@@ -46,9 +46,9 @@ void shortNumberText(benchmark::State& state) {
   std::vector<std::int32_t> numbers = mixedNumbers();
   for (std::int32_t& number : numbers) number %= 65281;
   for (auto _ : state) {
-    char text[Tessaly::longestDecimal];
+    char text[Quillet::longestDecimal];
     for (const std::int32_t number : numbers) {
-      benchmark::DoNotOptimize(Tessaly::putShortDecimal(text, number));
+      benchmark::DoNotOptimize(Quillet::putShortDecimal(text, number));
       benchmark::ClobberMemory();
     }
   }
@@ -83,7 +83,7 @@ void phdFile(benchmark::State& state) {
                           {.sampleName = "sample",
                            .callerName = "KB 1.4",
                            .timeText = "Sun Nov 15 12:04:40 2026",
-                           .pointCount = trace.pointCount(),
+                           .pointCount = trace.channels.pointCount(),
                            .bases = trace.bases,
                            .qualities = trace.qualities,
                            .peaks = trace.peaks.data()});
@@ -94,12 +94,14 @@ void phdFile(benchmark::State& state) {
 void polyFile(benchmark::State& state) {
   BenchTrace trace;
   Quillet::PolyPeaks found;
-  auto& channels = trace.channels;
-  found.compute({channels[0].data(), channels[1].data(), channels[2].data(), channels[3].data()},
-                trace.pointCount(), trace.bases, trace.peaks.data());
+  found.compute({trace.channels, trace.bases, trace.peaks.data()});
   Tessaly::FileWriter writer;
   for (auto _ : state) {
-    Quillet::writePolyFile(writer, sink, "sample", trace.bases, trace.peaks.data(), found);
+    Quillet::writePolyFile(writer, sink,
+                           {.sampleName = "sample",
+                            .bases = trace.bases,
+                            .peaks = trace.peaks.data(),
+                            .found = found});
   }
   state.counters["per base"] = timeOfEach(trace.baseCount());
 }

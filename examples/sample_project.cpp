@@ -1,5 +1,6 @@
-// Makes the project that tools/demo converts: realistic traces, some of them gzipped, one without
-// qualities in the window of the quality gate, one damaged.
+// Makes the project that tools/demo converts: realistic traces, every third one gzipped. With
+// --with-bad-traces it adds two that Quillet skips: `doubtful.ab1` has no qualities for some bases,
+// `damaged.ab1` is cut.
 
 #include <cstdint>
 #include <cstdlib>
@@ -8,6 +9,7 @@
 #include <iostream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "tests/support/trace_generator.h"
 
@@ -15,6 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// Writes a file anew; throws when the disk does not take it.
 void writeFile(const fs::path& path, const std::string& bytes) {
   std::ofstream stream(path, std::ios::binary);
   stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
@@ -22,11 +25,12 @@ void writeFile(const fs::path& path, const std::string& bytes) {
   if (!stream) throw std::runtime_error("can not write " + path.string());
 }
 
-/// The file of one sample, with further directory entries like those of an instrument.
+/// The bytes of an ABIF file, with further directory entries like those of an instrument.
 std::string traceFile(const TraceContents& contents) {
   return contents.abif().callerName("KB 1.4").otherEntries(100).build();
 }
 
+/// Makes the four folders under `root` and puts `traceCount` traces into `chromat_dir`.
 void makeProject(const fs::path& root, int traceCount) {
   for (const char* name : {"chromat_dir", "phd_dir", "poly_dir", "edit_dir"}) {
     fs::create_directories(root / name);
@@ -41,6 +45,11 @@ void makeProject(const fs::path& root, int traceCount) {
       throw std::runtime_error("can not gzip " + file.string());
     }
   }
+}
+
+/// Adds the two traces that Quillet skips.
+void addBadTraces(const fs::path& root) {
+  const fs::path chromats = root / "chromat_dir";
   writeFile(chromats / "doubtful.ab1", traceFile(doubtfulTrace(1001, 700)));
   writeFile(chromats / "damaged.ab1", traceFile(believableTrace(1002, 650)).substr(0, 3000));
 }
@@ -48,12 +57,17 @@ void makeProject(const fs::path& root, int traceCount) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 2 || argc > 3) {
-    std::cerr << "usage: sample_project FOLDER [NUMBER OF TRACES]\n";
+  std::vector<std::string> words(argv + 1, argv + argc);
+  const bool withBadTraces = std::erase(words, "--with-bad-traces") > 0;
+  if (words.empty() || words.size() > 2) {
+    std::cerr << "usage: sample_project [--with-bad-traces] FOLDER [NUMBER OF TRACES]\n";
     return 2;
   }
   try {
-    makeProject(argv[1], argc == 3 ? std::stoi(argv[2]) : 12);
+    makeProject(words[0], words.size() == 2 ? std::stoi(words[1]) : 12);
+    if (withBadTraces) {
+      addBadTraces(words[0]);
+    }
   } catch (const std::exception& problem) {
     std::cerr << "sample_project: " << problem.what() << '\n';
     return 1;

@@ -207,7 +207,8 @@ const T& Vector<T>::next() {
 
 template <typename T>
 const T& Vector<T>::previous() {
-  // Deliberate: out of range at cursor 0, so that element 0 is never returned.
+  // Deliberate: out of range at cursor 0, so that element 0 is never returned, and at size, so that
+  // a vector just assigned can not be walked back.
   check(cursor_ > 0 && cursor_ < size_);
   return elements_[static_cast<std::size_t>(cursor_--)];
 }

@@ -43,10 +43,10 @@ constexpr const char* formerQualities = "former qualities";
 const std::vector<std::int32_t> formerPeaks{-1, -2, -3};
 
 void takeChannels(Quillet::TraceFile& trace, Outcome& outcome) {
-  std::unique_ptr<std::uint16_t[]> channels[4];
-  trace.releaseChannels(channels, outcome.pointCount);
-  for (std::size_t i = 0; i < 4; ++i) {
-    outcome.channels[i].assign(channels[i].get(), channels[i].get() + outcome.pointCount);
+  const Quillet::Channels channels = trace.takeContent().channels;
+  outcome.pointCount = channels.pointCount();
+  for (int i = 0; i < Quillet::channelCount; ++i) {
+    outcome.channels[i].assign(channels[i].begin(), channels[i].end());
   }
 }
 
@@ -72,8 +72,8 @@ Outcome openTrace(const ScratchFile& file) {
   require(name == file.path().c_str(), "a name without .gz stays as it is");
   require(!trace.is_open(), "the file is closed afterwards");
   if (!outcome.opened) return outcome;
-  takeChannels(trace, outcome);
   takeCalls(trace, outcome);
+  takeChannels(trace, outcome);
   return outcome;
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "foundation/channels.h"
+#include "output/height_key.h"
 
 namespace Quillet {
 
@@ -41,9 +42,8 @@ inline std::int32_t positionAfter(std::uint32_t maximumIndex) {
 
 /// Finds the first highest maximum of any range in logarithmic time.
 ///
-/// A tree over blocks of samples. A key has the height in its upper half and the distance from the
-/// largest index in its lower half, so that the largest key is the first of the highest maxima.
-/// Borrows the maxima that build() was last called with.
+/// A tree over blocks of samples; each node holds the largest key of its blocks. Borrows the maxima
+/// that build() was last called with.
 class MaximumTree {
  public:
   explicit MaximumTree(std::size_t pointCount)
@@ -82,21 +82,21 @@ class MaximumTree {
 
  private:
   static constexpr std::size_t blockSize = 32;
-  static constexpr std::uint32_t largestIndex = 0xFFFFFFFF;
+
+  using Key = HeightKey<32>;
 
   std::uint64_t scan(std::size_t start, std::size_t end) const {
     std::uint64_t best = 0;
     for (std::size_t i = start; i < end; ++i) {
-      const std::uint64_t height = heightOf(maxima_[channelCount * i]);
-      best = std::max(best, height << 32 | (largestIndex - i));
+      best = std::max(best, Key::of(std::uint64_t{heightOf(maxima_[channelCount * i])}, i));
     }
     return best;
   }
 
   static Peak peakOf(std::uint64_t key) {
-    const auto height = static_cast<std::uint32_t>(key >> 32);
+    const auto height = static_cast<std::uint32_t>(Key::height(key));
     if (height == 0) return {};
-    return {height, positionAfter(largestIndex - static_cast<std::uint32_t>(key))};
+    return {height, positionAfter(static_cast<std::uint32_t>(Key::index(key)))};
   }
 
   std::size_t pointCount_;

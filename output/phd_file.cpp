@@ -23,7 +23,7 @@ void writeHeader(Tessaly::FileWriter& writer, const PhdRecord& record) {
 }
 
 // A character and two numbers, each with what follows it.
-constexpr std::size_t longestLine = 2 + 2 * Tessaly::longestDecimal;
+constexpr std::size_t longestLine = 2 + 2 * longestDecimal;
 
 void writeBases(Tessaly::FileWriter& writer, const PhdRecord& record) {
   const char* const bases = record.bases.text();

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "output/poly_peaks.h"
+#include "output/poly_stages.h"
 #include "output/sample_runs.h"
 
 namespace Quillet {
@@ -14,21 +14,25 @@ std::int32_t truncateToInt32(double value) {
 
 std::size_t zeroWordCount(std::size_t pointCount) { return SampleRuns::wordCount(pointCount); }
 
-void normaliseAreas(const std::uint16_t* samples, std::uint32_t pointCount, float average,
-                    const std::int32_t* peakPos, const std::uint32_t* peakAmp,
-                    std::int32_t baseCount, std::uint64_t* zeros, std::int32_t* normAmp) {
+void normaliseAreas(std::span<const std::uint16_t> samples, float average, std::int32_t baseCount,
+                    std::uint64_t* zeros, ChannelPeaks& peaks) {
   constexpr double heightUnit = 0.00006103515625;  // 2 to the power -14
 
-  const SampleRuns runs(samples, pointCount, zeros);
+  const auto pointCount = static_cast<std::int64_t>(samples.size());
+  const std::int32_t* const positions = peaks.positions.get();
+  const std::uint32_t* const heights = peaks.heights.get();
+  std::int32_t* const normalised = peaks.normalisedHeights.get();
+
+  const SampleRuns runs(samples.data(), samples.size(), zeros);
   // What no run reaches stays 0.
-  std::fill_n(normAmp, baseCount, 0);
+  std::fill_n(normalised, baseCount, 0);
 
   // Bases and samples are passed once, in order; only runs that hold a peak need be looked at.
   std::int64_t passed = 0;  // samples: what lies before is done with
-  for (std::int32_t base = 0; base < baseCount && peakPos[base] < std::int64_t{pointCount};) {
-    const std::int64_t position = peakPos[base];
+  for (std::int32_t base = 0; base < baseCount && positions[base] < pointCount;) {
+    const std::int64_t position = positions[base];
     // Deliberate: a peak that lies before one already passed gets nothing, nor does one in a gap.
-    if (position < passed || samples[position] == 0) {
+    if (position < passed || samples[static_cast<std::size_t>(position)] == 0) {
       passed = std::max(passed, position);
       ++base;
       continue;
@@ -42,15 +46,16 @@ void normaliseAreas(const std::uint16_t* samples, std::uint32_t pointCount, floa
     // Deliberate: a peak that comes after one of this run and lies before it shares in it.
     const std::int32_t first = base;
     std::uint16_t heightSum = 0;
-    for (; base < baseCount && peakPos[base] < end; ++base) {
+    for (; base < baseCount && positions[base] < end; ++base) {
       // Deliberate: wraps modulo 65536, and a sum that wraps to 0 counts as 0.
-      heightSum = static_cast<std::uint16_t>(heightSum + peakAmp[base]);
+      heightSum = static_cast<std::uint16_t>(heightSum + heights[base]);
     }
 
     const double height = average;
     const double scaled = heightSum == 0 ? height : height * area / heightSum;
     const double factor = scaled * heightUnit;
-    for (std::int32_t k = first; k < base; ++k) normAmp[k] = truncateToInt32(factor * peakAmp[k]);
+    for (std::int32_t k = first; k < base; ++k)
+      normalised[k] = truncateToInt32(factor * heights[k]);
   }
 }
 

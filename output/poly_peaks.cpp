@@ -2,11 +2,16 @@
 
 #include <algorithm>
 
-#include "foundation/channels.h"
+#include "output/height_key.h"
+#include "output/poly_stages.h"
 
 namespace Quillet {
 
 namespace {
+
+// Well above the samples and the bases of any instrument's trace.
+constexpr std::size_t keptPointCount = 1 << 18;
+constexpr std::size_t keptBaseCount = 1 << 15;
 
 // For each called channel; those of noChannel are never used.
 constexpr unsigned char otherChannels[noChannel + 1][3] = {
@@ -14,75 +19,68 @@ constexpr unsigned char otherChannels[noChannel + 1][3] = {
 
 }  // namespace
 
-PolyPeaks::PolyPeaks()
-    : summedSignal_(std::make_unique_for_overwrite<std::uint16_t[]>(summedSignalSize)) {}
-
 void PolyPeaks::reserve(std::size_t pointCount, std::size_t baseCount) {
   if (zeros_ == nullptr || pointCount > pointCapacity_) {
     pointCapacity_ = 0;
-    maxima_ = std::make_unique_for_overwrite<std::int16_t[]>(4 * pointCount);
+    maxima_ = std::make_unique_for_overwrite<std::int16_t[]>(channelCount * pointCount);
     zeros_ = std::make_unique_for_overwrite<std::uint64_t[]>(zeroWordCount(pointCount));
     pointCapacity_ = pointCount;
   }
   if (baseCount > baseCapacity_) {
     baseCapacity_ = 0;
-    for (int channel = 0; channel < 4; ++channel) {
-      peakPos_[channel] = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
-      peakAmp_[channel] = std::make_unique_for_overwrite<std::uint32_t[]>(baseCount);
-      normAmp_[channel] = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
+    for (ChannelPeaks& peaks : peaks_) {
+      peaks.positions = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
+      peaks.heights = std::make_unique_for_overwrite<std::uint32_t[]>(baseCount);
+      peaks.normalisedHeights = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
     }
-    secondBase_ = std::make_unique_for_overwrite<char[]>(baseCount);
-    secondPos_ = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
+    secondPeaks_.bases = std::make_unique_for_overwrite<char[]>(baseCount);
+    secondPeaks_.positions = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
     baseCapacity_ = baseCount;
   }
 }
 
-// A file can claim millions of samples: the trace behind it needs that memory itself.
 void PolyPeaks::releaseLongTrace() {
-  if (pointCapacity_ <= keptPointCount) return;
-  pointCapacity_ = 0;
-  maxima_.reset();
-  zeros_.reset();
+  if (pointCapacity_ > keptPointCount || baseCapacity_ > keptBaseCount) *this = PolyPeaks();
 }
 
-void PolyPeaks::compute(std::uint16_t* const (&channels)[4], std::uint32_t pointCount,
-                        const Tessaly::String& bases, const std::int32_t* peaks) {
-  reserve(pointCount, static_cast<std::size_t>(bases.length()));
+void PolyPeaks::compute(const CalledTrace& trace) {
+  Channels& channels = trace.channels;
+  const std::int32_t baseCount = trace.bases.length();
+  reserve(channels.pointCount(), static_cast<std::size_t>(baseCount));
 
-  float averages[4];
-  scaleToFullRange(channels, pointCount);
-  balanceChannels(channels, pointCount, summedSignal_.get(), averages);
-
-  findPeaks({channels, pointCount, bases, peaks}, maxima_.get(),
-            {peakPos_[0].get(), peakPos_[1].get(), peakPos_[2].get(), peakPos_[3].get()},
-            {peakAmp_[0].get(), peakAmp_[1].get(), peakAmp_[2].get(), peakAmp_[3].get()});
-
-  for (int channel = 0; channel < 4; ++channel) {
-    normaliseAreas(channels[channel], pointCount, averages[channel], peakPos(channel),
-                   peakAmp(channel), bases.length(), zeros_.get(), normAmp_[channel].get());
+  scaleToFullRange(channels);
+  const ChannelAverages averages = balanceChannels(channels);
+  findPeaks(trace, maxima_.get(), peaks_);
+  for (int channel = 0; channel < channelCount; ++channel) {
+    const auto index = static_cast<std::size_t>(channel);
+    normaliseAreas(channels[channel], averages[index], baseCount, zeros_.get(), peaks_[index]);
   }
-
-  chooseSecondPeaks(bases, {peakPos(0), peakPos(1), peakPos(2), peakPos(3)},
-                    {peakAmp(0), peakAmp(1), peakAmp(2), peakAmp(3)}, secondBase_.get(),
-                    secondPos_.get());
-  releaseLongTrace();
+  chooseSecondPeaks(trace.bases, peaks_, secondPeaks_);
 }
 
-void chooseSecondPeaks(const Tessaly::String& bases, const std::int32_t* const (&peakPos)[4],
-                       const std::uint32_t* const (&peakAmp)[4], char* secondBase,
-                       std::int32_t* secondPos) {
+void chooseSecondPeaks(const Tessaly::String& bases, const PeakTable& peaks, SecondPeaks& second) {
+  using Key = HeightKey<2>;
+  const std::uint32_t* heights[channelCount];
+  const std::int32_t* positions[channelCount];
+  for (std::size_t channel = 0; channel < channelCount; ++channel) {
+    heights[channel] = peaks[channel].heights.get();
+    positions[channel] = peaks[channel].positions.get();
+  }
+  // Locals: a store to the letters may alias the members and force reloads.
+  char* const secondBases = second.bases.get();
+  std::int32_t* const secondPositions = second.positions.get();
   for (std::int32_t i = 0; i < bases.length(); ++i) {
-    // No jump hangs on the bases or on the signal here: the processor could not foresee it.
+    // Branch-free: the bases and the signal are unpredictable.
     const int called = channelOf(bases[i]);
-    std::uint64_t largest = 0;  // a height, and behind it what is larger for earlier channels
+    std::uint64_t best = 0;
     for (const unsigned channel : otherChannels[called]) {
-      largest = std::max(largest, std::uint64_t{peakAmp[channel][i]} << 2 | (3 - channel));
+      best = std::max(best, Key::of(std::uint64_t{heights[channel][i]}, channel));
     }
-    const auto second = static_cast<int>(3 - (largest & 3));
-    const std::int32_t position = peakPos[second][i];
-    const bool found = (largest > 3) & (called != noChannel);  // a height of 0 is no peak
-    secondBase[i] = channelLetters[found ? second : noChannel];
-    secondPos[i] = found ? position : 0;
+    const auto channel = Key::index(best);
+    const std::int32_t position = positions[channel][i];
+    const bool found = (Key::height(best) != 0) & (called != noChannel);  // a height of 0 is none
+    secondBases[i] = channelLetters[found ? channel : std::uint64_t{noChannel}];
+    secondPositions[i] = found ? position : 0;
   }
 }
 

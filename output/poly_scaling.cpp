@@ -1,53 +1,70 @@
 #include <algorithm>
+#include <array>
+#include <optional>
 #include <span>
 
-#include "foundation/channels.h"
-#include "output/poly_peaks.h"
+#include "output/height_key.h"
+#include "output/poly_stages.h"
 #include "output/sample_scaling.h"
 
 namespace Quillet {
 
 namespace {
 
-std::uint16_t largestSample(std::uint16_t* const (&channels)[4], std::size_t count) {
-  // Side by side, since every maximum waits for the one before it in its channel.
+std::uint16_t largestSample(const Channels& channels) {
+  const std::uint16_t* const samplesOfA = channels[0].data();
+  const std::uint16_t* const samplesOfC = channels[1].data();
+  const std::uint16_t* const samplesOfG = channels[2].data();
+  const std::uint16_t* const samplesOfT = channels[3].data();
+  const std::size_t count = channels.pointCount();
+  // Four at a time: each maximum waits for the one before it in its channel.
   std::uint16_t a = 0;
   std::uint16_t c = 0;
   std::uint16_t g = 0;
   std::uint16_t t = 0;
   for (std::size_t i = 0; i < count; ++i) {
-    a = std::max(a, channels[0][i]);
-    c = std::max(c, channels[1][i]);
-    g = std::max(g, channels[2][i]);
-    t = std::max(t, channels[3][i]);
+    a = std::max(a, samplesOfA[i]);
+    c = std::max(c, samplesOfC[i]);
+    g = std::max(g, samplesOfG[i]);
+    t = std::max(t, samplesOfT[i]);
   }
   return std::max({a, c, g, t});
 }
 
-constexpr std::uint32_t fullRange = 65280;  // what the highest sample is to come to
+constexpr std::uint32_t fullRange = 65280;  // what the highest sample is scaled to
 constexpr std::uint32_t largestSampleValue = 65535;
 
-/// Multiplies every sample by a quotient of whole numbers, by way of `double` as seen from outside.
-/// Both numbers are 1..65535, no sample exceeds `bound`, and this times the quotient is at most
-/// 65535.
-void scaleByQuotient(std::span<std::uint16_t* const> channels, std::size_t count,
-                     std::uint32_t numerator, std::uint32_t denominator, std::uint32_t bound) {
-  if (numerator == denominator) return;
-  const auto factor = fixedFactor(numerator, denominator, bound);
-  const double quotient = static_cast<double>(numerator) / denominator;
-  for (std::uint16_t* samples : channels) {
-    if (factor) {
-      scaleSamples(samples, count, *factor);
+/// Multiplies samples by a quotient of whole numbers and truncates the `double` product, or
+/// computes the same in whole numbers. Both numbers are 1..65535, no sample exceeds `bound`, and
+/// this times the quotient is at most 65535.
+class QuotientScaling {
+ public:
+  QuotientScaling(std::uint32_t numerator, std::uint32_t denominator, std::uint32_t bound)
+      : isOne_(numerator == denominator),
+        factor_(fixedFactor(numerator, denominator, bound)),
+        quotient_(static_cast<double>(numerator) / denominator) {}
+
+  void apply(std::span<std::uint16_t> samples) const {
+    if (isOne_) return;
+    if (factor_) {
+      scaleSamples(samples.data(), samples.size(), *factor_);
     } else {
-      scaleSamples(samples, count, quotient);
+      scaleSamples(samples.data(), samples.size(), quotient_);
     }
   }
-}
+
+ private:
+  bool isOne_;
+  std::optional<FixedFactor> factor_;
+  double quotient_;
+};
 
 // The stretch of the trace that the channel balance is taken from, in sample indices.
 constexpr std::uint32_t balanceFirstIndex = 1499;
 constexpr std::uint32_t balanceLastIndex = 2500;
-static_assert(summedSignalSize == balanceLastIndex + 1);
+
+/// The four channels added up, by sample index; only the entries of that stretch are set.
+using SummedSignal = std::array<std::uint16_t, balanceLastIndex + 1>;
 
 /// The maxima of the summed signal at which one channel was the highest.
 struct PeakTally {
@@ -61,21 +78,20 @@ struct PeakTally {
 };
 
 /// Adds up the four channels into summed[1499..last]; the index past the last sample reads 0.
-void sumChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCount, std::uint32_t last,
-                 std::uint16_t* summed) {
+void sumChannels(const Channels& channels, std::uint32_t last, SummedSignal& summed) {
   for (std::uint32_t k = balanceFirstIndex; k <= last; ++k) {
     std::uint32_t sum = 0;
-    if (k < pointCount) {
-      for (const std::uint16_t* samples : channels) sum += samples[k];
+    if (k < channels.pointCount()) {
+      for (int channel = 0; channel < channelCount; ++channel) sum += channels[channel][k];
     }
     // Deliberate: the sum wraps modulo 65536.
     summed[k] = static_cast<std::uint16_t>(sum);
   }
 }
 
-/// Lists the indices behind the strict maxima of summed[..last] and returns their number.
-std::size_t listMaxima(const std::uint16_t* summed, std::uint32_t last, std::uint32_t* indices) {
-  // No jump hangs on the signal, here and below: the processor could not foresee it.
+/// Lists the indices after the strict maxima of summed[..last] and returns their number.
+std::size_t listMaxima(const SummedSignal& summed, std::uint32_t last, std::uint32_t* indices) {
+  // Branch-free, here and below: the signal is unpredictable.
   std::size_t count = 0;
   for (std::uint32_t k = balanceFirstIndex + 2; k < last; ++k) {
     const std::uint16_t middle = summed[k - 1];
@@ -87,48 +103,54 @@ std::size_t listMaxima(const std::uint16_t* summed, std::uint32_t last, std::uin
 }
 
 /// Counts the sample at `k` for the first of the channels that have the highest one there.
-void tallyHighest(std::uint16_t* const (&channels)[4], std::uint32_t k, PeakTally (&tallies)[4]) {
-  std::uint32_t best = 0;  // a sample, and behind it what is larger for earlier channels
-  for (std::uint32_t channel = 0; channel < 4; ++channel) {
-    best = std::max(best, std::uint32_t{channels[channel][k]} << 2 | (3 - channel));
+void tallyHighest(const Channels& channels, std::uint32_t k,
+                  std::array<PeakTally, channelCount>& tallies) {
+  using Key = HeightKey<2>;
+  std::uint32_t best = 0;
+  for (int channel = 0; channel < channelCount; ++channel) {
+    best = std::max(
+        best, Key::of(std::uint32_t{channels[channel][k]}, static_cast<std::uint32_t>(channel)));
   }
-  const std::uint32_t height = best >> 2;
-  PeakTally& tally = tallies[3 - (best & 3)];
+  const std::uint32_t height = Key::height(best);
+  PeakTally& tally = tallies[Key::index(best)];
   tally.count += height != 0 ? 1 : 0;
   tally.heightTotal += height;
 }
 
 }  // namespace
 
-void scaleToFullRange(std::uint16_t* const (&channels)[4], std::uint32_t pointCount) {
-  const std::uint16_t largest = largestSample(channels, pointCount);
+void scaleToFullRange(Channels& channels) {
+  const std::uint16_t largest = largestSample(channels);
   if (largest == 0) return;
-  scaleByQuotient(channels, pointCount, fullRange, largest, largest);
+  const QuotientScaling scaling(fullRange, largest, largest);
+  for (int channel = 0; channel < channelCount; ++channel) scaling.apply(channels[channel]);
 }
 
-void balanceChannels(std::uint16_t* const (&channels)[4], std::uint32_t pointCount,
-                     std::uint16_t* summedSignal, float (&averages)[4]) {
-  const std::uint32_t last = std::min(pointCount, balanceLastIndex);
-  sumChannels(channels, pointCount, last, summedSignal);
+ChannelAverages balanceChannels(Channels& channels) {
+  const std::uint32_t last = std::min(channels.pointCount(), balanceLastIndex);
+  SummedSignal summed;
+  sumChannels(channels, last, summed);
 
-  PeakTally tallies[4];
   // Deliberate: a maximum is at k - 1, but the channels are compared at k.
-  std::uint32_t indices[summedSignalSize - balanceFirstIndex];
-  const std::size_t maximumCount = listMaxima(summedSignal, last, indices);
+  std::uint32_t indices[balanceLastIndex - balanceFirstIndex];
+  const std::size_t maximumCount = listMaxima(summed, last, indices);
+  std::array<PeakTally, channelCount> tallies;
   for (std::size_t i = 0; i < maximumCount; ++i) tallyHighest(channels, indices[i], tallies);
 
-  std::uint32_t heights[4];
+  ChannelAverages averages;
   std::uint32_t smallest = largestSampleValue;
-  for (int channel = 0; channel < 4; ++channel) {
-    heights[channel] = tallies[channel].averageHeight();
-    averages[channel] = static_cast<float>(heights[channel]);
-    if (heights[channel] != 0) smallest = std::min(smallest, heights[channel]);
+  for (std::size_t channel = 0; channel < channelCount; ++channel) {
+    const std::uint32_t height = tallies[channel].averageHeight();
+    averages[channel] = static_cast<float>(height);
+    if (height != 0) smallest = std::min(smallest, height);
   }
-  for (int channel = 0; channel < 4; ++channel) {
-    if (heights[channel] == 0) continue;
-    scaleByQuotient({&channels[channel], 1}, pointCount, smallest, heights[channel],
-                    largestSampleValue);
+  for (std::size_t channel = 0; channel < channelCount; ++channel) {
+    const std::uint32_t height = tallies[channel].averageHeight();
+    if (height == 0) continue;
+    QuotientScaling(smallest, height, largestSampleValue)
+        .apply(channels[static_cast<int>(channel)]);
   }
+  return averages;
 }
 
 }  // namespace Quillet

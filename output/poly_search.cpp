@@ -1,9 +1,9 @@
 #include <algorithm>
+#include <utility>
 
-#include "foundation/channels.h"
 #include "output/lanes.h"
 #include "output/maximum_tree.h"
-#include "output/poly_peaks.h"
+#include "output/poly_stages.h"
 
 namespace Quillet {
 
@@ -19,13 +19,13 @@ std::int16_t maximumAt(std::uint16_t left, std::uint16_t sample, std::uint16_t r
   return storedHeight(sample & kept);
 }
 
-void markMaxima(std::uint16_t* const (&channels)[channelCount], std::size_t count,
-                std::int16_t* maxima) {
+void markMaxima(const Channels& channels, std::int16_t* maxima) {
+  const std::size_t count = channels.pointCount();
   if (count == 0) return;
-  const std::uint16_t* const a = channels[0];
-  const std::uint16_t* const c = channels[1];
-  const std::uint16_t* const g = channels[2];
-  const std::uint16_t* const t = channels[3];
+  const std::uint16_t* const a = channels[0].data();
+  const std::uint16_t* const c = channels[1].data();
+  const std::uint16_t* const g = channels[2].data();
+  const std::uint16_t* const t = channels[3].data();
   for (std::size_t i = 1; i + 1 < count; ++i) {
     std::int16_t* const marked = maxima + channelCount * i;
     marked[0] = maximumAt(a[i - 1], a[i], a[i + 1]);
@@ -36,7 +36,7 @@ void markMaxima(std::uint16_t* const (&channels)[channelCount], std::size_t coun
   const std::size_t last = count - 1;
   std::int16_t* const lastOnes = maxima + channelCount * last;
   for (int channel = 0; channel < channelCount; ++channel) {
-    const std::uint16_t* const samples = channels[channel];
+    const auto samples = channels[channel];
     // The index before the first, which one sample asks for, is a huge one.
     const auto sampleAt = [&](std::size_t k) { return k < count ? samples[k] : std::uint16_t{0}; };
     maxima[channel] = maximumAt(0, samples[0], sampleAt(1));
@@ -132,29 +132,34 @@ Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
   return peaks;
 }
 
+/// Stores what base `i` found in one channel.
+void setPeak(ChannelPeaks& peaks, std::int32_t i, std::int32_t position, std::uint32_t height) {
+  peaks.positions[static_cast<std::size_t>(i)] = position;
+  peaks.heights[static_cast<std::size_t>(i)] = height;
+}
+
 /// Looks through the ranges of the bases from end to end. Stops when the ranges together are too
 /// long, and returns the number of bases done.
 std::int32_t searchByScanning(const CalledTrace& trace, const std::int16_t* maxima,
-                              std::int32_t* const (&peakPos)[channelCount],
-                              std::uint32_t* const (&peakAmp)[channelCount]) {
+                              PeakTable& peaks) {
   // The ranges of ascending peaks do not overlap; some disorder is still cheapest to scan.
+  const std::uint32_t pointCount = trace.channels.pointCount();
   const std::int32_t baseCount = trace.bases.length();
-  const std::int32_t* const peaks = trace.peaks;
-  std::int64_t samplesLeft = 4 * (std::int64_t{trace.pointCount} + baseCount);
+  std::int64_t samplesLeft = 4 * (std::int64_t{pointCount} + baseCount);
 
-  std::int64_t low = baseCount == 0 ? 0 : lowMidpoint(peaks, 0);
+  std::int64_t low = baseCount == 0 ? 0 : lowMidpoint(trace.peaks, 0);
   for (std::int32_t i = 0; i < baseCount; ++i) {
-    const std::int64_t high = lowMidpoint(peaks, i + 1);
-    const SearchRange range = rangeBetween(low, high, trace.pointCount);
+    const std::int64_t high = lowMidpoint(trace.peaks, i + 1);
+    const SearchRange range = rangeBetween(low, high, pointCount);
     const std::int64_t length = range.last - range.first + 1;
     samplesLeft -= std::max(length, std::int64_t{0});
     if (samplesLeft < 0) return i;
 
     const bool fitsLanes = shortestInLanes <= length && length <= longestInLanes;
     const Peaks found = fitsLanes ? scanInLanes(maxima, range) : scan(maxima, range);
-    for (int channel = 0; channel < channelCount; ++channel) {
-      peakAmp[channel][i] = static_cast<std::uint32_t>(found.heights[channel]);
-      peakPos[channel][i] = found.positions[channel];
+    for (std::size_t channel = 0; channel < channelCount; ++channel) {
+      setPeak(peaks[channel], i, found.positions[channel],
+              static_cast<std::uint32_t>(found.heights[channel]));
     }
     low = high;
   }
@@ -163,44 +168,42 @@ std::int32_t searchByScanning(const CalledTrace& trace, const std::int16_t* maxi
 
 /// Answers the ranges of the bases from `firstBase` on, however long they are.
 void searchByTree(const CalledTrace& trace, std::int32_t firstBase, const std::int16_t* maxima,
-                  std::int32_t* const (&peakPos)[channelCount],
-                  std::uint32_t* const (&peakAmp)[channelCount]) {
-  MaximumTree tree(trace.pointCount);
+                  PeakTable& peaks) {
+  const std::uint32_t pointCount = trace.channels.pointCount();
+  MaximumTree tree(pointCount);
   for (int channel = 0; channel < channelCount; ++channel) {
     tree.build(maxima, channel);
     for (std::int32_t i = firstBase; i < trace.bases.length(); ++i) {
       const std::int64_t low = lowMidpoint(trace.peaks, i);
       const std::int64_t high = lowMidpoint(trace.peaks, i + 1);
-      const Peak peak = tree.find(rangeBetween(low, high, trace.pointCount));
-      peakAmp[channel][i] = peak.height;
-      peakPos[channel][i] = peak.position;
+      const Peak peak = tree.find(rangeBetween(low, high, pointCount));
+      setPeak(peaks[static_cast<std::size_t>(channel)], i, peak.position, peak.height);
     }
   }
 }
 
 /// The called base always has a position: where no peak was found, that of the call itself.
-void fallBackToCalls(const CalledTrace& trace, std::int32_t* const (&peakPos)[channelCount],
-                     std::uint32_t* const (&peakAmp)[channelCount]) {
+void fallBackToCalls(const CalledTrace& trace, PeakTable& peaks) {
   for (std::int32_t i = 0; i < trace.bases.length(); ++i) {
     const int called = channelOf(trace.bases[i]);
-    if (called == noChannel || peakAmp[called][i] != 0) continue;
+    if (called == noChannel) continue;
+    ChannelPeaks& found = peaks[static_cast<std::size_t>(called)];
+    if (found.heights[static_cast<std::size_t>(i)] != 0) continue;
 
     const std::int32_t position = trace.peaks[i];
-    const bool inside = position >= 0 && std::int64_t{position} < trace.pointCount;
-    peakPos[called][i] = position;
-    peakAmp[called][i] = inside ? trace.channels[called][position] : 0;
+    const auto samples = std::as_const(trace.channels)[called];
+    const bool inside = position >= 0 && static_cast<std::size_t>(position) < samples.size();
+    setPeak(found, i, position, inside ? samples[static_cast<std::size_t>(position)] : 0);
   }
 }
 
 }  // namespace
 
-void findPeaks(const CalledTrace& trace, std::int16_t* maxima,
-               std::int32_t* const (&peakPos)[channelCount],
-               std::uint32_t* const (&peakAmp)[channelCount]) {
-  markMaxima(trace.channels, trace.pointCount, maxima);
-  const std::int32_t done = searchByScanning(trace, maxima, peakPos, peakAmp);
-  if (done < trace.bases.length()) searchByTree(trace, done, maxima, peakPos, peakAmp);
-  fallBackToCalls(trace, peakPos, peakAmp);
+void findPeaks(const CalledTrace& trace, std::int16_t* maxima, PeakTable& peaks) {
+  markMaxima(trace.channels, maxima);
+  const std::int32_t done = searchByScanning(trace, maxima, peaks);
+  if (done < trace.bases.length()) searchByTree(trace, done, maxima, peaks);
+  fallBackToCalls(trace, peaks);
 }
 
 }  // namespace Quillet

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "foundation/decimal.h"
+#include "output/decimal.h"
 #include "output/file_writer.h"
 
 namespace Quillet {
@@ -22,17 +22,17 @@ inline char* putWord(char* text, char character) {
 }
 
 inline char* putWord(char* text, std::int32_t value) {
-  return Tessaly::putDecimal(text, value) + 1;  // the blank stands there already
+  return putDecimal(text, value) + 1;  // the blank stands there already
 }
 
 // For values that hardly ever are negative or above 99999.
 
 inline char* putShortWord(char* text, std::int32_t value) {
-  return Tessaly::putShortDecimal(text, value) + 1;
+  return putShortDecimal(text, value) + 1;
 }
 
 inline char* putShortLine(char* text, std::int32_t value) {
-  return putCharacter(Tessaly::putShortDecimal(text, value), '\n');
+  return putCharacter(putShortDecimal(text, value), '\n');
 }
 
 /// Lines that are put together at a time.

@@ -1,13 +1,17 @@
+#include "trace/abif_reader.h"
+
 #include <algorithm>
-#include <limits>
 #include <string_view>
 
 #include "foundation/big_endian.h"
-#include "foundation/channels.h"
 #include "trace/abif_layout.h"
-#include "trace/trace_file.h"
+#include "trace/stored_arrays.h"
 
 namespace Quillet {
+
+namespace {
+
+using namespace AbifLayout;
 
 /// What the directory of one ABIF file says about the entries that are used.
 ///
@@ -20,8 +24,8 @@ struct AbifDirectory {
     bool found = false;
   };
 
-  Tessaly::String baseOrder;  // letter i names the channel that "DATA" 9 + i holds
-  Item channels[4];           // "DATA" 9..12
+  Tessaly::String baseOrder;    // letter i names the channel that "DATA" 9 + i holds
+  Item channels[channelCount];  // "DATA" 9..12
   Item bases;
   Item qualities;
   Item peaks;
@@ -31,14 +35,11 @@ struct AbifDirectory {
   std::uint32_t pointCount() const { return channels[0].count; }
 };
 
-namespace {
-
-using namespace AbifLayout;
-
-// Offsets are added up modulo 2^32; the result is a position, and of 2^31 and above a negative one.
+/// Offsets are added modulo 2^32. The sum is a file position; from 2^31 on it is negative.
 std::int32_t signedOffset(std::uint32_t offset) { return static_cast<std::int32_t>(offset); }
 
-// Walks the directory of an ABIF file. Each step is false when something it needs can not be read.
+/// Walks the directory of an ABIF file. Each step is false when it needs something that the file
+/// does not hold.
 class DirectoryWalk {
  public:
   DirectoryWalk(Tessaly::FileReader& file, std::uint32_t baseOffset, AbifDirectory& directory)
@@ -136,102 +137,113 @@ class DirectoryWalk {
   std::uint32_t entryOffset_ = 0;
 };
 
-bool isConsistent(const AbifDirectory& directory) {
+/// What keeps the trace from being read, as far as the directory alone tells.
+TraceFault faultOf(const AbifDirectory& directory) {
   const Tessaly::String& order = directory.baseOrder;
-  if (order.length() != baseOrderSize) return false;
+  if (order.length() != baseOrderSize) return TraceFault::noBaseOrder;
   for (std::int32_t index = 0; index < baseOrderSize; ++index) {
-    if (channelOf(order[index]) == noChannel) return false;
+    if (channelOf(order[index]) == noChannel) return TraceFault::noBaseOrder;
   }
 
+  for (const AbifDirectory::Item& channel : directory.channels) {
+    if (!channel.found) return TraceFault::noAnalysedChannels;
+  }
   const std::uint32_t pointCount = directory.pointCount();
-  if (pointCount == 0) return false;
+  if (pointCount == 0) return TraceFault::noAnalysedChannels;
   // Deliberate: only the channel that the last entry's number happens to name is compared.
   const std::uint32_t compared = directory.lastNumber;
-  if (compared < 4 && directory.channels[compared].count != pointCount) return false;
-  for (const AbifDirectory::Item& channel : directory.channels) {
-    if (!channel.found) return false;
+  if (compared < channelCount && directory.channels[compared].count != pointCount) {
+    return directory.channels[compared].count == 0 ? TraceFault::noAnalysedChannels
+                                                   : TraceFault::channelLengthsDiffer;
   }
 
   const std::uint32_t baseCount = directory.bases.count;
-  return baseCount == 0 ||
-         (directory.qualities.count == baseCount && directory.peaks.count == baseCount);
+  const bool callsAgree = baseCount == 0 || (directory.qualities.count == baseCount &&
+                                             directory.peaks.count == baseCount);
+  return callsAgree ? TraceFault::none : TraceFault::callCountsDiffer;
 }
 
-}  // namespace
-
-bool TraceFile::readAbif(std::uint32_t baseOffset) {
-  baseCount_ = 0;
-  callerName_.clear();
-  AbifDirectory directory;
-  if (!DirectoryWalk(*this, baseOffset, directory).readAll()) return false;
-  if (!isConsistent(directory) || !isBacked(directory)) return false;
-  if (!readAbifChannels(directory)) return false;
-  if (directory.bases.count > 0) readAbifCalls(directory);
-  return true;
-}
-
-bool TraceFile::isBacked(const AbifDirectory& directory) const {
+/// Whether the file holds what the directory claims, or a small enough claim stands in for it.
+bool backsClaims(const Tessaly::FileReader& file, const AbifDirectory& directory) {
   const std::uint32_t pointCount = directory.pointCount();
   const std::int64_t channelSize = std::int64_t{2} * pointCount;  // bytes
   for (const AbifDirectory::Item& channel : directory.channels) {
-    if (!isBacked(pointCount, signedOffset(channel.offset), channelSize)) return false;
+    if (!isBacked(file, pointCount, signedOffset(channel.offset), channelSize)) return false;
   }
 
-  // A move to a negative offset leaves the reader behind what it read last.
+  // A move to a negative offset fails and leaves the reader after what it read last.
   const std::uint32_t baseCount = directory.bases.count;
-  std::int64_t standing = signedOffset(directory.channels[3].offset) + channelSize;
+  std::int64_t position = signedOffset(directory.channels[channelCount - 1].offset) + channelSize;
   const auto isRunBacked = [&](const AbifDirectory::Item& item, std::int64_t byteCount) {
     const std::int64_t offset = signedOffset(item.offset);
-    if (offset >= 0) standing = offset;
-    const std::int64_t start = standing;
-    standing += byteCount;
-    return isBacked(baseCount, start, byteCount);
+    const std::int64_t start = offset >= 0 ? offset : position;
+    position = start + byteCount;
+    return isBacked(file, baseCount, start, byteCount);
   };
   return isRunBacked(directory.bases, baseCount) && isRunBacked(directory.qualities, baseCount) &&
          isRunBacked(directory.peaks, std::int64_t{2} * baseCount);
 }
 
-bool TraceFile::readAbifChannels(const AbifDirectory& directory) {
-  pointCount_ = directory.pointCount();
+/// False when a channel's offset is negative.
+bool readChannels(Tessaly::FileReader& file, const AbifDirectory& directory, Channels& channels) {
+  channels = Channels(directory.pointCount());
   // Deliberate: an order that names one letter twice leaves the channel it misses all zeros.
-  for (const char letter : {'A', 'C', 'G', 'T'}) {
-    channels_[channelOf(letter)] =
-        directory.baseOrder.contains(letter)
-            ? std::make_unique_for_overwrite<std::uint16_t[]>(pointCount_)
-            : std::make_unique<std::uint16_t[]>(pointCount_);
+  for (int channel = 0; channel < channelCount; ++channel) {
+    if (!directory.baseOrder.contains(channelLetters[channel])) {
+      std::ranges::fill(channels[channel], std::uint16_t{0});
+    }
   }
-  for (std::int32_t index = 0; index < 4; ++index) {
-    if (!seek(signedOffset(directory.channels[index].offset))) return false;
-    fill(channels_[channelOf(directory.baseOrder[index])].get(), pointCount_);
+  for (std::int32_t index = 0; index < channelCount; ++index) {
+    if (!file.seek(signedOffset(directory.channels[index].offset))) return false;
+    const auto samples = channels[channelOf(directory.baseOrder[index])];
+    readArray(file, samples.data(), samples.size());
   }
   return true;
 }
 
-void TraceFile::readAbifCalls(const AbifDirectory& directory) {
-  baseCount_ = directory.bases.count;
-  bases_ = std::make_unique_for_overwrite<char[]>(baseCount_);
-  qualities_ = std::make_unique_for_overwrite<char[]>(baseCount_);
-  const auto stored = std::make_unique_for_overwrite<std::uint16_t[]>(baseCount_);
+BaseCalls readCalls(Tessaly::FileReader& file, const AbifDirectory& directory) {
+  BaseCalls calls(directory.bases.count);
+  const auto stored = std::make_unique_for_overwrite<std::uint16_t[]>(calls.count);
 
-  // Deliberate: a move that fails is no failure, reading goes on from where the reader stands.
-  seek(signedOffset(directory.bases.offset));
-  fill(bases_.get(), baseCount_);
-  seek(signedOffset(directory.qualities.offset));
-  fill(qualities_.get(), baseCount_);
-  seek(signedOffset(directory.peaks.offset));
-  fill(stored.get(), baseCount_);
+  // Deliberate: a move that fails is no failure; reading goes on at the current position.
+  file.seek(signedOffset(directory.bases.offset));
+  readArray(file, calls.bases.get(), calls.count);
+  file.seek(signedOffset(directory.qualities.offset));
+  readArray(file, calls.qualities.get(), calls.count);
+  file.seek(signedOffset(directory.peaks.offset));
+  readArray(file, stored.get(), calls.count);
 
-  if (directory.callerName.count > 1) {
-    // Texts count in signed 32 bits. One that is longer than the file ends with the file.
-    constexpr std::uint32_t longest = std::numeric_limits<std::int32_t>::max();
-    const std::uint32_t length = std::min(directory.callerName.count - 1, longest);
-    seek(signedOffset(directory.callerName.offset + 1));  // past the length byte
-    readText(callerName_, static_cast<std::int32_t>(length));
+  std::copy_n(stored.get(), calls.count, calls.peaks.get());
+  calls.peaks[calls.count] = directory.pointCount();
+  return calls;
+}
+
+Tessaly::String readCallerName(Tessaly::FileReader& file, const AbifDirectory::Item& item) {
+  Tessaly::String name;
+  if (!item.found) return name;
+  file.seek(signedOffset(item.offset + 1));  // past the length byte
+  // Texts count in signed 32 bits: a count of 0, 1 or more than 2^31 gives an empty name.
+  file.readText(name, static_cast<std::int32_t>(item.count - 1));
+  return name;
+}
+
+}  // namespace
+
+TraceContent readAbif(Tessaly::FileReader& file, std::uint32_t baseOffset) {
+  AbifDirectory directory;
+  if (!DirectoryWalk(file, baseOffset, directory).readAll()) {
+    return TraceContent(TraceFault::directoryCut);
   }
-
-  peaks_ = std::make_unique_for_overwrite<std::uint32_t[]>(std::size_t{baseCount_} + 1);
-  std::copy_n(stored.get(), baseCount_, peaks_.get());
-  peaks_[baseCount_] = pointCount_;
+  TraceContent content(faultOf(directory));
+  if (content.fault != TraceFault::none) return content;
+  if (!backsClaims(file, directory) || !readChannels(file, directory, content.channels)) {
+    return TraceContent(TraceFault::dataBeyondFile);
+  }
+  if (directory.bases.count > 0) {
+    content.calls = readCalls(file, directory);
+    content.callerName = readCallerName(file, directory.callerName);
+  }
+  return content;
 }
 
 }  // namespace Quillet

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <fstream>
 #include <memory>
+#include <string_view>
 
 #include "foundation/string.h"
 
@@ -105,6 +106,10 @@ class FileReader : public std::ifstream {
   /// was, once the last block is used up.
   bool readLine(String& line);
   bool readLineAt(std::int32_t position, String& line);
+  /// Passes over lines up to the first that begins with `label`; `rest` becomes what follows it on
+  /// that line. Counts every line feed. False, with `rest` as it was, when no line does; none but
+  /// the label's line is kept in memory. `label` holds no line feed.
+  bool readLineAfter(std::string_view label, String& rest);
   /// Like readLine() with another delimiter; line feeds are not counted.
   bool readUntil(String& text, char delimiter);
   /// Passes over everything up to and including the delimiter; false when the file has no more.

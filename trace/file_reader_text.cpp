@@ -73,6 +73,22 @@ bool FileReader::readLineAt(std::int32_t position, String& line) {
   return seek(position) && readLine(line);
 }
 
+bool FileReader::readLineAfter(std::string_view label, String& rest) {
+  std::size_t matched = 0;  // characters at the start of the line
+  for (std::int8_t character = 0; readInt8(character);) {
+    if (character == label[matched]) {
+      if (++matched < label.size()) continue;
+      // The rest is empty where the file ends right after the label.
+      if (!readLine(rest)) rest.clear();
+      return true;
+    }
+    matched = 0;
+    if (character != '\n' && !skipUntil('\n')) return false;
+    countLineFeed();
+  }
+  return false;
+}
+
 bool FileReader::readUntil(String& text, char delimiter) {
   if (hasEnded()) return false;
   text.clear();

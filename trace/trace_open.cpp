@@ -1,68 +1,73 @@
 #include <cstdlib>
 
-#include "foundation/scf_layout.h"
 #include "trace/abif_layout.h"
+#include "trace/abif_reader.h"
+#include "trace/scf_reader.h"
 #include "trace/trace_file.h"
 
 namespace Quillet {
 
 namespace {
 
-// Waits for the shell. What became of the command shows in the file it leaves, not in its status.
+/// Waits for the shell. The exit status is ignored: a failed unpack leaves an unreadable file.
 void runInShell(const Tessaly::String& command) {
   [[maybe_unused]] const int exitStatus = std::system(command.text());
 }
 
-// Deliberate: the names reach the shell as they are, unquoted.
+/// Deliberate: the names reach the shell as they are, unquoted.
 void unpack(const Tessaly::String& from, const Tessaly::String& to) {
   runInShell(Tessaly::String("gunzip -c -f ") + from + " > " + to);
 }
 
 void remove(const Tessaly::String& name) { runInShell(Tessaly::String("rm ") + name); }
 
+/// Reads the open file as what its first bytes say it is; the name's extension plays no part.
+TraceContent readContent(Tessaly::FileReader& file) {
+  constexpr std::int32_t magicSize = 4;
+  Tessaly::String magic;
+  file.readTextAt(0, magic, magicSize);
+  if (magic == ".scf") return readScf(file);
+  if (magic == "ABIF") return readAbif(file, 0);
+  file.readTextAt(AbifLayout::prefixSize + AbifLayout::headerMagic, magic, magicSize);
+  if (magic == "ABIF") return readAbif(file, AbifLayout::prefixSize);
+  return TraceContent(TraceFault::notATrace);
+}
+
 }  // namespace
 
 bool TraceFile::open(Tessaly::String& name) {
-  status_ = 0;
   Tessaly::String path = directory_ + name;
   bool compressed = name.endsWith(".gz");
   if (compressed) {
-    name.removeLast(3);  // found or not, shows in what comes out of it
+    name.removeLast(3);  // whether the file exists shows in what comes out of it
   } else if (!FileReader::open(path) && !exists(path)) {
     path.append(".gz");
     compressed = exists(path);
     if (!compressed) {
+      content_ = TraceContent(TraceFault::notFound);
       status_ = 1;
       return false;
     }
   }
 
-  // A file that does not open has no known first bytes.
   if (compressed) {
     const Tessaly::String packed = path;
     path = tempName();
     unpack(packed, path);
     FileReader::open(path);
   }
-  const bool read = readContent();
+  // A file that did not open reads as an empty one, which is no trace.
+  content_ = readContent(*this);
   close();
   if (compressed) remove(path);
 
-  status_ = read ? 0 : 2;
-  return read;
+  status_ = content_.fault == TraceFault::none ? 0 : 2;
+  return status_ == 0;
 }
 
-// The content alone decides: the extension of the name plays no part.
-bool TraceFile::readContent() {
-  constexpr std::int32_t magicSize = 4;
-  Tessaly::String magic;
-  readTextAt(ScfLayout::headerMagic, magic, magicSize);
-  if (magic == ".scf") return readScf();
-  static_assert(AbifLayout::headerMagic == ScfLayout::headerMagic);  // it is the text just read
-  if (magic == "ABIF") return readAbif(0);
-  readTextAt(AbifLayout::prefixSize + AbifLayout::headerMagic, magic, magicSize);
-  if (magic == "ABIF") return readAbif(AbifLayout::prefixSize);
-  return false;
+bool TraceFile::open(const char* name) {
+  Tessaly::String changed(name);
+  return open(changed);
 }
 
 }  // namespace Quillet

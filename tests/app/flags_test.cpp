@@ -121,6 +121,12 @@ TEST(Flags, OverwriteGivenTwiceIsAccepted) {
   EXPECT_TRUE(settings.overwrite);
 }
 
+TEST(Flags, NostripGivenTwiceIsAccepted) {
+  Settings settings;
+  applyFlags(settings, {"-s", "-s"}, "COMMAND LINE");
+  EXPECT_FALSE(settings.stripExtensions);
+}
+
 TEST(Flags, NothingTurnsStrippingOnAgain) {
   Settings settings;
   applyFlags(settings, {"-nostrip", "-nostrip", "-s"}, "COMMAND LINE");

@@ -9,6 +9,7 @@
 
 #include "tests/support/captured_stderr.h"
 #include "tests/support/environment.h"
+#include "tests/support/ordinary_user.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -164,6 +165,14 @@ TEST_F(ProjectPrepare, TheEndingIsComparedAsPlainText) {
   expectReport("no such file or directory: " + at("p/my_"));
 }
 
+TEST_F(ProjectPrepare, ARootThatIsTheEditDirectorysNameBecomesEmpty) {
+  makeProject("edit_dir");  // in the process's own directory, where a root "edit_dir/" would pass
+
+  prepareIn("edit_dir");
+
+  expectReport("no such file or directory: ");
+}
+
 TEST_F(ProjectPrepare, PathsAreKeptAsWritten) {
   settings_.dataDir = "..//./";
 
@@ -280,6 +289,25 @@ TEST_F(ProjectPrepare, APathThatCanNotBeWalkedIsReported) {
   prepareIn(at("p"));
 
   expectReport("could not access directory: " + at("p/loop/"));
+}
+
+TEST_F(ProjectPrepare, ADirectoryBelowAClosedOneIsDenied) {
+  folder_.makeFolder("closed/traces");
+  fs::permissions(folder_.path(), static_cast<fs::perms>(0755));
+  setMode("closed", 0);
+  settings_.chromatDir = at("closed/traces/");
+  bool ordinary = false;
+
+  {
+    const OrdinaryUser user;
+    ordinary = user.isOrdinary();
+    prepareIn(at("p"));
+  }
+
+  if (!ordinary) {
+    GTEST_SKIP() << "the superuser passes every permission test";
+  }
+  expectReport("permission denied " + at("closed/traces/"));
 }
 
 // The start time of the run.

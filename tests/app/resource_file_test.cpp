@@ -12,6 +12,7 @@
 
 namespace {
 
+using namespace std::string_literals;
 using Quillet::Settings;
 
 /// A user's environment: PWD is the folder "work", HOME is "home", TESSALY_PATH is not set.
@@ -233,6 +234,27 @@ TEST_F(ResourceFile, ADirectoryGetsATrailingSlashUnlessItHasOne) {
     readLines(row.line);
     EXPECT_EQ(settings_.polyDir, row.expected) << row.line;
   }
+}
+
+TEST_F(ResourceFile, AWordEndsAtItsFirstZeroByte) {
+  readLines("phddir\0x out\0x/\0\nflag -d\0 proj\0 -o\0o\nchromatdir traces/\0x\n"s);
+
+  EXPECT_EQ(complaint_, "");
+  EXPECT_EQ(settings_.phdDir, "out/");
+  EXPECT_EQ(settings_.dataDir, "proj/");
+  EXPECT_TRUE(settings_.overwrite);
+  EXPECT_EQ(settings_.chromatDir, "traces/");
+}
+
+TEST_F(ResourceFile, AWordThatBeginsWithAZeroByteIsAnEmptyWord) {
+  readLines("phddir \0out\n"s);
+
+  EXPECT_EQ(complaint_, "");
+  EXPECT_EQ(settings_.phdDir, "");
+
+  readLines("\0phddir out\n"s);
+
+  EXPECT_EQ(complaint_, inLine(1) + "invalid option: ");
 }
 
 TEST_F(ResourceFile, WordsAfterADirectoryAreIgnored) {

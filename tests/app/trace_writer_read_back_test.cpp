@@ -33,15 +33,14 @@ TEST(TraceWriter, WhatItWritesIsReadBackWithTheBytesOfEachSampleExchanged) {
 
   Quillet::TraceFile trace;
   ASSERT_TRUE(trace.open(name));
-  std::unique_ptr<std::uint16_t[]> read[4];
-  std::uint32_t count = 0;
-  trace.newChannels(read, count);
+  const Quillet::Channels& read = trace.content().channels;
 
-  ASSERT_EQ(count, 3u);
+  ASSERT_EQ(read.pointCount(), 3u);
   EXPECT_EQ(trace.baseCount(), 0u);
   for (std::size_t channel = 0; channel < 4; ++channel) {
     for (std::size_t i = 0; i < 3; ++i) {
-      EXPECT_EQ(read[channel][i], asRead(written[channel][i])) << channel << ", " << i;
+      EXPECT_EQ(read[static_cast<int>(channel)][i], asRead(written[channel][i]))
+          << channel << ", " << i;
     }
   }
   if (std::endian::native == std::endian::little) {

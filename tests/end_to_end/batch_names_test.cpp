@@ -104,6 +104,17 @@ TEST(BatchNames, AnExtensionAloneGivesAnEmptySampleName) {
   EXPECT_THAT(project.read("poly_dir/.poly"), StartsWith(" 1 1 1 1 1\nA 1 "));
 }
 
+TEST(BatchNames, AnExtensionWithAFinalBlankIsCutOff) {
+  const ProjectFolder project;
+  project.addTrace("x.ab1 ", anyTrace());
+
+  const ProgramResult result = project.run();
+
+  EXPECT_EQ(result.err, banner() + meterLines({0, 100}));
+  EXPECT_THAT(project.phd("x"), StartsWith(phdStart("x")));
+  EXPECT_THAT(project.poly("x"), StartsWith(polyStart("x")));
+}
+
 TEST(BatchNames, ABareGzKeepsItsNameButIsUnpacked) {
   const ProjectFolder project;
   project.addGzipped(".gz", anyTrace());
@@ -163,6 +174,16 @@ TEST(BatchNames, AnyWhiteSpaceSeparatesTheWordsOfTheListFile) {
   EXPECT_EQ(result.err, banner() + meterLines({0, 20, 40, 60, 80, 100}));
   EXPECT_THAT(project.entries("phd_dir"),
               ElementsAre("a.phd.1", "b.phd.1", "c.phd.1", "d.phd.1", "e.phd.1"));
+}
+
+TEST(BatchNames, AWordOfTheListFileThatBeginsWithANumberSignIsAName) {
+  const ProjectFolder project;
+  project.addTrace("#a.ab1", anyTrace());
+
+  const ProgramResult result = project.runList({"#a.ab1", "# b.ab1"});
+
+  EXPECT_EQ(result.err, banner() + meterLines({0, 50, 100}) + project.invalidTrace("#"));
+  EXPECT_THAT(project.entries("phd_dir"), ElementsAre("#a.phd.1"));
 }
 
 TEST(BatchNames, AreTakenInTheOrderOfTheListFile) {

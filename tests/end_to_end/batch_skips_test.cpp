@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
@@ -119,6 +120,20 @@ TEST(ExistingResult, MayBeADirectory) {
   EXPECT_EQ(result.err, banner() + meterLines({0, 100}));
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(project.entries("poly_dir"), IsEmpty());
+}
+
+// The link is followed, by the test and by the writer.
+TEST(ExistingResult, IsNotADanglingLink) {
+  const ProjectFolder project;
+  project.addTrace("x.ab1", anyTrace());
+  std::filesystem::create_symlink("elsewhere", project.at("phd_dir/x.phd.1").text());
+
+  const ProgramResult result = project.run();
+
+  EXPECT_EQ(result.err, banner() + meterLines({0, 100}));
+  EXPECT_EQ(project.phdBases("x"), anyBases);
+  EXPECT_TRUE(std::filesystem::is_symlink(project.at("phd_dir/x.phd.1").text()));
+  EXPECT_THAT(project.entries("phd_dir"), ElementsAre("elsewhere", "x.phd.1"));
 }
 
 TEST(ExistingResult, KeepsTheTraceFromBeingOpened) {

@@ -25,6 +25,13 @@ using Tessaly::String;
 // A handler of standard exceptions does not catch these.
 static_assert(!std::is_base_of_v<std::exception, Directory::Exception>);
 
+template <typename Kind, typename... Others>
+constexpr bool derivesFromNone = (... && (std::is_same_v<Kind, Others> ||
+                                          !std::is_base_of_v<Others, Kind>));
+template <typename... Kinds>
+constexpr bool areSeparateKinds = (... && (std::is_base_of_v<Directory::Exception, Kinds> &&
+                                           derivesFromNone<Kinds, Kinds...>));
+
 /// The exception that check() throws, as "<message> <path>"; empty when it throws none.
 std::string complaint(const String& path, bool mustBeReadable, bool mustBeWriteable) {
   try {
@@ -79,6 +86,16 @@ TEST(DirectoryCheck, ARegularFileIsNotADirectory) {
 
   EXPECT_TRUE(checkThrows<Directory::NotADirectory>(path, true, true));
   EXPECT_EQ(complaint(path, true, true), "not a directory " + textOf(path));
+}
+
+TEST(DirectoryCheck, ARegularFileOfMode0IsNotADirectoryBeforeItIsUnreadable) {
+  ScratchFolder folder;
+  const String path = folder.write("file", "x");
+  chmod(path.text(), 0);
+
+  EXPECT_TRUE(checkThrows<Directory::NotADirectory>(path, true, false));
+  EXPECT_TRUE(checkThrows<Directory::NotADirectory>(path, false, true));
+  EXPECT_TRUE(checkThrows<Directory::NotADirectory>(path, true, true));
 }
 
 TEST(DirectoryCheck, APathInsideAClosedDirectoryIsDenied) {
@@ -182,6 +199,14 @@ TEST(DirectoryCheck, TheExceptionKeepsItsOwnCopyOfThePath) {
   }
 
   EXPECT_EQ(kept, "nowhere/at/all");
+}
+
+// A handler of one kind catches that kind alone.
+TEST(DirectoryException, EveryKindIsAnExceptionAndNoneIsAnother) {
+  constexpr bool separate = areSeparateKinds<Directory::AccessError, Directory::NotFound,
+                                             Directory::NotADirectory, Directory::PermissionDenied,
+                                             Directory::NotReadable, Directory::NotWriteable>;
+  EXPECT_TRUE(separate);
 }
 
 TEST(DirectoryException, VirtualOperationsStandInTheirFixedOrder) {

@@ -170,6 +170,31 @@ TEST(StringNumbers, FifteenNinesRoundToOneAndTheNextExponent) {
   expectTexts({{99.99999999999999, "100"}, {9999999999999998, "1.e+16"}});
 }
 
+// Powers made by repeated multiplication are off in the 15th digit from 1e89 on.
+TEST(StringNumbers, EveryPowerOfTenHasOneDigit) {
+  for (int exponent = -307; exponent <= 308; ++exponent) {
+    if (exponent >= -6 && exponent <= 15) {
+      continue;  // fixed notation
+    }
+    const std::string magnitude = std::to_string(std::abs(exponent));
+    const double power = std::strtod(("1e" + std::to_string(exponent)).c_str(), nullptr);
+
+    EXPECT_EQ(String::textOf(power), ((exponent < 0 ? "1.e-" : "1.e+") +
+                                      std::string(magnitude.length() < 2 ? "0" : "") + magnitude)
+                                         .c_str());
+  }
+}
+
+// The double just below each of these powers is the power when rounded to 15 digits. Brought into
+// [1, 10) by a multiplication, it rounds to 10.
+TEST(StringNumbers, AMantissaThatRoundsTo10IsOneOfTheNextExponent) {
+  const auto justBelow = [](double value) { return std::nextafter(value, 0.0); };
+  expectTexts({{justBelow(1e-1), "0.1"},
+               {justBelow(1e-4), "0.0001"},
+               {justBelow(1e-17), "1.e-17"},
+               {-justBelow(1e-31), "-1.e-31"}});
+}
+
 TEST(StringNumbers, ExtremeDoublesKeepTheirDigits) {
   // 1.7976931348623157e308 and 2.2250738585072014e-308
   expectTexts({{Limits::max(), "1.79769313486232e+308"},

@@ -98,6 +98,20 @@ TEST(Vector, PreviousAfterTheLastElementIsOutOfRange) {
   EXPECT_EQ(vector.cursor(), 3);
 }
 
+TEST(Vector, AVectorJustAssignedCanNotBeWalkedBack) {
+  const Numbers source = numbers({1, 2, 3});
+  Numbers fromVector, fromVectorWithCopy, fromArray, fromValue;
+
+  fromVector.assign(source);
+  fromVectorWithCopy.assignAndCopy(source);
+  fromArray.assign(source.data(), 3);
+  fromValue.assign(7);
+
+  for (Numbers* vector : {&fromVector, &fromVectorWithCopy, &fromArray, &fromValue}) {
+    EXPECT_EQ(thrownText([&] { vector->previous(); }), rangeText);
+  }
+}
+
 TEST(Vector, ElementsByIndexMoveTheCursor) {
   Numbers vector = numbers({1, 2, 3});
 

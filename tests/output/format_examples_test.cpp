@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <gtest/gtest.h>
@@ -26,12 +27,11 @@ using Channel = std::vector<Stretch>;
 
 std::string polyFile(std::uint32_t pointCount, const std::array<Channel, 4>& channels,
                      const char* baseText, const std::vector<std::int32_t>& peaks) {
-  std::array<std::vector<std::uint16_t>, 4> samples;
-  for (std::size_t channel = 0; channel < 4; ++channel) {
-    samples[channel].resize(pointCount);
-    for (const Stretch& stretch : channels[channel]) {
-      std::size_t index = stretch.firstIndex;
-      for (const std::uint16_t sample : stretch.samples) samples[channel].at(index++) = sample;
+  Quillet::Channels samples(pointCount);
+  for (int channel = 0; channel < 4; ++channel) {
+    std::ranges::fill(samples[channel], std::uint16_t{0});
+    for (const Stretch& stretch : channels[static_cast<std::size_t>(channel)]) {
+      std::ranges::copy(stretch.samples, samples[channel].subspan(stretch.firstIndex).begin());
     }
   }
 
@@ -39,9 +39,10 @@ std::string polyFile(std::uint32_t pointCount, const std::array<Channel, 4>& cha
   const String bases(baseText);
   Quillet::PolyPeaks found;
   Tessaly::FileWriter writer;
-  found.compute({samples[0].data(), samples[1].data(), samples[2].data(), samples[3].data()},
-                pointCount, bases, peaks.data());
-  Quillet::writePolyFile(writer, folder.at("demo.poly"), "demo", bases, peaks.data(), found);
+  found.compute({samples, bases, peaks.data()});
+  Quillet::writePolyFile(
+      writer, folder.at("demo.poly"),
+      {.sampleName = "demo", .bases = bases, .peaks = peaks.data(), .found = found});
   return folder.read("demo.poly");
 }
 

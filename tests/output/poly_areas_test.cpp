@@ -1,10 +1,12 @@
+#include <algorithm>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <vector>
 
-#include "output/poly_peaks.h"
+#include "output/poly_stages.h"
+#include "tests/output/poly_arrays.h"
 
 namespace {
 
@@ -19,12 +21,13 @@ constexpr float unitAverage = 16384;
 std::vector<std::int32_t> normalise(const std::vector<std::uint16_t>& samples, float average,
                                     const std::vector<std::int32_t>& peakPos,
                                     const std::vector<std::uint32_t>& peakAmp) {
-  std::vector<std::int32_t> normAmp(peakPos.size(), -99);
+  Quillet::ChannelPeaks peaks = dirtyPeaks(peakPos.size());
+  std::ranges::copy(peakPos, peaks.positions.get());
+  std::ranges::copy(peakAmp, peaks.heights.get());
   std::vector<std::uint64_t> zeros(Quillet::zeroWordCount(samples.size()), 0x5A5A);
-  Quillet::normaliseAreas(samples.data(), static_cast<std::uint32_t>(samples.size()), average,
-                          peakPos.data(), peakAmp.data(), static_cast<std::int32_t>(peakPos.size()),
-                          zeros.data(), normAmp.data());
-  return normAmp;
+  Quillet::normaliseAreas(samples, average, static_cast<std::int32_t>(peakPos.size()), zeros.data(),
+                          peaks);
+  return vectorOf(peaks.normalisedHeights, peakPos.size());
 }
 
 TEST(TruncateToInt32, DropsTheFractionAndGivesTheSmallestIntegerForWhatDoesNotFit) {

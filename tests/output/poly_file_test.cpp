@@ -9,21 +9,25 @@
 #include "output/file_writer.h"
 #include "output/poly_peaks.h"
 #include "tests/output/plain_poly.h"
+#include "tests/output/poly_arrays.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
 
 std::string written(const std::string& sampleName, PolyInput& input) {
   ScratchFolder folder;
-  auto& c = input.channels;
   Quillet::PolyPeaks found;
   Tessaly::FileWriter writer;
   const Tessaly::String bases(input.bases.c_str());
 
-  found.compute({c[0].data(), c[1].data(), c[2].data(), c[3].data()},
-                static_cast<std::uint32_t>(input.pointCount()), bases, input.peaks.data());
-  Quillet::writePolyFile(writer, folder.at("s.poly"), sampleName.c_str(), bases, input.peaks.data(),
-                         found);
+  Quillet::Channels channels = channelsOf(input);
+  found.compute({channels, bases, input.peaks.data()});
+  copyBack(channels, input);
+  Quillet::writePolyFile(writer, folder.at("s.poly"),
+                         {.sampleName = sampleName.c_str(),
+                          .bases = bases,
+                          .peaks = input.peaks.data(),
+                          .found = found});
   return folder.read("s.poly");
 }
 

@@ -6,31 +6,14 @@
 #include <random>
 #include <vector>
 
+#include "output/poly_stages.h"
 #include "tests/output/plain_poly.h"
+#include "tests/output/poly_arrays.h"
 
 namespace {
 
 using ::testing::Each;
 using ::testing::ElementsAre;
-
-PolyResult computeWith(Quillet::PolyPeaks& polyPeaks, PolyInput& input) {
-  auto& c = input.channels;
-  polyPeaks.compute({c[0].data(), c[1].data(), c[2].data(), c[3].data()},
-                    static_cast<std::uint32_t>(input.pointCount()), input.bases.c_str(),
-                    input.bases.empty() ? nullptr : input.peaks.data());
-
-  const std::size_t n = input.bases.size();
-  PolyResult result;
-  for (int channel = 0; channel < 4; ++channel) {
-    const auto at = static_cast<std::size_t>(channel);
-    result.peakPos[at].assign(polyPeaks.peakPos(channel), polyPeaks.peakPos(channel) + n);
-    result.peakAmp[at].assign(polyPeaks.peakAmp(channel), polyPeaks.peakAmp(channel) + n);
-    result.normAmp[at].assign(polyPeaks.normAmp(channel), polyPeaks.normAmp(channel) + n);
-  }
-  result.secondBase.assign(polyPeaks.secondBase(), n);
-  result.secondPos.assign(polyPeaks.secondPos(), polyPeaks.secondPos() + n);
-  return result;
-}
 
 PolyResult compute(PolyInput& input) {
   Quillet::PolyPeaks polyPeaks;
@@ -83,16 +66,18 @@ TEST(ChooseSecondPeaks, TheHighestOtherChannelWinsAndTheFirstOfEqualOnes) {
       {'C', {65534, 65535, 65533, 65535}, 'T', 4},
   };
   for (const Case& c : cases) {
-    const std::int32_t positions[4] = {1, 2, 3, 4};
-    char secondBase = '?';
-    std::int32_t secondPos = -99;
+    Quillet::PeakTable peaks;
+    for (std::size_t channel = 0; channel < 4; ++channel) {
+      peaks[channel] = dirtyPeaks(1);
+      peaks[channel].positions[0] = static_cast<std::int32_t>(channel) + 1;
+      peaks[channel].heights[0] = c.heights[channel];
+    }
+    Quillet::SecondPeaks second{dirtyArray<char>(1), dirtyArray<std::int32_t>(1)};
 
-    Quillet::chooseSecondPeaks(
-        Tessaly::String(c.base), {positions, positions + 1, positions + 2, positions + 3},
-        {&c.heights[0], &c.heights[1], &c.heights[2], &c.heights[3]}, &secondBase, &secondPos);
+    Quillet::chooseSecondPeaks(Tessaly::String(c.base), peaks, second);
 
-    EXPECT_EQ(secondBase, c.second) << c.base << ' ' << c.heights[0];
-    EXPECT_EQ(secondPos, c.position) << c.base << ' ' << c.heights[0];
+    EXPECT_EQ(second.bases[0], c.second) << c.base << ' ' << c.heights[0];
+    EXPECT_EQ(second.positions[0], c.position) << c.base << ' ' << c.heights[0];
   }
 }
 
@@ -221,7 +206,7 @@ TEST(PolyPeaks, AgreesWithThePlainComputationWhenThePeaksAreNotThoseOfTheTrace) 
   }
 }
 
-TEST(PolyPeaks, ATraceFarTooLongLeavesTheObjectAsGoodAsNew) {
+TEST(PolyPeaks, AReleasedLongTraceLeavesTheObjectAsGoodAsNew) {
   std::mt19937 random(18);
   const PolyInput longTrace = randomTrace(random, (std::size_t{1} << 18) + 1);
   const PolyInput shortTrace = randomTrace(random, 2000);
@@ -231,6 +216,42 @@ TEST(PolyPeaks, ATraceFarTooLongLeavesTheObjectAsGoodAsNew) {
     PolyInput reused = *trace;
     PolyInput fresh = *trace;
     EXPECT_TRUE(computeWith(polyPeaks, reused) == compute(fresh));
+    polyPeaks.releaseLongTrace();
+  }
+}
+
+PolyInput levelTrace(std::size_t pointCount, std::size_t baseCount) {
+  PolyInput input;
+  for (auto& channel : input.channels) channel.assign(pointCount, 1);
+  input.bases.assign(baseCount, 'N');
+  input.peaks.assign(baseCount + 1, 0);
+  return input;
+}
+
+TEST(PolyPeaks, OnlyALongTraceIsReleasedWithAllItsArrays) {
+  struct Case {
+    std::size_t pointCount;
+    std::size_t baseCount;
+    bool isReleased;
+  };
+  const Case cases[] = {
+      {std::size_t{1} << 18, std::size_t{1} << 15, false},
+      {(std::size_t{1} << 18) + 1, 10, true},
+      {10, (std::size_t{1} << 15) + 1, true},
+  };
+  for (const Case& c : cases) {
+    PolyInput input = levelTrace(c.pointCount, c.baseCount);
+    Quillet::PolyPeaks polyPeaks;
+    computeWith(polyPeaks, input);
+
+    polyPeaks.releaseLongTrace();
+
+    for (int channel = 0; channel < 4; ++channel) {
+      EXPECT_EQ(polyPeaks.channel(channel).positions == nullptr, c.isReleased);
+      EXPECT_EQ(polyPeaks.channel(channel).heights == nullptr, c.isReleased);
+      EXPECT_EQ(polyPeaks.channel(channel).normalisedHeights == nullptr, c.isReleased);
+    }
+    EXPECT_EQ(polyPeaks.secondPeaks().bases == nullptr, c.isReleased);
   }
 }
 

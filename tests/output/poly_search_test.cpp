@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "output/poly_peaks.h"
+#include "output/poly_stages.h"
 #include "tests/output/plain_poly.h"
+#include "tests/output/poly_arrays.h"
 
 namespace {
 
@@ -20,21 +21,19 @@ constexpr std::int32_t largestInteger = std::numeric_limits<std::int32_t>::max()
 constexpr std::int32_t smallestInteger = std::numeric_limits<std::int32_t>::min();
 
 PolyResult search(PolyInput& input) {
-  auto& c = input.channels;
-  std::vector<std::int16_t> maxima(4 * c[0].size(), 0x5BCD);
+  Quillet::Channels channels = channelsOf(input);
+  const Tessaly::String bases = basesOf(input);
+  std::vector<std::int16_t> maxima(4 * input.channels[0].size(), 0x5BCD);
+  Quillet::PeakTable peaks;
+  for (Quillet::ChannelPeaks& channel : peaks) channel = dirtyPeaks(input.bases.size());
+
+  Quillet::findPeaks({channels, bases, input.peaks.data()}, maxima.data(), peaks);
+
   PolyResult result;
   for (std::size_t channel = 0; channel < 4; ++channel) {
-    result.peakPos[channel].assign(input.bases.size(), -99);
-    result.peakAmp[channel].assign(input.bases.size(), 99);
+    result.peakPos[channel] = vectorOf(peaks[channel].positions, input.bases.size());
+    result.peakAmp[channel] = vectorOf(peaks[channel].heights, input.bases.size());
   }
-  auto& pos = result.peakPos;
-  auto& amp = result.peakAmp;
-  std::uint16_t* const channels[4]{c[0].data(), c[1].data(), c[2].data(), c[3].data()};
-  const Tessaly::String bases(input.bases.c_str());
-  Quillet::findPeaks(
-      {channels, static_cast<std::uint32_t>(input.pointCount()), bases, input.peaks.data()},
-      maxima.data(), {pos[0].data(), pos[1].data(), pos[2].data(), pos[3].data()},
-      {amp[0].data(), amp[1].data(), amp[2].data(), amp[3].data()});
   return result;
 }
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t longestLine = 2 + Tessaly::longestDecimal;
+constexpr std::size_t longestLine = 2 + Quillet::longestDecimal;
 
 /// A file of `count` lines, each a letter and the line's number times `factor`.
 std::string written(std::int32_t count, std::int32_t factor) {

@@ -259,6 +259,32 @@ TEST(AbifReaderLimits, ALargeClaimAfterAFailedMoveCountsFromWhereTheReaderStands
   EXPECT_FALSE(openBytesOfSize(calls.build(), 3 * std::uintmax_t{count} - 1).read);
 }
 
+TEST(AbifReaderLimits, ALargeClaimAfterAFailedMoveToTheBasesFollowsTheLastChannel) {
+  // The last channel's 12 samples stand so far back that the bases after them need the most room.
+  const std::uint32_t count = claimLimit + 1;
+  const std::uint32_t lastChannel = 4 * count;
+  AbifBuilder calls = withCallCounts(count);
+  calls.dataOffset("DATA", 12, lastChannel)
+      .dataOffset("PBAS", 1, 0x80000000)
+      .dataOffset("PCON", 1, 0)
+      .dataOffset("PLOC", 1, 0);
+  const std::uintmax_t needed = std::uintmax_t{lastChannel} + 2 * 12 + count;
+
+  EXPECT_TRUE(openBytesOfSize(calls.build(), needed).read);
+  EXPECT_FALSE(openBytesOfSize(calls.build(), needed - 1).read);
+}
+
+TEST(AbifReaderLimits, ALargeClaimAfterAFailedMoveToTheQualitiesFollowsTheBases) {
+  const std::uint32_t count = claimLimit + 1;
+  const std::uint32_t bases = 4 * count;
+  AbifBuilder calls = withCallCounts(count);
+  calls.dataOffset("PBAS", 1, bases).dataOffset("PCON", 1, 0x80000000).dataOffset("PLOC", 1, 0);
+  const std::uintmax_t needed = std::uintmax_t{bases} + 2 * std::uintmax_t{count};
+
+  EXPECT_TRUE(openBytesOfSize(calls.build(), needed).read);
+  EXPECT_FALSE(openBytesOfSize(calls.build(), needed - 1).read);
+}
+
 TEST(AbifReaderLimits, AnEndlessDirectoryEndsWithTheFile) {
   using Clock = std::chrono::steady_clock;
   for (const std::uint16_t stride : std::initializer_list<std::uint16_t>{0, 1, 28, 65535}) {

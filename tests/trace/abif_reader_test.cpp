@@ -89,6 +89,17 @@ TEST(AbifReader, ABrokenBaseOrderFails) {
   EXPECT_FALSE(openBytes(AbifBuilder().without("FWO_", 1).entry("FWO_", 2, "GATC").build()).read);
 }
 
+// The entry holds all four letters whatever it says.
+TEST(AbifReader, ABaseOrderOfAnotherDataSizeThan4IsIgnored) {
+  for (const std::uint32_t size : {0u, 1u, 2u, 3u, 5u, 0xFFFFFFFFu}) {
+    const AbifBuilder alone = AbifBuilder().dataSize("FWO_", 1, size);
+    const AbifBuilder later = AbifBuilder().entry("FWO_", 1, "CATG").dataSize("FWO_", 1, size);
+
+    EXPECT_FALSE(openBytes(alone.build()).read) << size;
+    EXPECT_EQ(openBytes(later.build()).g, risingFrom(300)) << size;
+  }
+}
+
 TEST(AbifReader, ABaseOrderNamingOneLetterTwiceFillsThatChannelTwiceAndLeavesTheMissingOneZero) {
   // "DATA" 9 rises from 500 and "DATA" 11 from 700. Both are G; the later one is kept.
   const OpenedTrace opened = openBytes(AbifBuilder().baseOrder("GAGC").build());
@@ -112,6 +123,22 @@ TEST(AbifReader, AfterAPrefixDirectoryAndChannelsAreRelativeAndCallsAreNot) {
   EXPECT_EQ(opened.qualities, bytes({40, 40, 40, 40, 40}));
   EXPECT_EQ(opened.peaks, (Peaks{1, 4, 7, 10, 13, 12}));
   EXPECT_EQ(opened.callerName, "built.bcp");
+}
+
+TEST(AbifReader, AfterAPrefixTheLastOccurrenceOfAChannelWins) {
+  AbifBuilder builder;
+  builder.prefix(128).baseOrder("ACGT");
+  for (int number = 9; number <= 12; ++number) {  // each: twelve samples with its number
+    builder.entry("DATA", static_cast<std::uint32_t>(number), bytes(std::vector<int>(24, number)),
+                  2);
+  }
+
+  const OpenedTrace opened = openBytes(builder.build());
+
+  EXPECT_EQ(opened.a, Samples(12, 0x0909));
+  EXPECT_EQ(opened.c, Samples(12, 0x0A0A));
+  EXPECT_EQ(opened.g, Samples(12, 0x0B0B));
+  EXPECT_EQ(opened.t, Samples(12, 0x0C0C));
 }
 
 TEST(AbifReader, AfterAPrefixOffset0IsThePrefixForCallsAndTheMagicForChannels) {
@@ -302,8 +329,8 @@ TEST(AbifReader, TheCallerNameIsAsLongAsItsCountSaysWithoutTheLengthByte) {
   EXPECT_EQ(openBytes(AbifBuilder().callerName("ab\0cd"s).build()).callerName, "ab\0cd"s);
 }
 
-TEST(AbifReader, ACallerNameCountOf0Or1GivesAnEmptyName) {
-  for (const std::uint32_t count : {0u, 1u}) {
+TEST(AbifReader, ACallerNameCountOf0Or1OrMoreThan2147483648GivesAnEmptyName) {
+  for (const std::uint32_t count : {0u, 1u, 0x80000001u, 0xFFFFFFFFu}) {
     const OpenedTrace opened = openBytes(AbifBuilder().count("SPAC", 2, count).build());
 
     EXPECT_TRUE(opened.read) << count;
@@ -323,7 +350,7 @@ TEST(AbifReader, WithoutSpac2TheCallerNameIsEmpty) {
 
 TEST(AbifReader, ACallerNameLongerThanTheFileEndsWithTheFile) {
   // The directory comes first, so the file ends with the ten bytes of the name.
-  for (const std::uint32_t count : {11u, 1000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+  for (const std::uint32_t count : {11u, 1000u, 0x7FFFFFFFu, 0x80000000u}) {
     const std::string content = AbifBuilder().directoryFirst().count("SPAC", 2, count).build();
 
     EXPECT_EQ(openBytes(content).callerName, "built.bcp") << count;

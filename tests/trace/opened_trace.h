@@ -31,6 +31,8 @@ inline Samples risingFrom(std::uint16_t first, std::size_t count = 12) {
 struct OpenedTrace {
   bool read = false;
   std::int32_t status = -1;
+  Quillet::TraceFault fault = Quillet::TraceFault::none;
+  std::int32_t lineCount = -1;
   // The rest is set only when the trace was read.
   std::uint32_t pointCount = 0;
   std::uint32_t baseCount = 0;
@@ -42,13 +44,13 @@ struct OpenedTrace {
 };
 
 inline void takeData(const Quillet::TraceFile& trace, OpenedTrace& opened) {
-  std::unique_ptr<std::uint16_t[]> channels[4];
+  std::unique_ptr<std::uint16_t[]> a, c, g, t;
   std::uint32_t count = 0;
-  trace.newChannels(channels, count);
-  Samples* const samples[] = {&opened.a, &opened.c, &opened.g, &opened.t};
-  for (std::size_t i = 0; i < 4; ++i) {
-    samples[i]->assign(channels[i].get(), channels[i].get() + count);
-  }
+  trace.newChannels(a, c, g, t, count);
+  opened.a.assign(a.get(), a.get() + count);
+  opened.c.assign(c.get(), c.get() + count);
+  opened.g.assign(g.get(), g.get() + count);
+  opened.t.assign(t.get(), t.get() + count);
 
   Tessaly::String bases, qualities;
   Tessaly::Vector<std::int32_t> peaks;
@@ -67,6 +69,8 @@ inline OpenedTrace openPath(Tessaly::String path) {
   OpenedTrace opened;
   opened.read = trace.open(path);
   opened.status = trace.status();
+  opened.fault = trace.fault();
+  opened.lineCount = trace.lineCount();
   if (opened.read) takeData(trace, opened);
   return opened;
 }

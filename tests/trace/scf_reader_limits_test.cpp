@@ -16,6 +16,7 @@ constexpr std::uint32_t claimLimit = 4'194'304;
 // Header fields, as bytes from the start of the file.
 constexpr std::size_t sampleCount = 4;
 constexpr std::size_t samplesOffset = 8;
+constexpr std::size_t sampleSizeField = 40;
 constexpr std::size_t baseCount = 12;
 constexpr std::size_t basesOffset = 24;
 constexpr std::size_t commentsOffset = 32;
@@ -176,17 +177,39 @@ TEST(ScfReaderLimits, AFileCutAnywhereGivesWhatItHoldsAndZeros) {
   }
 }
 
-TEST(ScfReaderLimits, AVersionThatIsNotThereIsVersion2) {
-  // The samples start at byte 4 of the header: 0, 2, 0, 4 and 0, 4, 0, 0. In the version 3 layout A
-  // would be 0, 2.
-  const std::string content = ScfBuilder().header(sampleCount, 2).header(samplesOffset, 4).build();
+TEST(ScfReaderLimits, TheFirstCharacterOfTheVersionDecidesWhereTheFileHoldsIt) {
+  // The samples start at byte 4 of the header: 0, 2, 0, 4 and 0, 4, 0, 0 in the version 2 layout.
+  // In the version 3 layout A is 0, 2 and C is 0, 4.
+  const std::string content =
+      ScfBuilder().version("3.00").header(sampleCount, 2).header(samplesOffset, 4).build();
 
-  for (const std::size_t size : std::initializer_list<std::size_t>{36, 39}) {
+  const OpenedTrace without = openBytes(content.substr(0, 36));
+  EXPECT_EQ(without.a, (Samples{0, 0}));
+  EXPECT_EQ(without.c, (Samples{2, 4}));
+  EXPECT_EQ(without.t, (Samples{4, 0}));
+  for (const std::size_t size : std::initializer_list<std::size_t>{37, 38, 39}) {
     const OpenedTrace opened = openBytes(content.substr(0, size));
-    EXPECT_EQ(opened.a, (Samples{0, 0})) << size;
-    EXPECT_EQ(opened.c, (Samples{2, 4})) << size;
-    EXPECT_EQ(opened.t, (Samples{4, 0})) << size;
+    EXPECT_EQ(opened.a, (Samples{0, 2})) << size;
+    EXPECT_EQ(opened.c, (Samples{0, 4})) << size;
   }
+}
+
+TEST(ScfReaderLimits, AnIncompleteSampleSizeStaysUnread) {
+  // The samples offset is no position: reading goes on after the last complete header field.
+  const std::string content = ScfBuilder()
+                                  .header(sampleCount, 1)
+                                  .header(samplesOffset, 0x80000000)
+                                  .header(sampleSizeField, 0x01020304)
+                                  .build();
+
+  for (const std::size_t size : std::initializer_list<std::size_t>{42, 43}) {
+    const OpenedTrace opened = openBytes(content.substr(0, size));
+    EXPECT_EQ(opened.a, (Samples{0x0102})) << size;
+    EXPECT_EQ(opened.c, (Samples{0})) << size;
+  }
+  // A whole one is read, and the samples start after it.
+  const OpenedTrace whole = openBytes(content.substr(0, 44) + "\5\6");
+  EXPECT_EQ(whole.a, (Samples{0x0506}));
 }
 
 TEST(ScfReaderLimits, ALargeClaimThatTheFileDoesNotHoldFails) {

@@ -253,6 +253,19 @@ TEST(ScfReader, CommentsWithoutABcalLineLeaveTheCallerNameEmpty) {
   }
 }
 
+TEST(ScfReader, LineFeedsAreCountedUpToTheLineThatNamesTheCaller) {
+  struct Case {
+    std::string comments;
+    std::int32_t lineCount;
+  };
+  for (const Case& one : {Case{"BCAL=one\nBCAL=two\n", 1},
+                          Case{"\n\nNAME=x\nBCAL=one\nMACH=y\n", 4}, Case{"NAME=x\nBCAL=one", 1},
+                          Case{"NAME=x\n\nMACH=y\n", 3}, Case{"BCA\nBCAL", 1}, Case{"", 0}}) {
+    EXPECT_EQ(openBytes(ScfBuilder().comments(one.comments).build()).lineCount, one.lineCount)
+        << one.comments;
+  }
+}
+
 TEST(ScfReader, TheSearchForTheCallerStartsAtTheComments) {
   // The unused part of the header holds a line "BCAL=no".
   ScfBuilder builder;

@@ -99,49 +99,63 @@ TEST(TraceFile, CopyChannelsCopiesAllFour) {
 
 TEST(TraceFile, NewChannelsGivesCopiesToOwn) {
   const ReadTrace trace((AbifBuilder()));
-  std::unique_ptr<std::uint16_t[]> channels[4];
+  std::unique_ptr<std::uint16_t[]> a, c, g, t;
   std::uint32_t count = 0;
 
-  trace->newChannels(channels, count);
-  for (auto& channel : channels) std::fill_n(channel.get(), count, std::uint16_t{9});
+  trace->newChannels(a, c, g, t, count);
 
-  EXPECT_EQ(count, 12u);
+  ASSERT_EQ(count, 12u);
+  EXPECT_EQ(Samples(a.get(), a.get() + count), risingFrom(100));
+  EXPECT_EQ(Samples(c.get(), c.get() + count), risingFrom(200));
+  EXPECT_EQ(Samples(g.get(), g.get() + count), risingFrom(300));
+  EXPECT_EQ(Samples(t.get(), t.get() + count), risingFrom(400));
+  std::fill_n(a.get(), count, std::uint16_t{9});
   Samples kept(12);
   trace->copyChannel(kept.data(), 0);
   EXPECT_EQ(kept, risingFrom(100));
 }
 
-TEST(TraceFile, ReleaseChannelsGivesTheChannelsThemselvesInTheOrderACGT) {
-  ReadTrace trace((AbifBuilder()));
-  std::unique_ptr<std::uint16_t[]> channels[4];
-  std::uint32_t count = 0;
+TEST(TraceFile, TheContentIsHandedOverWholeAndLeavesAnEmptyTrace) {
+  ReadTrace trace(AbifBuilder().bases("ACGT").qualities({20, 0, 40, 250}).peaks({1, 4, 7, 10}));
 
-  trace->releaseChannels(channels, count);
+  const Quillet::TraceContent content = trace->takeContent();
 
-  ASSERT_EQ(count, 12u);
-  for (std::uint16_t index = 0; index < 4; ++index) {
-    const Samples samples(channels[index].get(), channels[index].get() + count);
-    EXPECT_EQ(samples, risingFrom(static_cast<std::uint16_t>(100 * (index + 1)))) << index;
+  ASSERT_EQ(content.channels.pointCount(), 12u);
+  for (int channel = 0; channel < 4; ++channel) {
+    const auto samples = content.channels[channel];
+    EXPECT_EQ(Samples(samples.begin(), samples.end()),
+              risingFrom(static_cast<std::uint16_t>(100 * (channel + 1))));
   }
-}
-
-TEST(TraceFile, ATraceWhoseChannelsAreReleasedHasNoSamplesAndKeepsItsCalls) {
-  ReadTrace trace(AbifBuilder().bases("ACGT").qualities({20, 30, 40, 50}).peaks({1, 4, 7, 10}));
-  std::unique_ptr<std::uint16_t[]> channels[4];
-  std::uint32_t count = 0;
-
-  trace->releaseChannels(channels, count);
-
-  Held calls;
-  EXPECT_TRUE(trace->getBaseCalls(calls.bases, calls.qualities, calls.peaks));
-  EXPECT_EQ(calls.bases, "ACGT");
-  EXPECT_EQ(calls.peakValues(), (Peaks{1, 4, 7, 10, 12}));
+  ASSERT_EQ(content.calls.count, 4u);
   EXPECT_EQ(trace->pointCount(), 0u);
+  EXPECT_EQ(trace->baseCount(), 0u);
   Samples copy(1, 9);
   trace->copyChannel(copy.data(), 0);
   EXPECT_EQ(copy, Samples(1, 9));
-  trace->releaseChannels(channels, count);  // once more: none are left
-  EXPECT_EQ(count, 0u);
+}
+
+TEST(TraceFile, TheContentHasTheCallsUntruncated) {
+  using namespace std::string_literals;
+  const ReadTrace trace(
+      AbifBuilder().bases("AC\0T"s).qualities({20, 0, 40, 250}).peaks({1, 4, 7, 10}));
+  const Quillet::BaseCalls& calls = trace->content().calls;
+
+  ASSERT_EQ(calls.count, 4u);
+  EXPECT_EQ(std::string(calls.bases.get(), 4), "AC\0T"s);
+  EXPECT_EQ(std::vector<int>(calls.qualities.get(), calls.qualities.get() + 4),
+            (std::vector<int>{20, 0, 40, 250}));
+  EXPECT_EQ(std::vector<std::uint32_t>(calls.peaks.get(), calls.peaks.get() + 5),
+            (std::vector<std::uint32_t>{1, 4, 7, 10, 12}));
+}
+
+TEST(TraceFile, OpensANameThatStaysAsItIs) {
+  const ScratchFolder folder;
+  const Tessaly::String path = folder.write("s.ab1", AbifBuilder().build());
+  Quillet::TraceFile trace;
+
+  EXPECT_TRUE(trace.open(path.text()));
+
+  EXPECT_EQ(trace.pointCount(), 12u);
 }
 
 TEST(TraceFile, BaseCallsReplaceWhatTheCallerHeld) {

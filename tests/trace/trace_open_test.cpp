@@ -99,6 +99,20 @@ TEST(TraceOpen, ANameFoundThroughAnAppendedGzIsUnpackedAndStaysAsItIs) {
   EXPECT_EQ(namesIn(folder), Names{"one.ab1.gz"});
 }
 
+TEST(TraceOpen, AGzIsAlsoAppendedToANameInADirectory) {
+  const ScratchFolder folder;
+  writePacked(folder, "traces/one.ab1", AbifBuilder().build());
+  Tessaly::String name("one.ab1");
+  Quillet::TraceFile trace;
+  trace.setDirectory("traces");
+
+  const bool read = trace.open(name);
+
+  EXPECT_TRUE(read);
+  EXPECT_EQ(name, "one.ab1");
+  EXPECT_EQ(trace.baseCount(), 4u);
+}
+
 TEST(TraceOpen, ThePlainFileIsPreferredToThePackedOne) {
   const ScratchFolder folder;
   const Tessaly::String path = writePacked(folder, "one", AbifBuilder().bases("AAAAA").build());
@@ -241,6 +255,24 @@ TEST(TraceOpen, WhatBeginsLikeNoTraceGivesStatus2) {
 
     EXPECT_FALSE(opened.read) << content.substr(0, 8) << " of " << content.size();
     EXPECT_EQ(opened.status, 2);
+  }
+}
+
+TEST(TraceOpen, AMagicThatDiffersInOneCharacterGivesStatus2) {
+  const struct {
+    std::string trace;
+    std::size_t magic;  // its position
+  } cases[] = {{AbifBuilder().build(), 0},
+               {ScfBuilder().build(), 0},
+               {AbifBuilder().prefix(128).build(), 128}};
+  for (const auto& row : cases) {
+    ASSERT_TRUE(openBytes(row.trace).read);
+    for (std::size_t place = row.magic; place < row.magic + 4; ++place) {
+      std::string other = row.trace;
+      other[place] = static_cast<char>(other[place] + 1);
+
+      EXPECT_EQ(openBytes(other).status, 2) << other.substr(row.magic, 4);
+    }
   }
 }
 

@@ -1,4 +1,4 @@
-#include "foundation/decimal.h"
+#include "output/decimal.h"
 
 #include <array>
 #include <cstdint>
@@ -10,10 +10,10 @@
 namespace {
 
 using Put = char* (*)(char* text, std::int32_t value);
-constexpr Put puts[] = {Tessaly::putDecimal, Tessaly::putShortDecimal};
+constexpr Put puts[] = {Quillet::putDecimal, Quillet::putShortDecimal};
 
 std::string textOf(Put put, std::int32_t value) {
-  std::array<char, Tessaly::longestDecimal> bytes{};
+  std::array<char, Quillet::longestDecimal> bytes{};
   return {bytes.data(), put(bytes.data(), value)};
 }
 
@@ -78,7 +78,7 @@ TEST(Decimal, NumbersOfEveryLengthAreRight) {
 TEST(Decimal, ABlankFollowsTheText) {
   for (const Put put : puts) {
     for (const std::int32_t value : {0, 9, 10, 12345, 123456, 99999999, 100000000, -1}) {
-      std::string bytes(Tessaly::longestDecimal, '#');
+      std::string bytes(Quillet::longestDecimal, '#');
 
       EXPECT_EQ(*put(bytes.data(), value), ' ') << value;
     }
@@ -88,11 +88,11 @@ TEST(Decimal, ABlankFollowsTheText) {
 TEST(Decimal, NoByteAfterTheLongestTextIsTouched) {
   for (const Put put : puts) {
     for (const std::int32_t value : {0, 12345, 99999999, 2147483647, -2147483647}) {
-      std::string bytes(Tessaly::longestDecimal + 4, '#');
+      std::string bytes(Quillet::longestDecimal + 4, '#');
 
       put(bytes.data(), value);
 
-      EXPECT_EQ(bytes.substr(Tessaly::longestDecimal), "####") << value;
+      EXPECT_EQ(bytes.substr(Quillet::longestDecimal), "####") << value;
     }
   }
 }

@@ -6,7 +6,7 @@
 
 #include "foundation/string.h"
 
-namespace Tessaly {
+namespace Quillet {
 
 // The decimal text of numbers, as fast as result files want it: they hold little else. Digits come
 // from tables, in groups of three, three and two. Hardly a jump hangs on how many there are, since
@@ -17,7 +17,7 @@ namespace Tessaly {
 // second half of that group's table. An empty group passes the mark on.
 
 /// Bytes that putDecimal() and putShortDecimal() may touch: the longest text and a blank.
-inline constexpr std::int32_t longestDecimal = String::integerTextSize + 1;
+inline constexpr std::int32_t longestDecimal = Tessaly::String::integerTextSize + 1;
 
 /// Characters that stand together in one word, so that all are copied at once.
 struct DigitText {
@@ -78,7 +78,7 @@ inline char* putLastFive(char* text, std::uint32_t number) {
 inline char* putDecimal(char* text, std::int32_t value) {
   const auto number = static_cast<std::uint32_t>(value);  // of a negative value, a large one
   if (number >= 100'000'000) [[unlikely]] {
-    text += String::writeInteger(value, text);
+    text += Tessaly::String::writeInteger(value, text);
     *text = ' ';
     return text;
   }
@@ -96,4 +96,4 @@ inline char* putShortDecimal(char* text, std::int32_t value) {
   return putLastFive(text, 100'000 + number);
 }
 
-}  // namespace Tessaly
+}  // namespace Quillet

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include "foundation/channels.h"
+#include "output/poly_peaks.h"
+
+// The stages of the peak computation, in their order. PolyPeaks::compute() runs them; tests compare
+// each with its plain twin in tests/output/plain_poly.cpp; benchmarks time each alone.
+namespace Quillet {
+
+/// Stage 1: scales all samples so that the highest one becomes 65280, or 65279 by truncation.
+void scaleToFullRange(Channels& channels);
+
+/// The average peak height of each channel, a whole number; 0 for a channel without a peak.
+using ChannelAverages = std::array<float, channelCount>;
+
+/// Stage 2: takes each channel's average from a fixed stretch of the trace, and scales the channels
+/// that have one to the smallest of them.
+ChannelAverages balanceChannels(Channels& channels);
+
+/// Stage 3: finds the highest maximum of each channel around each base: positions and heights.
+/// `maxima` is working storage, channelCount entries a sample.
+void findPeaks(const CalledTrace& trace, std::int16_t* maxima, PeakTable& peaks);
+
+/// Entries of the working storage of stage 4.
+std::size_t zeroWordCount(std::size_t pointCount);
+
+/// Stage 4, for one channel: shares the area of every run of signal out to the peaks in it, as
+/// their normalised heights. `zeros` is working storage, zeroWordCount(samples.size()) entries.
+void normaliseAreas(std::span<const std::uint16_t> samples, float average, std::int32_t baseCount,
+                    std::uint64_t* zeros, ChannelPeaks& peaks);
+
+/// Stage 5: picks the highest peak of another channel for each base.
+void chooseSecondPeaks(const Tessaly::String& bases, const PeakTable& peaks, SecondPeaks& second);
+
+/// The value without its fraction, or -2147483648 when that does not fit (NaN included).
+std::int32_t truncateToInt32(double value);
+
+}  // namespace Quillet

@@ -1,0 +1,54 @@
+#include "trace/stored_arrays.h"
+
+#include <algorithm>
+
+namespace Quillet {
+
+namespace {
+
+// An unmet claim of up to this many entries is filled with zeros.
+constexpr std::uint32_t unbackedCountLimit = 4'194'304;
+
+/// Reads through `read(destination, count)`, which takes signed counts and returns how many values
+/// it stored, and fills the rest with zeros.
+template <typename Value, typename Read>
+void readThenZero(Value* destination, std::size_t count, Read read) {
+  constexpr std::size_t largestRead = std::size_t{1} << 30;
+  std::size_t held = 0;
+  while (held < count) {
+    const std::size_t wanted = std::min(count - held, largestRead);
+    const auto got =
+        static_cast<std::size_t>(read(destination + held, static_cast<std::int32_t>(wanted)));
+    held += got;
+    if (got < wanted) break;
+  }
+  std::fill(destination + held, destination + count, Value{0});
+}
+
+}  // namespace
+
+bool isBacked(const Tessaly::FileReader& file, std::uint32_t count, std::int64_t offset,
+              std::int64_t byteCount) {
+  return count <= unbackedCountLimit || (offset >= 0 && offset + byteCount <= file.fileSize());
+}
+
+void readArray(Tessaly::FileReader& file, char* destination, std::size_t count) {
+  readThenZero(destination, count, [&](char* to, std::int32_t n) { return file.readBytes(to, n); });
+}
+
+void readArray(Tessaly::FileReader& file, std::uint8_t* destination, std::size_t count) {
+  readThenZero(destination, count,
+               [&](std::uint8_t* to, std::int32_t n) { return file.readBytes(to, n); });
+}
+
+void readArray(Tessaly::FileReader& file, std::uint16_t* destination, std::size_t count) {
+  readThenZero(destination, count,
+               [&](std::uint16_t* to, std::int32_t n) { return file.readUInt16Array(to, n); });
+}
+
+void readArray(Tessaly::FileReader& file, std::uint32_t* destination, std::size_t count) {
+  readThenZero(destination, count,
+               [&](std::uint32_t* to, std::int32_t n) { return file.readUInt32Array(to, n); });
+}
+
+}  // namespace Quillet
