@@ -7,10 +7,6 @@
 #include <string>
 #include <vector>
 
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
-
 #include "app/flags.h"
 #include "app/project.h"
 #include "app/resource_file.h"
@@ -24,16 +20,6 @@ namespace {
 bool asksFor(const std::vector<std::string>& words, std::initializer_list<const char*> spellings) {
   return std::find_first_of(words.begin(), words.end(), spellings.begin(), spellings.end()) !=
          words.end();
-}
-
-/// Makes the C library keep freed memory for the next trace. By default it returns the few hundred
-/// KiB of a trace to the system; allocating them again takes longer than reading the trace.
-void keepFreedMemory() {
-#ifdef __GLIBC__  // other C libraries have no such setting
-  constexpr int mebibyte = 1 << 20;
-  mallopt(M_MMAP_THRESHOLD, mebibyte);      // larger blocks are still returned at once
-  mallopt(M_TRIM_THRESHOLD, 4 * mebibyte);  // the amount that is kept
-#endif
 }
 
 }  // namespace
@@ -68,7 +54,6 @@ void run(int argc, const char* const* argv) {
     std::exit(0);
   }
 
-  keepFreedMemory();
   readResourceFile(settings);
   applyFlags(settings, words, "COMMAND LINE");
   Project project(settings);

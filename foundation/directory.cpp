@@ -79,12 +79,6 @@ bool Directory::read(const char* path, bool includeHidden) {
   subdirectories_.clear();
   files_.clear();
 
-  // Counted first: one allocation of the final size, instead of a series of growing ones.
-  std::size_t entryCount = 0;
-  while (readdir(handle.get()) != nullptr) ++entryCount;
-  rewinddir(handle.get());
-  files_.reserve(entryCount);
-
   const std::size_t nameOffset = entryPath.size();
   while (const dirent* entry = readdir(handle.get())) {
     const char* name = entry->d_name;
