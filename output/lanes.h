@@ -1,19 +1,84 @@
 #pragma once
 
+#include <bit>
 #include <cstddef>
-#include <experimental/simd>
+#include <cstdint>
+#include <cstring>
 
 namespace Quillet {
 
-/// `count` values that the processor works on side by side, for what compilers do not turn into
-/// vector instructions by themselves. The type is that of the Parallelism TS, which libstdc++ has.
-template <typename Value, std::size_t count>
-using Lanes = std::experimental::simd<Value, std::experimental::simd_abi::deduce_t<Value, count>>;
+// Values that the processor works on side by side, for what compilers do not turn into vector
+// instructions by themselves. The types are the vector types that g++ and clang share, and this is
+// the only file that names what the two have beyond the language: the type, its `?:`, and
+// __builtin_shufflevector. Lanes are added, compared and shifted lane by lane with the operators of
+// their values, without promotion to int; a comparison has all bits of a lane set where it holds.
 
-/// The values from `values` on.
+template <typename Value, std::size_t count>
+struct LanesType {
+  using type [[gnu::vector_size(count * sizeof(Value))]] = Value;
+};
+
+/// `count` values; count * sizeof(Value) is a power of two. Lanes<...>{} are all 0.
+template <typename Value, std::size_t count>
+using Lanes = typename LanesType<Value, count>::type;
+
+/// The `count` values from `values` on, which need no alignment.
 template <std::size_t count, typename Value>
 Lanes<Value, count> lanesAt(const Value* values) {
-  return Lanes<Value, count>(values, std::experimental::element_aligned);
+  Lanes<Value, count> lanes;
+  std::memcpy(&lanes, values, sizeof lanes);
+  return lanes;
+}
+
+/// The value in every lane.
+template <std::size_t count, typename Value>
+Lanes<Value, count> everyLane(Value value) {
+  return Lanes<Value, count>{} + value;
+}
+
+/// Stores the lanes from `values` on.
+template <typename Vector, typename Value>
+void store(Vector lanes, Value* values) {
+  std::memcpy(values, &lanes, sizeof lanes);
+}
+
+/// `yes` where a comparison holds, `no` elsewhere.
+template <typename Comparison, typename Vector>
+Vector choose(Comparison holds, Vector yes, Vector no) {
+  return holds ? yes : no;
+}
+
+template <typename Vector>
+Vector larger(Vector left, Vector right) {
+  return left > right ? left : right;
+}
+
+template <typename Vector>
+Vector smaller(Vector left, Vector right) {
+  return left < right ? left : right;
+}
+
+/// Four numbers of 32 bits, from lanes `first` to `first + 3` of their upper and lower halves.
+template <int first>
+Lanes<std::int32_t, 4> join(Lanes<std::int16_t, 8> upper, Lanes<std::int16_t, 8> lower) {
+  constexpr bool lowerFirst = std::endian::native == std::endian::little;
+  return std::bit_cast<Lanes<std::int32_t, 4>>(__builtin_shufflevector(
+      lowerFirst ? lower : upper, lowerFirst ? upper : lower, first, first + 8, first + 1,
+      first + 9, first + 2, first + 10, first + 3, first + 11));
+}
+
+/// The sum of all lanes, modulo 2^32.
+inline std::uint32_t sumOf(Lanes<std::uint32_t, 4> lanes) {
+  lanes += __builtin_shufflevector(lanes, lanes, 2, 3, 0, 1);
+  return lanes[0] + lanes[1];
+}
+
+/// The bits that are set in any lane.
+inline std::uint16_t bitsOf(Lanes<std::uint16_t, 8> lanes) {
+  const auto halves = std::bit_cast<Lanes<std::uint64_t, 2>>(lanes);
+  std::uint64_t bits = halves[0] | halves[1];
+  bits |= bits >> 32;
+  return static_cast<std::uint16_t>(bits | bits >> 16);
 }
 
 }  // namespace Quillet

@@ -60,8 +60,6 @@ std::int64_t lowMidpoint(const std::int32_t* peaks, std::int32_t i) {
   return i == 0 ? peaks[0] / 2 : midpoint(peaks[i - 1], peaks[i]);
 }
 
-namespace simd = std::experimental;
-
 /// The peaks that all channels have in one range.
 struct Peaks {
   std::int32_t heights[channelCount] = {};
@@ -87,48 +85,42 @@ constexpr std::int64_t longestInLanes = 16;  // bases are seldom further apart
 constexpr std::int32_t largestOffset = longestInLanes - 1;
 
 /// Looks through a range that is neither shorter nor longer than these, two samples at a time, all
-/// four channels side by side. No branch hangs on the signal or on the length: the processor could
-/// not foresee it.
+/// four channels side by side. Branch-free: signal and length are unpredictable.
 Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
   constexpr std::size_t pairSize = 2 * std::size_t{channelCount};
+  using Pair = Lanes<std::int16_t, pairSize>;
   const std::int16_t* const start = maxima + channelCount * range.first;
   const std::int64_t lastPair = range.last - range.first - 1;
 
-  Lanes<std::int16_t, pairSize> highest = storedHeight(0);
-  Lanes<std::int16_t, pairSize> pairOffset = 0;
+  Pair highest = everyLane<pairSize>(storedHeight(0));
+  Pair pairOffset{};
   for (std::int64_t k = 0; k < longestInLanes; k += 2) {
-    // Behind the range, its last pair is looked at again. Of an odd number of samples, one is in
-    // two pairs.
+    // After the end of the range, its last pair is looked at again. Of an odd number of samples,
+    // one is in two pairs.
     const std::int64_t offset = std::min(k, lastPair);
-    const auto heights = lanesAt<pairSize>(start + channelCount * offset);
+    const Pair heights = lanesAt<pairSize>(start + channelCount * offset);
 
-    simd::where(heights > highest, pairOffset) = static_cast<std::int16_t>(k);
-    highest = simd::max(highest, heights);
+    const Pair here = everyLane<pairSize>(static_cast<std::int16_t>(k));
+    pairOffset = choose(heights > highest, here, pairOffset);
+    highest = larger(heights, highest);
   }
-  const Lanes<std::int16_t, pairSize> lastOffset = static_cast<std::int16_t>(lastPair);
-  pairOffset = simd::min(pairOffset, lastOffset);
+  pairOffset = smaller(pairOffset, everyLane<pairSize>(static_cast<std::int16_t>(lastPair)));
 
   // A key has the stored height in its upper half and the distance from the largest offset in its
   // lower half, so that the largest key is the first of the highest maxima.
   using Keys = Lanes<std::int32_t, channelCount>;
-  const auto keyOf = [](const auto& heights, const auto& offsets, std::int32_t indexInPair) {
-    return simd::static_simd_cast<Keys>(heights) << 16 |
-           (largestOffset - indexInPair - simd::static_simd_cast<Keys>(offsets));
-  };
-  const auto [firstHeights, secondHeights] = simd::split<channelCount, channelCount>(highest);
-  const auto [firstOffsets, secondOffsets] = simd::split<channelCount, channelCount>(pairOffset);
+  const Pair distance = static_cast<std::int16_t>(largestOffset) - pairOffset;
   const Keys best =
-      simd::max(keyOf(firstHeights, firstOffsets, 0), keyOf(secondHeights, secondOffsets, 1));
+      larger(join<0>(highest, distance),
+             join<channelCount>(highest, static_cast<Pair>(distance - std::int16_t{1})));
 
-  const Keys height = (best >> 16) - storedHeight(0);  // undoes the 32768
+  const Keys height = (best >> 16) - std::int32_t{storedHeight(0)};  // undoes the 32768
   const Keys offset = largestOffset - (best & largestOffset);
-  Keys position = positionAfter(static_cast<std::uint32_t>(range.first)) + offset;
-
-  simd::where(height == 0, position) = 0;
+  const Keys position = positionAfter(static_cast<std::uint32_t>(range.first)) + offset;
 
   Peaks peaks;
-  height.copy_to(peaks.heights, simd::element_aligned);
-  position.copy_to(peaks.positions, simd::element_aligned);
+  store(height, peaks.heights);
+  store(choose(height == 0, Keys{}, position), peaks.positions);
   return peaks;
 }
 

@@ -5,7 +5,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <numeric>
 
 #include "output/lanes.h"
@@ -43,7 +42,7 @@ class SampleRuns {
 
   /// The sum of the samples start..end-1, modulo 2^32.
   std::uint32_t area(std::int64_t start, std::int64_t end) const {
-    // As many samples for nearly every run, since the processor could not foresee its length.
+    // Always sums 64 samples and masks the tail; a loop of variable length would mispredict.
     std::uint32_t sum = 0;
     for (; start + atOnce <= count_; start += atOnce) {
       sum += sumOfFirst(samples_ + start, std::min(end - start, atOnce));
@@ -77,26 +76,23 @@ class SampleRuns {
   /// The sum of `count` samples, in the time that all take.
   static std::uint32_t sumOfFirst(const std::uint16_t* samples, std::int64_t count) {
     const std::uint16_t* const masks = passing.data() + atOnce - count;
-    Sums sums = 0;
+    Sums sums{};
     for (std::size_t k = 0; k < atOnce; k += laneCount) {
       sums += pairSums(lanesAt<laneCount>(samples + k) & lanesAt<laneCount>(masks + k));
     }
-    return std::experimental::reduce(sums);
+    return sumOf(sums);
   }
 
   /// A bit for every one of sixteen samples that is 0, the first sample's lowest.
   static std::uint64_t zerosOfSixteen(const std::uint16_t* samples) {
-    const Samples lowerBits(
-        [](std::uint16_t lane) { return static_cast<std::uint16_t>(1 << lane); });
-    const Samples upperBits = lowerBits << static_cast<int>(laneCount);
+    constexpr Samples lowerBits = {1, 2, 4, 8, 16, 32, 64, 128};
+    constexpr Samples upperBits = lowerBits << laneCount;
     const Samples lowerHalf = lanesAt<laneCount>(samples);
     const Samples upperHalf = lanesAt<laneCount>(samples + laneCount);
 
-    Samples zeros = 0;
-    Samples upperZeros = 0;
-    where(lowerHalf == std::uint16_t{0}, zeros) = lowerBits;
-    where(upperHalf == std::uint16_t{0}, upperZeros) = upperBits;
-    return std::experimental::reduce(zeros | upperZeros, std::bit_or<>());
+    const Samples lowerZeros = choose(lowerHalf == 0, lowerBits, Samples{});
+    const Samples upperZeros = choose(upperHalf == 0, upperBits, Samples{});
+    return bitsOf(lowerZeros | upperZeros);
   }
 
   void findZeros(std::size_t count) {
