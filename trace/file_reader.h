@@ -9,62 +9,67 @@
 
 namespace Tessaly {
 
+class FileWindow;
+
 /// A file read through blocks: bytes, big-endian numbers, texts and lines, at the current position
 /// or at an absolute one.
 ///
-/// Positions are byte offsets from the start of the file, counts are numbers of values; a count of
-/// 0 or less reads nothing. Integers are stored most significant byte first on every host, floating
-/// values in the byte order of the host. The reader shows the file one block of `blockSize` bytes
-/// at a time; the block is a view into a larger window of the file that the reader owns, so that
-/// moving about in a trace of ordinary size costs one system read. The size of the file is taken
-/// when it is opened; where the system gives it as 0, as it does for files that the kernel makes up
-/// while they are read, up to 1 MiB is read. A reader with a block size of 0 finds nothing in any
-/// file.
-/// Errors: a false result or a short count; nothing is printed. Nothing is thrown either, except
-/// that the operations which fill a String let pass what it throws when memory is out. A value that
-/// the file can not complete is a false result and leaves the output as it was. Where the block in
-/// view is the last one, the bytes of such a value stay unread; otherwise they are used up. A block
-/// in which the file can not be read is an empty one; others are read all the same.
-/// Use: construct, open, read, close or destroy. Do not mix in reads of the inherited stream.
+/// Positions are byte offsets from the start of the file. Owns the file and a stretch of its bytes.
+/// Errors: a false result or a short count; nothing is printed, and nothing is thrown but what a
+/// String throws when memory is out.
+/// Use: construct, open, read, close or destroy. The inherited stream is never opened. It lends the
+/// reader its state, which stays good through all reading; nothing can be read through it.
 class FileReader : public std::ifstream {
  public:
   static constexpr std::int32_t defaultBlockSize = 1024;  // bytes
 
   FileReader();
-  /// A negative block size is taken as 0.
+  /// A negative block size is taken as 0. A reader with a block size of 0 finds nothing in any
+  /// file.
   explicit FileReader(std::int32_t blockSize);
   FileReader(const FileReader&) = delete;
   FileReader& operator=(const FileReader&) = delete;
+  ~FileReader() override;
 
   /// Takes effect with the next block that is read; bytes of the present block are given up.
   void setBufferSize(std::int32_t blockSize);
 
   /// Shows the first block. Closes a file that is still open, and refuses what is no regular file.
-  /// After a failure the reader holds no file and the stream state is clear.
+  /// After a failure the reader holds no file. The stream state is clear either way.
   bool open(const String& path);
   bool open(const char* path);
+  /// Whether a file is open for reading: not the inherited stream, which never is.
+  bool is_open() const;
+  /// The block in view can still be read. Without an open file the stream state is a failed one.
+  void close();
   /// Whether the file system has an entry of any kind under the path.
   static bool exists(const String& path);
   static bool exists(const char* path);
 
-  /// False for a negative position; one behind the end of the file is a move like any other.
+  /// False for a negative position; one after the end of the file is a move like any other.
   bool seek(std::int32_t position);
   /// Block size times `block` plus the place in the block: see seek() for when it is no position.
   std::int32_t tell() const;
 
   /// Bytes of the open file: as many as it had when it was opened, or up to where reading has found
-  /// its end since; 0 without an open file.
-  std::int64_t fileSize() const { return is_open() ? fileSize_ : 0; }
+  /// its end since; 0 without an open file. Of a file whose size the system gives as 0, as it does
+  /// for files that the kernel makes up while they are read, up to 1 MiB is looked for.
+  std::int64_t fileSize() const;
   std::int32_t blockSize() const { return blockSize_; }
   std::int32_t block() const { return block_; }
   std::int32_t blockBytes() const { return blockBytes_; }
   /// Line feeds passed over by the line and white-space operations since the file was opened.
   std::int32_t lineCount() const { return lineCount_; }
+  /// Whether the last block is in view. A block in which the file can not be read is an empty one,
+  /// and counts as the last; a move leads out of it.
   bool atEnd() const { return atEnd_; }
   /// Whether the last block is used up.
   bool hasEnded() const { return isExhausted() && atEnd_; }
 
-  // Single values. The positioned forms fail when the move fails.
+  // Single values. Integers are stored most significant byte first on every host, floating values
+  // in the byte order of the host. False, with the value as it was, when the file can not complete
+  // it: then its bytes stay unread when the last block is in view, and are used up otherwise. The
+  // positioned forms are also false when the move fails.
   bool readInt8(std::int8_t& value);
   bool readUInt8(std::uint8_t& value);
   bool readInt16(std::int16_t& value);
@@ -82,7 +87,8 @@ class FileReader : public std::ifstream {
   bool readFloatAt(std::int32_t position, float& value);
   bool readDoubleAt(std::int32_t position, double& value);
 
-  // Runs: the result is the number of values that were stored, each of them complete.
+  // Runs: the result is the number of values that were stored, each of them complete. A count of 0
+  // or less reads nothing.
   std::int32_t readBytes(char* destination, std::int32_t count);
   std::int32_t readBytes(std::int8_t* destination, std::int32_t count);
   std::int32_t readBytes(std::uint8_t* destination, std::int32_t count);
@@ -116,7 +122,7 @@ class FileReader : public std::ifstream {
   bool skipUntil(char delimiter);
   /// Passes over white space and counts its line feeds; false when nothing else was left.
   bool skipWhiteSpace();
-  /// The next run of characters without white space; the white space behind it stays unread. False,
+  /// The next run of characters without white space; the white space after it stays unread. False,
   /// with the text as it was, when there is no further word.
   bool readWord(String& word);
 
@@ -129,10 +135,7 @@ class FileReader : public std::ifstream {
 
   bool refill();
   bool showBlock(std::int64_t offset);
-  bool loadWindow(std::int64_t offset);
-  bool readWindow(std::int64_t start, std::int64_t wanted);
   void enterBlock(std::int64_t offset, std::int32_t byteCount);
-  void forgetFile();
   void countLineFeed();
 
   std::int32_t takeBytes(void* destination, std::int32_t count);
@@ -144,23 +147,18 @@ class FileReader : public std::ifstream {
   void appendBytes(String& text, std::int32_t count);
   bool appendUntil(String& text, char delimiter);
 
-  std::unique_ptr<char[]> buffer_;  // the window; null without a file or a block size
-  std::int32_t cursor_ = 0;         // next unread byte, from the start of the block; a seek
-                                    // can put it behind `end_`
-  std::int32_t end_ = 0;            // one past the last valid byte of the block
-  std::int32_t blockSize_;          // bytes
-  std::int32_t block_ = 0;          // number of the block in view, but see seek()
-  std::int32_t blockBytes_ = 0;     // bytes that the last block delivered
+  std::unique_ptr<FileWindow> window_;  // never null
+  std::int32_t cursor_ = 0;             // next unread byte, from the start of the block; a seek
+                                        // can put it after `end_`
+  std::int32_t end_ = 0;                // one past the last valid byte of the block
+  std::int32_t blockSize_;              // bytes
+  std::int32_t block_ = 0;              // number of the block in view, but see seek()
+  std::int32_t blockBytes_ = 0;         // bytes that the last block delivered
   std::int32_t lineCount_ = 0;
   bool atEnd_ = false;  // the last block was short: there is no further refill
 
   const char* blockStart_ = nullptr;  // first byte of the block in view
   std::int64_t nextOffset_ = 0;       // file offset at which the next refill reads
-  std::int64_t fileSize_ = 0;         // bytes that reading may count on
-  std::int64_t windowOffset_ = 0;     // file offset of the window's first byte
-  std::int64_t windowBytes_ = 0;      // valid bytes in the window
-  std::int64_t bufferSize_ = 0;       // bytes that the window has room for
-  bool isDamaged_ = false;            // reading this file has failed: windows are single blocks
 };
 
 }  // namespace Tessaly
