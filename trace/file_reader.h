@@ -63,8 +63,8 @@ class FileReader : public std::ifstream {
   /// Whether the last block is in view. A block in which the file can not be read is an empty one,
   /// and counts as the last; a move leads out of it.
   bool atEnd() const { return atEnd_; }
-  /// Whether the last block is used up.
-  bool hasEnded() const { return isExhausted() && atEnd_; }
+  /// Whether the last block is used up. A reader with a block size of 0 has always ended.
+  bool hasEnded() const { return isExhausted() && (atEnd_ || blockSize_ == 0); }
 
   // Single values. Integers are stored most significant byte first on every host, floating values
   // in the byte order of the host. False, with the value as it was, when the file can not complete

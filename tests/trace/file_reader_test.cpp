@@ -196,6 +196,22 @@ TEST(FileReader, SetBufferSizeTakesTheEndBack) {
   EXPECT_TRUE(reader.atEnd());
 }
 
+/// Whether every operation on texts, lines and words is false and leaves its text as it was.
+void expectNoText(FileReader& reader) {
+  Tessaly::String text("kept");
+  EXPECT_FALSE(reader.readText(text, 2));
+  EXPECT_FALSE(reader.readText(text, 0));
+  EXPECT_FALSE(reader.readTextAt(0, text, 2));
+  EXPECT_FALSE(reader.readTextAt(-1, text, 2));
+  EXPECT_FALSE(reader.readLine(text));
+  EXPECT_FALSE(reader.readLineAt(0, text));
+  EXPECT_FALSE(reader.readUntil(text, 'm'));
+  EXPECT_FALSE(reader.readWord(text));
+  EXPECT_FALSE(reader.skipUntil('s'));
+  EXPECT_FALSE(reader.skipWhiteSpace());
+  EXPECT_EQ(textOf(text), "kept");
+}
+
 TEST(FileReader, AReaderWithoutABufferFindsNothing) {
   ScratchFolder folder;
   const Tessaly::String path = folder.write("file", "some words\n");
@@ -204,7 +220,6 @@ TEST(FileReader, AReaderWithoutABufferFindsNothing) {
     EXPECT_EQ(reader.blockSize(), 0);
     ASSERT_TRUE(reader.open(path));
 
-    Tessaly::String text("kept");
     std::uint32_t value = 7;
     std::uint16_t values[2];
     char bytes[2];
@@ -213,16 +228,32 @@ TEST(FileReader, AReaderWithoutABufferFindsNothing) {
     EXPECT_FALSE(reader.readUInt32At(0, value));
     EXPECT_EQ(reader.readUInt16Array(values, 2), 0);
     EXPECT_EQ(reader.readBytes(bytes, 2), 0);
-    EXPECT_FALSE(reader.readText(text, 2));
-    EXPECT_FALSE(reader.readTextAt(0, text, 2));
-    EXPECT_FALSE(reader.readLine(text));
-    EXPECT_FALSE(reader.readWord(text));
-    EXPECT_FALSE(reader.skipUntil('s'));
-    EXPECT_FALSE(reader.skipWhiteSpace());
+    expectNoText(reader);
     EXPECT_EQ(reader.tell(), 0);
 
     EXPECT_EQ(value, 7u);
-    EXPECT_EQ(textOf(text), "kept");
+  }
+}
+
+TEST(FileReader, AReaderWhoseBufferIsTakenAwayFindsNoText) {
+  ScratchFolder folder;
+  FileReader reader(4);
+  ASSERT_TRUE(reader.open(folder.write("file", "some words\n")));
+
+  reader.setBufferSize(0);
+
+  EXPECT_FALSE(reader.atEnd());
+  expectNoText(reader);
+}
+
+TEST(FileReader, AReaderWithoutBufferOrFileFindsNoText) {
+  for (const bool afterSeveral : {false, true}) {
+    FileReader reader(0);
+    if (afterSeveral) {
+      EXPECT_FALSE(reader.skipUntil('s'));
+    }
+
+    expectNoText(reader);
   }
 }
 
