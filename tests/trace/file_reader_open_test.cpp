@@ -145,6 +145,67 @@ TEST(FileReaderOpen, AReaderCanOpenASecondFile) {
   EXPECT_EQ(nextByte(reader), 'x');
 }
 
+TEST(FileReaderOpen, AnOpenReaderClosesItsFileBeforeItOpensTheNext) {
+  if (underAddressSanitizer) GTEST_SKIP() << "the sanitizer opens files of its own";
+  ScratchFolder folder;
+  const Tessaly::String first = folder.write("first", "abc");
+  const Tessaly::String second = folder.write("second", "xyz");
+  FileReader reader;
+  rlimit limit{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+  const int lowestFree = dup(STDIN_FILENO);
+  ASSERT_GE(lowestFree, 0);
+  ::close(lowestFree);
+  const rlimit roomForOne{static_cast<rlim_t>(lowestFree) + 1, limit.rlim_max};
+
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &roomForOne), 0);
+  const bool openedFirst = reader.open(first);
+  const bool openedSecond = reader.open(second);
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+
+  EXPECT_TRUE(openedFirst);
+  EXPECT_TRUE(openedSecond);
+  EXPECT_EQ(nextByte(reader), 'x');
+}
+
+TEST(FileReaderOpen, ClosingWithoutAFileIsAFailureThatTheNextOpenClears) {
+  ScratchFolder folder;
+  const Tessaly::String path = folder.write("file", "abc");
+  FileReader reader;
+  ASSERT_TRUE(reader.open(path));
+
+  reader.close();
+  EXPECT_TRUE(reader.good());
+  EXPECT_FALSE(reader.is_open());
+  reader.close();
+  EXPECT_TRUE(reader.fail());
+
+  EXPECT_TRUE(reader.open(path));
+  EXPECT_TRUE(reader.good());
+  EXPECT_TRUE(reader.is_open());
+  reader.close();
+  reader.close();
+  EXPECT_FALSE(reader.open("missing"));
+  EXPECT_TRUE(reader.good());
+}
+
+TEST(FileReaderOpen, ADestroyedReaderClosesItsFile) {
+  ScratchFolder folder;
+  const Tessaly::String path = folder.write("file", "abc");
+  const int lowestFree = dup(STDIN_FILENO);
+  ASSERT_GE(lowestFree, 0);
+  ::close(lowestFree);
+  {
+    FileReader reader;
+    ASSERT_TRUE(reader.open(path));
+  }
+
+  const int next = dup(STDIN_FILENO);
+  ::close(next);
+
+  EXPECT_EQ(next, lowestFree);
+}
+
 TEST(FileReaderOpen, AFailedOpenGivesUpTheFormerFile) {
   ScratchFolder folder;
   FileReader reader;
