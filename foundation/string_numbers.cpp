@@ -75,10 +75,10 @@ double powerOfTen(int exponent) {
     }
     return power;
   }
+  // strtod rounds correctly, and a text without a decimal point is the same in every locale.
   char text[8] = "1e";
-  const std::to_chars_result end = std::to_chars(text + 2, text + sizeof text, exponent);
-  std::from_chars(text, end.ptr, power);
-  return power;
+  *std::to_chars(text + 2, text + sizeof text - 1, exponent).ptr = '\0';
+  return std::strtod(text, nullptr);
 }
 
 /// Brings a positive finite value into [1, 10) and returns the exponent of ten taken out of it.

@@ -34,12 +34,19 @@ void FileWriter::setBufferSize(std::int32_t size) {
 
 bool FileWriter::openFile(const char* path, std::ios_base::openmode mode) {
   bufferPos_ = bufferStart_.get();
-  if (streamBuffer_ == nullptr) {
-    streamBuffer_ = std::make_unique_for_overwrite<char[]>(streamBufferSize);
-    stream_.rdbuf()->pubsetbuf(streamBuffer_.get(), streamBufferSize);
+  std::filebuf* const file = stream_.rdbuf();
+  if (!file->is_open()) {
+    if (streamBuffer_ == nullptr) {
+      streamBuffer_ = std::make_unique_for_overwrite<char[]>(streamBufferSize);
+    } else {
+      // With libc++, a file buffer that was closed takes no memory any more and writes every byte
+      // by itself, so each file has a new one. The state of the stream is not touched.
+      *file = std::filebuf();
+    }
+    file->pubsetbuf(streamBuffer_.get(), streamBufferSize);
   }
   // Deliberate: the state is not cleared (std::ofstream::open would), so one failure stays.
-  if (stream_.rdbuf()->open(path, mode) == nullptr) stream_.setstate(std::ios_base::failbit);
+  if (file->open(path, mode) == nullptr) stream_.setstate(std::ios_base::failbit);
   return !stream_.fail();  // fail() looks at the fail and the bad bit
 }
 

@@ -1,6 +1,7 @@
 #include "output/file_writer.h"
 
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
@@ -323,6 +324,58 @@ TEST(FileWriter, SetBufferSizeDiscardsPendingBytesAndSetsTheBlockSize) {
 
   EXPECT_EQ(written(16, action), "abcdefgh");
   EXPECT_EQ(flushed(16, action), "abcdef");
+}
+
+TEST(FileWriter, SetBufferSizeLeavesAFailedStreamFailed) {
+  ScratchFolder folder;
+  FileWriter writer;
+  ASSERT_FALSE(writer.open("missing/out"));
+
+  writer.setBufferSize(16);
+
+  EXPECT_FALSE(writer.open("valid"));
+  writer.write(String('a', 100));
+  writer.close();
+  EXPECT_EQ(folder.read("valid"), "");
+}
+
+TEST(FileWriter, AWriterThatFailedBetweenTwoFilesStaysFailed) {
+  ScratchFolder folder;
+  FileWriter writer;
+  ASSERT_TRUE(writer.open("first"));
+  writer.close();
+  writer.close();  // nothing is open: a failure
+
+  EXPECT_FALSE(writer.open("second"));
+  writer.close();
+  EXPECT_FALSE(writer.open("third"));
+}
+
+/// System writes of this process so far; -1 where the system does not count them.
+long systemWrites() {
+  std::ifstream stream("/proc/self/io");
+  std::string name;
+  long count = 0;
+  while (stream >> name >> count) {
+    if (name == "syscw:") return count;
+  }
+  return -1;
+}
+
+TEST(FileWriter, EveryFileOfAWriterIsWrittenInLargeRuns) {
+  if (systemWrites() < 0) GTEST_SKIP() << "the system does not count writes";
+  ScratchFolder folder;
+  FileWriter writer;
+
+  for (const char* const name : {"first", "second", "third"}) {
+    const long before = systemWrites();
+    ASSERT_TRUE(writer.open(name));
+    writer.write(String('a', 50'000));
+    writer.close();
+
+    EXPECT_LE(systemWrites() - before, 3) << name;  // a library may split the last run
+    EXPECT_EQ(folder.read(name).size(), 50'000U);
+  }
 }
 
 TEST(FileWriter, WithoutABufferEveryWriteIsDropped) {

@@ -43,9 +43,21 @@ TEST(FileWriterText, BareValuesAreWrittenAsTheyAre) {
 TEST(FileWriterText, AStringIsWrittenWithTheZeroBytesInIt) {
   String text;
   text.append("a\0b", 3);
+  const std::string bytes("a\0b", 3);
 
-  EXPECT_EQ(written([&](FileWriter& w) { w.write(text); }), std::string("a\0b", 3));
-  EXPECT_EQ(written([&](FileWriter& w) { w << text; }), std::string("a\0b", 3));
+  expectAll({
+      {"write", [&](FileWriter& w) { w.write(text); }, bytes},
+      {"operator", [&](FileWriter& w) { w << text; }, bytes},
+      {"line", [&](FileWriter& w) { w.writeLine(text); }, bytes + "\n"},
+      {"word", [&](FileWriter& w) { w.writeWord(text); }, bytes + " "},
+      {"separator", [&](FileWriter& w) { w.writeWithSeparator(text, ';'); }, bytes + ";"},
+      {"terminated", [&](FileWriter& w) { w.writeTerminated(text); }, bytes + '\0'},
+      {"field", [&](FileWriter& w) { w.writeField(text, 5); }, bytes + "  "},
+      {"cut field", [&](FileWriter& w) { w.writeField(text, 2); }, bytes.substr(0, 2)},
+      {"left", [&](FileWriter& w) { w.writeAligned(text, 5, false); }, bytes + "  "},
+      {"right", [&](FileWriter& w) { w.writeAligned(text, 5, true); }, "  " + bytes},
+      {"never cut", [&](FileWriter& w) { w.writeAligned(text, 1, true); }, bytes},
+  });
 }
 
 TEST(FileWriterText, IntegersAreDecimalWithAMinusAndNothingElse) {

@@ -72,8 +72,14 @@ static_assert(std::is_nothrow_move_constructible_v<FileWindow> &&
 constexpr std::int64_t mebibyte = 1 << 20;
 constexpr std::int64_t step = 1 << 16;  // bytes that a large file is read by
 
+std::string_view stretchOf(const std::string& bytes, std::int64_t offset, std::int64_t count) {
+  return std::string_view(bytes).substr(static_cast<std::size_t>(offset),
+                                        static_cast<std::size_t>(count));
+}
+
+/// Up to `count` bytes that the window holds from `offset` on.
 std::string_view shown(const FileWindow& window, std::int64_t offset, std::int64_t count) {
-  const std::int64_t there = std::min(window.bytesFrom(offset), count);
+  const auto there = static_cast<std::size_t>(std::min(window.bytesFrom(offset), count));
   return there == 0 ? std::string_view() : std::string_view(window.at(offset), there);
 }
 
@@ -95,7 +101,7 @@ TEST(FileWindow, AFileOfUpToAMebibyteIsReadWholeByOneRead) {
   FileWindow window(folder.write("file", bytes).text());
   for (const std::int64_t offset : {std::int64_t{5000}, std::int64_t{0}, mebibyte - 10}) {
     ASSERT_TRUE(window.show(offset, 10));
-    EXPECT_EQ(shown(window, offset, 10), std::string_view(bytes).substr(offset, 10)) << offset;
+    EXPECT_EQ(shown(window, offset, 10), stretchOf(bytes, offset, 10)) << offset;
   }
 
   EXPECT_EQ(system->asked, std::vector<std::size_t>{mebibyte});
@@ -113,7 +119,7 @@ TEST(FileWindow, ALargerFileIsReadInStretches) {
   FileWindow window(folder.write("file", bytes).text());
   for (const std::int64_t offset : {2 * step + 7, 3 * step - 1, 5 * step, 16 * step + 90}) {
     ASSERT_TRUE(window.show(offset, 50));
-    EXPECT_EQ(shown(window, offset, 50), std::string_view(bytes).substr(offset, 50)) << offset;
+    EXPECT_EQ(shown(window, offset, 50), stretchOf(bytes, offset, 50)) << offset;
   }
 
   // The first two lie in one stretch, and the last one is what the file has left.
@@ -164,7 +170,7 @@ TEST(FileWindow, BytesThatCanNotBeReadTakeNoOthersWithThem) {
 
   for (const std::int64_t offset : {0, 30, 50, 90}) {
     ASSERT_TRUE(window.show(offset, 10));
-    EXPECT_EQ(shown(window, offset, 10), std::string_view(bytes).substr(offset, 10)) << offset;
+    EXPECT_EQ(shown(window, offset, 10), stretchOf(bytes, offset, 10)) << offset;
   }
   ASSERT_TRUE(window.show(40, 10));
   EXPECT_EQ(shown(window, 40, 10), "");
@@ -179,7 +185,7 @@ TEST(FileWindow, AnErrorInALargeFileLosesWhatIsAskedForAlone) {
   FileWindow window(folder.write("file", bytes).text());
 
   ASSERT_TRUE(window.show(3 * step, 100));  // the error lies in this stretch, in its second read
-  EXPECT_EQ(shown(window, 3 * step, 100), std::string_view(bytes).substr(3 * step, 100));
+  EXPECT_EQ(shown(window, 3 * step, 100), stretchOf(bytes, 3 * step, 100));
   EXPECT_EQ(window.bytesFrom(3 * step + 100), 0);
   ASSERT_TRUE(window.show(3 * step + 40'000, 1));
   EXPECT_EQ(shown(window, 3 * step + 40'000, 1), "");
