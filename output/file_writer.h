@@ -10,38 +10,38 @@
 
 namespace Tessaly {
 
-/// The one class that writes files: text, decimal numbers, raw bytes and big-endian binary values,
-/// gathered in a buffer of its own. It is flushed in blocks of exactly `bufferSize_` bytes, which
-/// the stream gathers once more, so that a file of ordinary size costs one system write.
+/// Writes a file: text, decimal numbers, raw bytes and big-endian binary values.
 ///
 /// Sizes, widths and counts are bytes (array counts: elements); a count of 0 or less writes
 /// nothing. The file's bytes do not depend on the buffer size, as long as that is 1 or more and
-/// trimTrailingSpace() is not used. A number text costs least when the buffer is larger than it. A
-/// writer with a size of 0 (or less, taken as 0) has no buffer: every write is dropped.
-/// Owns the file and the buffer.
-/// Errors: nothing but an allocation failure is thrown, and nothing is printed. open() and
-/// openAppend() return false; the stream's state is never cleared, so that after one failed open,
-/// write or close every later open returns false. That does not mean that the file was left alone:
-/// it is still made or emptied as ever, and only what is written to it is dropped.
-/// Use: open, write, close; then open again if wanted. Without close() the pending bytes are lost.
+/// trimTrailingSpace() is not used. Owns the file and the buffer.
+///
+/// Errors: a failed open(), write or close() makes every later open() false. Nothing is printed,
+/// and nothing is thrown when memory suffices.
+///
+/// Use: open, write, close; then open again if wanted.
 class FileWriter {
  public:
   static constexpr std::int32_t defaultBufferSize = 1024;
 
   FileWriter();
+  /// See setBufferSize().
   explicit FileWriter(std::int32_t size);
 
   // The order of the virtual operations is part of the class.
 
-  /// Deliberate: closes the file without writing the pending bytes.
+  /// Deliberate: closes the file without writing the pending bytes, which are lost.
   virtual ~FileWriter();
 
-  /// Drops pending bytes; an existing file is emptied.
+  /// Drops pending bytes; an existing file is emptied. False when the file does not open, and after
+  /// any failure before: then the file is made or emptied all the same, and what is written to it
+  /// is dropped.
   virtual bool open(const String& path);
   virtual bool open(const char* path);
-  /// Drops pending bytes; an existing file is continued.
+  /// Like open(), but an existing file is continued.
   virtual bool openAppend(const String& path);
   virtual bool openAppend(const char* path);
+  /// Writes the pending bytes and closes the file. Without an open file it is a failure.
   virtual void close();
   /// Whether `path` can be stat-ed, whatever its type; a link is followed.
   virtual bool exists(const String& path);
@@ -107,10 +107,12 @@ class FileWriter {
   virtual FileWriter& operator<<(std::int32_t value);
   virtual FileWriter& operator<<(double value);
 
-  /// Discards pending bytes. When the allocation throws, the writer is as it was.
+  /// Discards pending bytes; a failed stream stays failed. With a size of 0 (or less, taken as 0)
+  /// every write is dropped. A number text costs least when the buffer is larger than it. When the
+  /// allocation throws, the writer is as it was.
   void setBufferSize(std::int32_t size);
   void writeRepeated(char character, std::int32_t count);
-  /// Ends the pending bytes behind the first line feed in the white space at their end; blanks
+  /// Ends the pending bytes after the first line feed in the white space at their end; blanks
   /// before that line feed stay. Deliberate: without one there, the search runs on over stale bytes
   /// of the buffer, and all of them up to the line feed, or to the buffer's end, become pending.
   /// The first byte of the buffer always stays and is not examined, be it white space or a line

@@ -79,7 +79,7 @@ void FileWriter::writeNative(const double* values, std::int32_t count) {
 }
 
 void FileWriter::writeTerminated(const String& text) {
-  // Every String has a zero byte behind its characters.
+  // Every String has a zero byte after its characters.
   place(text.text(), static_cast<std::size_t>(text.length()) + 1);
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 static_assert(sizeof(float) == 4 && sizeof(double) == 8, "widths of the stored floating values");
 
-/// Stores `count` complete values whose bytes lie one behind the other at `bytes`.
+/// Stores `count` complete values whose bytes lie one after the other at `bytes`.
 template <typename Value>
 void decode(const char* bytes, Value* values, std::int32_t count) {
   const auto valueCount = static_cast<std::size_t>(count);  // never negative
@@ -71,7 +71,7 @@ std::int32_t FileReader::takeArray(Value* destination, std::int32_t count) {
   while (taken < count) {
     const auto run = static_cast<std::int32_t>(  // fits: at most the count
         std::min<std::int64_t>(unreadInWindow() / size, count - taken));
-    if (run == 0) {  // the next value lies behind those blocks, or across their end
+    if (run == 0) {  // the next value lies after those blocks, or across their end
       if (!takeValue(destination[taken])) break;
       ++taken;
       continue;
