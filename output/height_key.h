@@ -1,20 +1,24 @@
 #pragma once
 
+#include <cstdint>
+#include <type_traits>
+
 namespace Quillet {
 
 /// A height and an index in one number, so that one maximum finds both: the largest key is that of
 /// the first of the highest.
 ///
-/// The height stands above the lowest `indexBits` bits. These hold the distance from the largest
-/// index, which is larger for earlier ones. With 4 bits, height 9 at index 3 is 9 * 16 + 12.
-/// Heights and keys are whole numbers or vectors of them; a height times 2^indexBits fits.
+/// The height stands above the lowest `indexBits` bits. These hold the index with all bits
+/// inverted, which is larger for earlier ones. With 4 bits, height 9 at index 3 is 9 * 16 + 12.
+/// Heights and keys are whole numbers, or vectors of them; a height times 2^indexBits fits.
 template <int indexBits>
 struct HeightKey {
-  static constexpr auto largestIndex = (1ULL << indexBits) - 1;
+  static constexpr std::conditional_t<(indexBits < 31), std::int32_t, std::int64_t> largestIndex =
+      (std::int64_t{1} << indexBits) - 1;
 
-  template <typename Height, typename Index>
-  static constexpr Height of(Height height, Index index) {
-    return height << indexBits | (static_cast<Height>(largestIndex) - index);
+  template <typename Height>
+  static constexpr Height of(Height height, Height index) {
+    return height << indexBits | (~index & largestIndex);
   }
   template <typename Key>
   static constexpr Key height(Key key) {
@@ -22,7 +26,7 @@ struct HeightKey {
   }
   template <typename Key>
   static constexpr Key index(Key key) {
-    return static_cast<Key>(largestIndex) - (key & static_cast<Key>(largestIndex));
+    return ~key & largestIndex;
   }
 };
 

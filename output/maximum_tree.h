@@ -88,7 +88,8 @@ class MaximumTree {
   std::uint64_t scan(std::size_t start, std::size_t end) const {
     std::uint64_t best = 0;
     for (std::size_t i = start; i < end; ++i) {
-      best = std::max(best, Key::of(std::uint64_t{heightOf(maxima_[channelCount * i])}, i));
+      best = std::max(
+          best, Key::of(std::uint64_t{heightOf(maxima_[channelCount * i])}, std::uint64_t{i}));
     }
     return best;
   }

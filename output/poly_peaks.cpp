@@ -74,7 +74,7 @@ void chooseSecondPeaks(const Tessaly::String& bases, const PeakTable& peaks, Sec
     const int called = channelOf(bases[i]);
     std::uint64_t best = 0;
     for (const unsigned channel : otherChannels[called]) {
-      best = std::max(best, Key::of(std::uint64_t{heights[channel][i]}, channel));
+      best = std::max(best, Key::of(std::uint64_t{heights[channel][i]}, std::uint64_t{channel}));
     }
     const auto channel = Key::index(best);
     const std::int32_t position = positions[channel][i];

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "output/height_key.h"
 #include "output/lanes.h"
 #include "output/maximum_tree.h"
 #include "output/poly_stages.h"
@@ -82,7 +83,6 @@ Peaks scan(const std::int16_t* maxima, const SearchRange& range) {
 
 constexpr std::int64_t shortestInLanes = 2;
 constexpr std::int64_t longestInLanes = 16;  // bases are seldom further apart
-constexpr std::int32_t largestOffset = longestInLanes - 1;
 
 /// Looks through a range that is neither shorter nor longer than these, two samples at a time, all
 /// four channels side by side. Branch-free: signal and length are unpredictable. It finds what
@@ -107,16 +107,16 @@ Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
   }
   pairOffset = smaller(pairOffset, everyLane<pairSize>(static_cast<std::int16_t>(lastPair)));
 
-  // A key has the stored height in its upper half and the distance from the largest offset in its
-  // lower half, so that the largest key is the first of the highest maxima.
+  // Key::of() the heights and the offsets, put together from halves.
+  using Key = HeightKey<16>;
   using Keys = Lanes<std::int32_t, channelCount>;
-  const Pair distance = static_cast<std::int16_t>(largestOffset) - pairOffset;
+  const Pair distance = ~pairOffset;
   const Keys best =
       larger(join<0>(highest, distance),
              join<channelCount>(highest, static_cast<Pair>(distance - std::int16_t{1})));
 
-  const Keys height = (best >> 16) - std::int32_t{storedHeight(0)};  // undoes the 32768
-  const Keys offset = largestOffset - (best & largestOffset);
+  const Keys height = Key::height(best) - std::int32_t{storedHeight(0)};  // undoes the 32768
+  const Keys offset = Key::index(best);
   const Keys position = positionAfter(static_cast<std::uint32_t>(range.first)) + offset;
 
   Peaks peaks;
