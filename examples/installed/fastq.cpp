@@ -5,9 +5,9 @@
 #include <iostream>
 #include <string>
 
-#include "foundation/string.h"
-#include "foundation/vector.h"
-#include "trace/trace_file.h"
+#include <quillet/foundation/string.h>
+#include <quillet/foundation/vector.h>
+#include <quillet/trace/trace_file.h>
 
 namespace {
 

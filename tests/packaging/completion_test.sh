@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # completion_test.sh FILE: tests what the bash completion in FILE offers for unfinished commands.
 set -u
-# shellcheck source=packaging/quillet.bash-completion
+# shellcheck source=completions/quillet
 source "$1"
 
 scratch=$(mktemp -d)

@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
-# installed_package_test.sh BUILD SOURCE [CMAKE ARGUMENT...]: installs the build, moves the result,
-# then builds and runs examples/installed with it. The arguments are for the example's build.
+# installed_package_test.sh BUILD SOURCE [CMAKE ARGUMENT...]: installs the build, moves what was
+# installed, tries the program, and builds and runs the installed example by CMake and by
+# pkg-config. The arguments go to CMake; CXX and CXXFLAGS tell make the compiler and its flags.
 set -eu
 unset DESTDIR
 build=$1 source=$2
 shift 2
 
+here=$(cd "$(dirname "$0")" && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 prefix=$scratch/moved
@@ -17,37 +19,42 @@ fail() {
 cmake --install "$build" --prefix "$scratch/first" >"$scratch/log" || fail "$(cat "$scratch/log")"
 mv "$scratch/first" "$prefix"
 
-"$prefix/bin/quillet" -version 2>"$scratch/version" || fail "the program does not run"
 for file in share/man/man1/quillet.1 share/man/man5/quilletrc.5 share/man/man5/quillet-formats.5 \
-  share/bash-completion/completions/quillet share/doc/quillet/README.md \
-  share/doc/quillet/CHANGELOG.md share/doc/quillet/LICENSE share/doc/quillet/docs/architecture.md \
-  share/doc/quillet/docs/formats/phd.md include/quillet/trace/trace_file.h; do
+  share/bash-completion/completions/quillet include/quillet/trace/trace_file.h; do
   [ -s "$prefix/$file" ] || fail "no $file"
 done
-package=$(dirname "$(find "$prefix" -name QuilletConfig.cmake)")
-! grep -rnF -e "$scratch" -e "$source" "$package" || fail "the CMake package names the folders above"
+"$here/check_links.sh" "$prefix/share/doc/quillet" || fail 'a document links to nothing'
+"$here/convert_test.sh" "$prefix/bin/quillet" || fail 'the program does not convert'
 
-cmake -S "$source/examples/installed" -B "$scratch/build" -G Ninja \
-  -D CMAKE_PREFIX_PATH="$prefix" "$@" >"$scratch/log" || fail "$(cat "$scratch/log")"
+# What must not be there: what the program keeps to itself, and the folders above.
+[ ! -e "$prefix/include/quillet/app" ] || fail 'headers of app/'
+[ -z "$(find "$prefix" -name '*quillet_app*')" ] || fail 'the library of app/'
+config=$(dirname "$(find "$prefix" -name QuilletConfig.cmake)")
+pkgconfig=$(dirname "$(find "$prefix" -name quillet.pc)")
+export PKG_CONFIG_PATH=$pkgconfig
+! grep -rnF -e "$scratch" -e "$source" "$config" "$pkgconfig" || fail 'folders above are named'
+
+# Each header alone, where a user has headers of the same names.
+headers=$(cd "$prefix/include" && find quillet -name '*.h')
+for header in $headers; do
+  other=$scratch/user/${header#quillet/}
+  mkdir -p "$(dirname "$other")"
+  echo '#error "this is not a header of Quillet"' >"$other"
+  echo "#include <$header>" >>"$scratch/headers.cpp"
+done
+# shellcheck disable=SC2086  # words are meant
+"${CXX:-c++}" ${CXXFLAGS-} -std=c++20 -fsyntax-only -I "$scratch/user" -I "$prefix/include" \
+  "$scratch/headers.cpp" || fail 'headers need more than the folder include/'
+
+# shellcheck disable=SC2046,SC2086
+echo '#include "trace/trace_file.h"' | "${CXX:-c++}" ${CXXFLAGS-} -std=c++20 -fsyntax-only \
+  $(pkg-config --cflags quillet) -x c++ - || fail 'the includes of 1.0.0 fail'
+
+example=$prefix/share/doc/quillet/examples/installed
+cmake -S "$example" -B "$scratch/build" -D CMAKE_PREFIX_PATH="$prefix" "$@" >"$scratch/log" ||
+  fail "$(cat "$scratch/log")"
 cmake --build "$scratch/build" >"$scratch/log" || fail "$(cat "$scratch/log")"
+"$here/fastq_test.sh" "$scratch/build/fastq" || fail 'the example built by CMake fails'
 
-# An SCF file of version 2: two one-byte samples in each channel, then four bases. Numbers are
-# big-endian. A base has four probabilities, in the order A, C, G, T.
-cd "$scratch"
-{
-  printf '.scf\0\0\0\2\0\0\0\200\0\0\0\4'  # 2 samples at 128, 4 bases
-  printf '\0\0\0\0\0\0\0\0\0\0\0\210'      # the bases at 136
-  printf '\0\0\0\0\0\0\0\2702.00\0\0\0\1'  # no comments, at 184
-  head -c 84 /dev/zero
-  printf '\1\2\3\4\5\6\7\10'
-  printf '\0\0\0\0\36\0\0\0A\0\0\0'  # quality 30, which FASTQ writes as "?"
-  printf '\0\0\0\1\0\50\0\0C\0\0\0'  # quality 40, "I"
-  printf '\0\0\0\1\0\0\12\0G\0\0\0'  # quality 10, "+"
-  printf '\0\0\0\1\0\0\0\0N\0\0\0'   # none, "!"
-} >trace.scf
-printf '@trace.scf\nACGN\n+\n?I+!\n' >expected
-"$scratch/build/fastq" trace.scf >found || fail "the example fails"
-diff expected found || fail "the example prints something else"
-
-! "$scratch/build/fastq" nothing.scf 2>found || fail "the example takes what is not there"
-[ "$(cat found)" = 'fastq: no trace: nothing.scf' ] || fail "$(cat found)"
+make -C "$example" >"$scratch/log" || fail "$(cat "$scratch/log")"
+"$here/fastq_test.sh" "$example/fastq" || fail 'the example built by pkg-config fails'
