@@ -4,13 +4,14 @@
 
 namespace Quillet {
 
-// Why a fixed factor is exact. With a denominator of 16 bits a product is either whole or at least
-// 2^-16 away from the next whole number. The fraction, rounded up to 32 bits, is less than 2^-32
-// too large, which times a sample is less than 2^-16: no product gets as far as the next whole
-// number, as it does not in `double`. Where the product is whole, the one in `double` can fall
-// short of it by a rounding, and be truncated to 1 less; a fraction that is 2^-32 smaller does so
-// at all of these samples, and changes no other: a product that is not whole is at least 2^-16
-// above the whole number below it.
+// Why a fixed factor is exact. The denominator has 16 bits, so a product is either whole or at
+// least 2^-16 below the next whole number. The fraction is rounded up to 32 bits: it is less than
+// 2^-32 too large, and times a sample less than 2^-16 too large. So no product that is not whole
+// reaches the next whole number, neither here nor in `double`. A product that is whole can fall
+// short of it in `double` by a rounding, and is then truncated to 1 less. Where all whole products
+// of the samples fall short, a fraction that is 2^-32 smaller does the same, and changes no other
+// product, since those are at least 2^-16 above the whole number below. Where only some fall short
+// there is no fixed factor.
 std::optional<FixedFactor> fixedFactor(std::uint32_t numerator, std::uint32_t denominator,
                                        std::uint32_t largest) {
   const double quotient = static_cast<double>(numerator) / denominator;
@@ -36,17 +37,17 @@ std::optional<FixedFactor> fixedFactor(std::uint32_t numerator, std::uint32_t de
                      .low = static_cast<std::uint16_t>(taken)};
 }
 
-// Stands apart from where factors are made: only of values that come as 16 bits does the compiler
-// see that the upper halves of their products are wanted, which x86-64 processors compute directly.
+// A function of its own, whose factor arrives as 16-bit values: then the compiler sees that only
+// the upper halves of 16-bit products are wanted, which x86-64 processors compute directly.
 void scaleSamples(std::uint16_t* samples, std::size_t count, const FixedFactor& factor) {
   const std::uint16_t whole = factor.whole;
   const std::uint16_t high = factor.high;
   const std::uint16_t low = factor.low;
   for (std::size_t i = 0; i < count; ++i) {
     const std::uint16_t sample = samples[i];
-    // 65536 * upper + lower is the sample times `high`; `carried` comes from that times `low`. The
-    // two halves are two multiplications, since x86-64 processors have one for each; in different
-    // types, since the compiler would otherwise make one and split its products.
+    // 65536 * upper + lower is the sample times `high`; `carried` comes from the sample times
+    // `low`. Two multiplications of different types, since x86-64 has one instruction for each half
+    // of a product; from a single one the compiler would split the product.
     const auto upper = static_cast<std::uint16_t>((std::uint32_t{sample} * high) >> 16);
     const auto lower = static_cast<std::uint16_t>(std::uint64_t{sample} * high);
     const auto carried = static_cast<std::uint16_t>((std::uint32_t{sample} * low) >> 16);

@@ -9,8 +9,10 @@
 
 namespace Quillet {
 
-// Lines that come by the hundred are put together in a block of memory, without a call of the
-// writer for every word. What a line is made of puts its bytes at `text` and returns their end.
+// Lines of characters and numbers. Plainly: writeWord() and writeLine() of the writer for each,
+// which give the same bytes. Here lines are put together in a block of memory, and the writer gets
+// a block at a time; a call for each word, with its test of the room left, costs 28 % more CPU in a
+// whole run. Each function puts its bytes at `text` and returns their end.
 
 inline char* putCharacter(char* text, char character) {
   *text = character;
@@ -22,10 +24,10 @@ inline char* putWord(char* text, char character) {
 }
 
 inline char* putWord(char* text, std::int32_t value) {
-  return putDecimal(text, value) + 1;  // the blank stands there already
+  return putDecimal(text, value) + 1;  // the blank is there already
 }
 
-// For values that hardly ever are negative or above 99999.
+// For values that are hardly ever negative or above 99999.
 
 inline char* putShortWord(char* text, std::int32_t value) {
   return putShortDecimal(text, value) + 1;
@@ -35,12 +37,11 @@ inline char* putShortLine(char* text, std::int32_t value) {
   return putCharacter(putShortDecimal(text, value), '\n');
 }
 
-/// Lines that are put together at a time.
+/// Lines in a block.
 inline constexpr std::int32_t blockOfLines = 32;
 
-/// Writes `count` lines. `put(text, begin, end)` puts the lines from `begin` to before `end`, at
-/// most blockOfLines of them, at `text` and returns their end. It touches at most `longestLine`
-/// bytes a line.
+/// Writes `count` lines. `put(text, begin, end)` puts the lines begin..end-1, at most blockOfLines
+/// of them, at `text` and returns their end. It touches at most `longestLine` bytes a line.
 template <std::size_t longestLine, typename Put>
 void writeLines(Tessaly::FileWriter& writer, std::int32_t count, Put put) {
   char block[blockOfLines * longestLine];

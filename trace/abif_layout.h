@@ -3,7 +3,7 @@
 #include <cstdint>
 
 // The ABIF container: a header, a directory of tagged entries, and data anywhere in the file.
-// All numbers are big-endian. An ABIF file may stand behind a header of 128 bytes of its carrier.
+// All numbers are big-endian. Some files carry a header of 128 bytes before it.
 namespace Quillet::AbifLayout {
 
 constexpr std::int32_t prefixSize = 128;  // bytes of a carrier's header, where there is one

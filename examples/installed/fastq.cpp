@@ -4,38 +4,33 @@
 #include <cstdint>
 #include <iostream>
 #include <string>
+#include <string_view>
 
-#include <quillet/foundation/string.h>
-#include <quillet/foundation/vector.h>
 #include <quillet/trace/trace_file.h>
 
 namespace {
 
 /// FASTQ has one printable character for each quality: 0 is "!", the highest, 93, is "~".
-std::string qualityLetters(const Tessaly::String& qualities, std::int32_t baseCount) {
-  std::string letters(static_cast<std::size_t>(baseCount), '!');
-  for (std::int32_t i = 0; i < std::min(baseCount, qualities.length()); ++i) {
-    const int quality = static_cast<unsigned char>(qualities.text()[i]);
-    letters[static_cast<std::size_t>(i)] = static_cast<char>('!' + std::min(quality, 93));
+std::string qualityLetters(const Quillet::BaseCalls& calls) {
+  std::string letters;
+  for (std::uint32_t i = 0; i < calls.count; ++i) {
+    const int quality = std::min<int>(calls.qualities[i], 93);
+    letters += static_cast<char>('!' + quality);
   }
   return letters;
 }
 
 bool printFastq(const char* path) {
   Quillet::TraceFile trace;
-  Tessaly::String name(path);
-  if (!trace.open(name)) {
+  if (!trace.open(path)) {
     std::cerr << "fastq: no trace: " << path << '\n';
     return false;
   }
 
-  Tessaly::String bases;
-  Tessaly::String qualities;
-  Tessaly::Vector<std::int32_t> peaks;
-  trace.getBaseCalls(bases, qualities, peaks);
+  const Quillet::BaseCalls& calls = trace.content().calls;
   std::cout << '@' << path << '\n'
-            << bases << "\n+\n"
-            << qualityLetters(qualities, bases.length()) << '\n';
+            << std::string_view(calls.bases.get(), calls.count) << "\n+\n"
+            << qualityLetters(calls) << '\n';
   return true;
 }
 
