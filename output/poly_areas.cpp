@@ -54,8 +54,9 @@ void normaliseAreas(std::span<const std::uint16_t> samples, float average, std::
     const double height = average;
     const double scaled = heightSum == 0 ? height : height * area / heightSum;
     const double factor = scaled * heightUnit;
-    for (std::int32_t k = first; k < base; ++k)
+    for (std::int32_t k = first; k < base; ++k) {
       normalised[k] = truncateToInt32(factor * heights[k]);
+    }
   }
 }
 

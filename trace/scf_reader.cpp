@@ -1,6 +1,7 @@
 #include "trace/scf_reader.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 
 #include "foundation/big_endian.h"
@@ -95,7 +96,7 @@ void readInterleavedSamples(Tessaly::FileReader& file, std::int32_t sampleSize,
     dropPart(chunk, held, sampleSize);
     for (int channel = 0; channel < channelCount; ++channel) {
       const auto samples = channels[channel].subspan(first, count);
-      const unsigned char* stored = chunk + channel * sampleSize;
+      const unsigned char* stored = chunk + std::ptrdiff_t{channel} * sampleSize;
       for (std::uint16_t& sample : samples) {
         sample = sampleSize == 1 ? *stored : Tessaly::bigEndian16(stored);
         stored += recordSize;

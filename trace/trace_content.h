@@ -11,7 +11,7 @@ namespace Quillet {
 
 /// The base calls of a trace, as the file stores them: nothing is cut, clipped or checked.
 ///
-/// Base i has bases[i], qualities[i] and peaks[i]. Owns its arrays; without calls they hold nothing.
+/// Base i has bases[i], qualities[i] and peaks[i]. Owns its arrays.
 struct BaseCalls {
   std::uint32_t count = 0;
   std::unique_ptr<char[]> bases;              // `count` letters; no zero byte follows them
