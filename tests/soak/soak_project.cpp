@@ -38,7 +38,7 @@ void cutShort(std::string& bytes, Engine& engine) { bytes.resize(below(engine, b
 
 void loseSector(std::string& bytes, Engine& engine) {
   const std::size_t start = below(engine, bytes.size()) / 512 * 512;
-  const std::size_t count = std::min<std::size_t>(512 << below(engine, 6), bytes.size() - start);
+  const std::size_t count = std::min(std::size_t{512} << below(engine, 6), bytes.size() - start);
   bytes.replace(start, count, count, '\0');
 }
 
@@ -133,7 +133,8 @@ std::string addTrace(const fs::path& chromats, int number, bool damaged, Engine&
   const int baseCount = 300 + static_cast<int>(below(engine, 601));
   // Every third trace has no caller's name.
   const std::string caller = number % 3 == 0 ? "" : "caller " + std::to_string(number);
-  std::string bytes = format.bytes(believableTrace(engine(), baseCount), caller);
+  const auto traceSeed = static_cast<std::uint32_t>(engine());  // 32 bits in a wider type
+  std::string bytes = format.bytes(believableTrace(traceSeed, baseCount), caller);
   const bool packed = below(engine, 20) == 0;
   const bool damagedAsGzip = damaged && packed && below(engine, 2) == 0;
   if (damaged && !damagedAsGzip) damage(bytes, engine);
