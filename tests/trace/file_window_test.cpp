@@ -164,7 +164,7 @@ TEST(FileWindow, ShortReadsAreContinued) {
 TEST(FileWindow, BytesThatCanNotBeReadTakeNoOthersWithThem) {
   ScratchFolder folder;
   const std::string bytes = countingBytes(100);
-  SystemOf system({.badByte = 45});
+  SystemOf system({.most = 4, .badByte = 45});
 
   FileWindow window(folder.write("file", bytes).text());
 
