@@ -16,7 +16,6 @@ FileReader::~FileReader() = default;
 
 void FileReader::setBufferSize(std::int32_t blockSize) {
   blockSize_ = std::max(blockSize, 0);
-  window_->drop();
   blockStart_ = nullptr;
   cursor_ = end_ = 0;
   atEnd_ = false;

@@ -68,11 +68,6 @@ bool FileWindow::close() {
   return true;
 }
 
-void FileWindow::drop() {
-  bytes_.reset();
-  room_ = offset_ = count_ = 0;
-}
-
 bool FileWindow::show(std::int64_t offset, std::int64_t count) {
   if (!isOpen()) return false;
   if (isSizeDoubted_ && count > 0) {

@@ -24,8 +24,6 @@ class FileWindow {
   bool isOpen() const { return descriptor_ >= 0; }
   /// Keeps the bytes. False when no file is open.
   bool close();
-  /// Gives up the bytes and keeps the file.
-  void drop();
 
   /// As many bytes as the file had when it was opened, or up to where reading has found its end
   /// since. A size of 0 is doubted, since the kernel gives it for files that it makes up while they
