@@ -204,6 +204,19 @@ TEST(StringNumbers, ExtremeDoublesKeepTheirDigits) {
                {1e-307, "1.e-307"}});
 }
 
+TEST(StringNumbers, PowersOfTenAreCorrectlyRounded) {
+  // Reckoned apart from the program: with the power one unit in the last place up (first of each
+  // pair) or down (second), the last digit is another one.
+  expectTexts({{2.199532218291915e+23, "2.19953221829192e+23"},
+               {6.142330489676224e+23, "6.14233048967622e+23"},
+               {6.083377532334135e+45, "6.08337753233414e+45"},
+               {5.789312364130644e+45, "5.78931236413064e+45"},
+               {6.485013776091656e+199, "6.48501377609166e+199"},
+               {8.107529090913266e+199, "8.10752909091326e+199"},
+               {8.177764720608027e+300, "8.17776472060803e+300"},
+               {5.013976885766565e+300, "5.01397688576656e+300"}});
+}
+
 TEST(StringNumbers, DenormalDoublesEndAndKeepTheirMagnitude) {
   for (const double value :
        {1e-308, 9.99e-309, 1e-310, 1.5e-322, Limits::denorm_min(), -Limits::denorm_min()}) {
