@@ -2,11 +2,11 @@
 
 #include <cstdint>
 
-// The ABIF container: a header, a directory of tagged entries, and data anywhere in the file.
-// All numbers are big-endian. Some files carry a header of 128 bytes before it.
+// The ABIF container: a header, a directory of tagged entries, and data anywhere in the file. All
+// numbers are big-endian. In some files a prefix stands before the header.
 namespace Quillet::AbifLayout {
 
-constexpr std::int32_t prefixSize = 128;  // bytes of a carrier's header, where there is one
+constexpr std::int32_t prefixSize = 128;  // bytes before the "ABIF" in a file with a prefix
 
 // Header: byte offsets from the "ABIF". The directory's own entry starts at byte 6.
 constexpr std::uint32_t headerMagic = 0;             // 4 characters, "ABIF"

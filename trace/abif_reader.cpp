@@ -13,10 +13,10 @@ namespace {
 
 using namespace AbifLayout;
 
-/// What the directory of one ABIF file says about the entries that are used.
+/// The directory entries that the reader uses.
 ///
-/// Offsets are bytes into the file, still unsigned: see signedOffset(). Of an entry that occurs
-/// more than once the last occurrence counts.
+/// Offsets are unsigned bytes into the file; signedOffset() turns them into positions. When an
+/// entry occurs more than once, the last one counts.
 struct AbifDirectory {
   struct Item {
     std::uint32_t count = 0;
@@ -30,16 +30,17 @@ struct AbifDirectory {
   Item qualities;
   Item peaks;
   Item callerName;               // its first byte is a length
-  std::uint32_t lastNumber = 0;  // of the last entry; reduced by 9 for a channel that is used
+  std::uint32_t lastNumber = 0;  // number of the last entry; for a channel in use its index 0..3
 
   std::uint32_t pointCount() const { return channels[0].count; }
 };
 
-/// Offsets are added modulo 2^32. The sum is a file position; from 2^31 on it is negative.
+/// The offset as a file position. Offsets are added modulo 2^32; from 2^31 on the position is
+/// negative.
 std::int32_t signedOffset(std::uint32_t offset) { return static_cast<std::int32_t>(offset); }
 
-/// Walks the directory of an ABIF file. Each step is false when it needs something that the file
-/// does not hold.
+/// Reads the directory of an ABIF file, entry by entry. Each operation is false when the file ends
+/// before a value that it needs.
 class DirectoryWalk {
  public:
   DirectoryWalk(Tessaly::FileReader& file, std::uint32_t baseOffset, AbifDirectory& directory)
@@ -55,7 +56,8 @@ class DirectoryWalk {
       return false;
     }
 
-    // Entries of size 0 are all the same one. Any other walk ends where the file does.
+    // With an entry size of 0 all entries are the same one. Any other walk stops at the end of the
+    // file.
     if (entrySize == 0) entryCount = std::min(entryCount, 1u);
     entryOffset_ = directoryOffset + baseOffset_;
     for (std::uint32_t index = 0; index < entryCount; ++index, entryOffset_ += entrySize) {
@@ -69,9 +71,9 @@ class DirectoryWalk {
   static_assert(entryName == 0 && entryNumber == nameSize);
 
   bool readEntry() {
-    // Deliberate: a name is unreadable, wherever it stands, once the file's last block is used up.
+    // Deliberate: once the last block of the file is used up, no name can be read at any position.
     if (file_.hasEnded()) return false;
-    char head[headSize];  // name and number in one read: most entries are passed over after it
+    char head[headSize];  // name and number in one read; most entries are then skipped
     if (file_.readBytesAt(signedOffset(entryOffset_ + entryName), head, headSize) < headSize) {
       return false;
     }
@@ -84,7 +86,8 @@ class DirectoryWalk {
     }
     // Deliberate: the edited calls (1) are taken, not the base caller's own (2).
     if (number == callNumber) return readCallEntry(name);
-    // Deliberate: these offsets count from the start of the file, whatever stands before "ABIF".
+    // Deliberate: offsets of the calls and the caller name count from the start of the file, even
+    // after a prefix.
     if (number == callerNameNumber && name == "SPAC") return readItem(directory_.callerName, 0);
     return true;
   }
@@ -100,24 +103,24 @@ class DirectoryWalk {
   bool readBaseOrder() {
     std::uint32_t dataSize = 0;
     if (!readField(entryDataSize, dataSize)) return false;
+    // The result is not needed: faultOf() refuses an order that is too short. When the last block
+    // of the file is used up, the read fails, and the order of an earlier "FWO_" stays.
     if (dataSize == baseOrderSize) {
       file_.readTextAt(signedOffset(entryOffset_ + entryDataOffset), directory_.baseOrder,
                        baseOrderSize);
     }
-    // A missing letter shows in the length, unless an earlier "FWO_" was read: where the file is
-    // known to end before the letters, the read is refused and leaves the earlier order.
     return true;
   }
 
   bool readChannel(std::uint32_t index) {
     std::uint32_t dataSize = 0;
     if (!readField(entryDataSize, dataSize)) return false;
-    if (dataSize <= 4) return true;  // as much as an entry holds itself: no trace
+    if (dataSize <= 4) return true;  // so little is stored in the entry itself: no trace
     directory_.lastNumber = index;
     return readItem(directory_.channels[index], baseOffset_);
   }
 
-  // Deliberate: the field is always an offset, also for data short enough to be stored in it.
+  /// Deliberate: the field is read as an offset, even when the data fits into the field itself.
   bool readItem(AbifDirectory::Item& item, std::uint32_t addedOffset) {
     if (!readField(entryElementCount, item.count) || !readField(entryDataOffset, item.offset)) {
       return false;
@@ -137,7 +140,7 @@ class DirectoryWalk {
   std::uint32_t entryOffset_ = 0;
 };
 
-/// What keeps the trace from being read, as far as the directory alone tells.
+/// The first fault that the directory alone shows.
 TraceFault faultOf(const AbifDirectory& directory) {
   const Tessaly::String& order = directory.baseOrder;
   if (order.length() != baseOrderSize) return TraceFault::noBaseOrder;
@@ -150,7 +153,8 @@ TraceFault faultOf(const AbifDirectory& directory) {
   }
   const std::uint32_t pointCount = directory.pointCount();
   if (pointCount == 0) return TraceFault::noAnalysedChannels;
-  // Deliberate: only the channel that the last entry's number happens to name is compared.
+  // Deliberate: only one channel's length is compared with the first one's: that of the channel
+  // whose index the last entry's number happens to equal.
   const std::uint32_t compared = directory.lastNumber;
   if (compared < channelCount && directory.channels[compared].count != pointCount) {
     return directory.channels[compared].count == 0 ? TraceFault::noAnalysedChannels
@@ -163,7 +167,7 @@ TraceFault faultOf(const AbifDirectory& directory) {
   return callsAgree ? TraceFault::none : TraceFault::callCountsDiffer;
 }
 
-/// Whether the file holds what the directory claims, or a small enough claim stands in for it.
+/// Whether every claimed count passes isBacked().
 bool backsClaims(const Tessaly::FileReader& file, const AbifDirectory& directory) {
   const std::uint32_t pointCount = directory.pointCount();
   const std::int64_t channelSize = std::int64_t{2} * pointCount;  // bytes
@@ -171,7 +175,7 @@ bool backsClaims(const Tessaly::FileReader& file, const AbifDirectory& directory
     if (!isBacked(file, pointCount, signedOffset(channel.offset), channelSize)) return false;
   }
 
-  // A move to a negative offset fails and leaves the reader after what it read last.
+  // A seek to a negative offset fails; reading then goes on after what was read last.
   const std::uint32_t baseCount = directory.bases.count;
   std::int64_t position = signedOffset(directory.channels[channelCount - 1].offset) + channelSize;
   const auto isRunBacked = [&](const AbifDirectory::Item& item, std::int64_t byteCount) {
@@ -184,10 +188,10 @@ bool backsClaims(const Tessaly::FileReader& file, const AbifDirectory& directory
          isRunBacked(directory.peaks, std::int64_t{2} * baseCount);
 }
 
-/// False when a channel's offset is negative.
+/// Reads the samples of all channels; false when the offset of one is negative.
 bool readChannels(Tessaly::FileReader& file, const AbifDirectory& directory, Channels& channels) {
   channels = Channels(directory.pointCount());
-  // Deliberate: an order that names one letter twice leaves the channel it misses all zeros.
+  // Deliberate: an order that names one letter twice leaves the missing channel all zeros.
   for (int channel = 0; channel < channelCount; ++channel) {
     if (!directory.baseOrder.contains(channelLetters[channel])) {
       std::ranges::fill(channels[channel], std::uint16_t{0});
@@ -205,7 +209,7 @@ BaseCalls readCalls(Tessaly::FileReader& file, const AbifDirectory& directory) {
   BaseCalls calls(directory.bases.count);
   const auto stored = std::make_unique_for_overwrite<std::uint16_t[]>(calls.count);
 
-  // Deliberate: a move that fails is no failure; reading goes on at the current position.
+  // Deliberate: a failed seek is ignored; reading goes on at the current position.
   file.seek(signedOffset(directory.bases.offset));
   readArray(file, calls.bases.get(), calls.count);
   file.seek(signedOffset(directory.qualities.offset));
@@ -222,7 +226,7 @@ Tessaly::String readCallerName(Tessaly::FileReader& file, const AbifDirectory::I
   Tessaly::String name;
   if (!item.found) return name;
   file.seek(signedOffset(item.offset + 1));  // past the length byte
-  // Texts count in signed 32 bits: a count of 0, 1 or more than 2^31 gives an empty name.
+  // Text lengths are signed: a count of 0, of 1 or above 2^31 gives an empty name.
   file.readText(name, static_cast<std::int32_t>(item.count - 1));
   return name;
 }

@@ -7,9 +7,9 @@
 
 namespace Quillet {
 
-/// Reads an open ABIF file. `baseOffset` is where its "ABIF" stands: 0, or 128 after a carrier's
-/// header. Fails when the directory or the channels can not be used; calls and channels that the
-/// file cuts short hold zeros from there on.
+/// Reads an open ABIF file. `baseOffset` is the position of its "ABIF": 0, or 128 in a file with a
+/// prefix. Sets a fault when the directory or the channels can not be used. When the file is too
+/// short for a channel or the calls, the missing values are 0.
 TraceContent readAbif(Tessaly::FileReader& file, std::uint32_t baseOffset);
 
 }  // namespace Quillet

@@ -53,10 +53,10 @@ bool FileReader::seek(std::int32_t position) {
   if (blockIndex != block_) {
     const std::int32_t blockOffset = blockIndex * blockSize_;
     if (!showBlock(blockOffset)) return false;
-    // Deliberate: this stores the block's byte offset, while the comparison above and refill()
-    // count in blocks. After a move into any block but the first, the next move therefore reads its
-    // block afresh, unless its number happens to equal the stored offset: then the block in view
-    // stays, although it is another one. tell() is no file position after such a move.
+    // Deliberate: this stores the byte offset of the block, but the comparison above and refill()
+    // take it for a block number. So the next seek nearly always shows its block afresh. When the
+    // number of that block equals the stored offset, the current block stays, although it is
+    // another one. tell() gives no file position after such a seek.
     block_ = blockOffset;
   }
   cursor_ = position % blockSize_;
@@ -70,7 +70,7 @@ std::int32_t FileReader::tell() const {
                                    static_cast<std::uint32_t>(cursor_));
 }
 
-/// Shows the next block; false when that brings no further byte.
+/// Makes the next block the current one; false when there is none or it is empty.
 bool FileReader::refill() {
   if (atEnd_) return false;
   if (!showBlock(nextOffset_)) enterBlock(nextOffset_, 0);
@@ -78,15 +78,15 @@ bool FileReader::refill() {
   return end_ > 0;
 }
 
-/// Bytes that can be taken at once, one after the other in the window: the unread ones of the block
-/// in view and those of the whole blocks after it. 0 when the block is used up.
+/// Unread bytes that lie in the window without a gap: those of the current block and of the whole
+/// blocks after it. 0 when the current block is used up.
 std::int64_t FileReader::unreadInWindow() const {
   if (isExhausted() || !is_open()) return unreadCount();
   return unreadCount() + window_->bytesFrom(nextOffset_) / blockSize_ * blockSize_;
 }
 
-/// Moves past `count` of the bytes that unreadInWindow() counts. The block of the last of them is
-/// in view afterwards, as if one block had been shown after the other.
+/// Moves past `count` of the bytes that unreadInWindow() counts. The state afterwards is that of a
+/// reader that took them block by block.
 void FileReader::pass(std::int64_t count) {
   const std::int64_t taken = cursor_ + count;
   const std::int64_t refills = (taken - 1) / blockSize_;
@@ -97,8 +97,8 @@ void FileReader::pass(std::int64_t count) {
   cursor_ = static_cast<std::int32_t>(taken - refills * blockSize_);  // fits: inside the block
 }
 
-/// Shows the block at `offset`; false, with everything as it was, without a file or without memory.
-/// A block after the end of the file is an empty one.
+/// Makes the block at `offset` the current one; a block after the end of the file is empty. False,
+/// with everything unchanged, without an open file or when memory is out.
 bool FileReader::showBlock(std::int64_t offset) {
   if (!window_->show(offset, blockSize_)) return false;
   enterBlock(offset, static_cast<std::int32_t>(
@@ -106,7 +106,7 @@ bool FileReader::showBlock(std::int64_t offset) {
   return true;
 }
 
-/// Makes the `byteCount` bytes from `offset` on, which the window holds, the block in view.
+/// Makes the `byteCount` bytes from `offset` on the current block. The window holds them.
 void FileReader::enterBlock(std::int64_t offset, std::int32_t byteCount) {
   blockStart_ = byteCount > 0 ? window_->at(offset) : nullptr;
   cursor_ = 0;

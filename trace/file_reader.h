@@ -11,65 +11,70 @@ namespace Tessaly {
 
 class FileWindow;
 
-/// A file read through blocks: bytes, big-endian numbers, texts and lines, at the current position
-/// or at an absolute one.
+/// Reads a file block by block: bytes, big-endian numbers, texts, lines and words, at the current
+/// position or at a given one.
 ///
-/// Positions are byte offsets from the start of the file. Owns the file and a stretch of its bytes.
-/// Errors: a false result or a short count; nothing is printed, and nothing is thrown but what a
-/// String throws when memory is out.
-/// Use: construct, open, read, close or destroy. The inherited stream is never opened. It lends the
-/// reader its state, which stays good through all reading; nothing can be read through it.
+/// Call open() before any read. Positions are byte offsets from the start of the file. Errors are
+/// false results or short counts. Nothing is printed. Nothing is thrown, except by a String when
+/// memory is out.
+/// The inherited stream is never opened, so nothing can be read through it. It only holds the error
+/// state, which reads do not change.
 class FileReader : public std::ifstream {
  public:
   static constexpr std::int32_t defaultBlockSize = 1024;  // bytes
 
   FileReader();
-  /// A negative block size is taken as 0. A reader with a block size of 0 finds nothing in any
-  /// file.
+  /// The block size is in bytes; a negative one is taken as 0. With a block size of 0 every file
+  /// reads as empty.
   explicit FileReader(std::int32_t blockSize);
   FileReader(const FileReader&) = delete;
   FileReader& operator=(const FileReader&) = delete;
   ~FileReader() override;
 
-  /// Takes effect with the next block that is read; bytes of the present block are given up.
+  /// Drops the bytes of the current block. The next block that is read has the new size.
   void setBufferSize(std::int32_t blockSize);
 
-  /// Shows the first block. Closes a file that is still open, and refuses what is no regular file.
-  /// After a failure the reader holds no file. The stream state is clear either way.
+  /// Opens the file and reads its first block, after closing a file that is still open. False, with
+  /// no file open, for anything but a regular file that can be opened. Clears the stream state in
+  /// any case.
   bool open(const String& path);
   bool open(const char* path);
-  /// Whether a file is open for reading: not the inherited stream, which never is.
+  /// Whether this reader has an open file; the inherited stream never has.
   bool is_open() const;
-  /// The block in view can still be read. Without an open file the stream state is a failed one.
+  /// Closes the file. The current block can still be read. Without an open file it sets the fail
+  /// bit of the stream.
   void close();
   /// Whether the file system has an entry of any kind under the path.
   static bool exists(const String& path);
   static bool exists(const char* path);
 
-  /// False for a negative position; one after the end of the file is a move like any other.
+  /// Moves to a position, which may lie after the end of the file. False for a negative position,
+  /// with a block size of 0, and for another block without an open file.
+  /// Deliberate: a seek to another block sets block() to the byte offset of that block.
   bool seek(std::int32_t position);
-  /// Block size times `block` plus the place in the block: see seek() for when it is no position.
+  /// blockSize() * block() + the place in the block, modulo 2^32. It is no file position after a
+  /// seek that set block() to a byte offset.
   std::int32_t tell() const;
 
-  /// Bytes of the open file: as many as it had when it was opened, or up to where reading has found
-  /// its end since; 0 without an open file. Of a file whose size the system gives as 0, as it does
-  /// for files that the kernel makes up while they are read, up to 1 MiB is looked for.
+  /// Bytes in the open file: its size when it was opened, or less once a read has found an earlier
+  /// end. 0 without an open file. Of a file that the system gives a size of 0, up to 1 MiB is read:
+  /// files that the kernel generates, as in /proc, have that size.
   std::int64_t fileSize() const;
   std::int32_t blockSize() const { return blockSize_; }
   std::int32_t block() const { return block_; }
   std::int32_t blockBytes() const { return blockBytes_; }
-  /// Line feeds passed over by the line and white-space operations since the file was opened.
+  /// Line feeds that the line, word and white-space operations have passed since open().
   std::int32_t lineCount() const { return lineCount_; }
-  /// Whether the last block is in view. A block in which the file can not be read is an empty one,
-  /// and counts as the last; a move leads out of it.
+  /// Whether the current block is the last one. A block that can not be read is empty and counts as
+  /// the last; seek() can leave it.
   bool atEnd() const { return atEnd_; }
-  /// Whether the last block is used up. A reader with a block size of 0 has always ended.
+  /// Whether the last block is used up; always true with a block size of 0.
   bool hasEnded() const { return isExhausted() && (atEnd_ || blockSize_ == 0); }
 
-  // Single values. Integers are stored most significant byte first on every host, floating values
-  // in the byte order of the host. False, with the value as it was, when the file can not complete
-  // it: then its bytes stay unread when the last block is in view, and are used up otherwise. The
-  // positioned forms are also false when the move fails.
+  // Single values. Integers are big-endian in the file; floating values have the byte order of the
+  // host. False, with the value unchanged, when the file ends before or inside it. In the last
+  // block the bytes of an incomplete value stay unread; otherwise they are used up. The positioned
+  // forms are also false when seek() is.
   bool readInt8(std::int8_t& value);
   bool readUInt8(std::uint8_t& value);
   bool readInt16(std::int16_t& value);
@@ -87,8 +92,8 @@ class FileReader : public std::ifstream {
   bool readFloatAt(std::int32_t position, float& value);
   bool readDoubleAt(std::int32_t position, double& value);
 
-  // Runs: the result is the number of values that were stored, each of them complete. A count of 0
-  // or less reads nothing.
+  // Arrays. The result is the number of complete values that were stored. A count of 0 or less
+  // reads nothing.
   std::int32_t readBytes(char* destination, std::int32_t count);
   std::int32_t readBytes(std::int8_t* destination, std::int32_t count);
   std::int32_t readBytes(std::uint8_t* destination, std::int32_t count);
@@ -102,28 +107,28 @@ class FileReader : public std::ifstream {
   std::int32_t readFloatArray(float* destination, std::int32_t count);
   std::int32_t readDoubleArray(double* destination, std::int32_t count);
 
-  /// `length` characters, zero bytes included, or as many as there are. False, with the text as it
-  /// was, once the last block is used up.
+  /// Reads `length` characters, or as many as there are. Zero bytes are characters too. False, with
+  /// the text unchanged, when hasEnded().
   bool readText(String& text, std::int32_t length);
-  /// Like readText() at a position. False, without moving, once the last block is used up; a
-  /// negative position gives an empty text and true.
+  /// Like readText(), at a position. When hasEnded(), it is false and does not move. A negative
+  /// position gives an empty text and true.
   bool readTextAt(std::int32_t position, String& text, std::int32_t length);
-  /// Up to the next line feed, which is taken, counted and not stored. False, with the text as it
-  /// was, once the last block is used up.
+  /// Reads up to the next line feed, which is consumed and counted, but not stored. False, with the
+  /// text unchanged, when hasEnded().
   bool readLine(String& line);
   bool readLineAt(std::int32_t position, String& line);
-  /// Passes over lines up to the first that begins with `label`; `rest` becomes what follows it on
-  /// that line. Counts every line feed. False, with `rest` as it was, when no line does; none but
-  /// the label's line is kept in memory. `label` holds no line feed.
+  /// Skips lines until one begins with `label`, and reads the remainder of that line into `rest`.
+  /// Counts every line feed. False, with `rest` unchanged, when no line begins with it. Keeps no
+  /// other line in memory. `label` is not empty and holds no line feed.
   bool readLineAfter(std::string_view label, String& rest);
-  /// Like readLine() with another delimiter; line feeds are not counted.
+  /// Like readLine(), but with another delimiter; line feeds are not counted.
   bool readUntil(String& text, char delimiter);
-  /// Passes over everything up to and including the delimiter; false when the file has no more.
+  /// Skips everything up to and including the delimiter; false when the file ends before it.
   bool skipUntil(char delimiter);
-  /// Passes over white space and counts its line feeds; false when nothing else was left.
+  /// Skips white space and counts its line feeds; false when the file ends first.
   bool skipWhiteSpace();
-  /// The next run of characters without white space; the white space after it stays unread. False,
-  /// with the text as it was, when there is no further word.
+  /// Skips white space, then reads up to the next white space, which stays unread. False, with the
+  /// text unchanged, when there is no further word.
   bool readWord(String& word);
 
  private:
@@ -149,15 +154,15 @@ class FileReader : public std::ifstream {
 
   std::unique_ptr<FileWindow> window_;  // never null
   std::int32_t cursor_ = 0;             // next unread byte, from the start of the block; a seek
-                                        // can put it after `end_`
+                                        // can put it past `end_`
   std::int32_t end_ = 0;                // one past the last valid byte of the block
   std::int32_t blockSize_;              // bytes
-  std::int32_t block_ = 0;              // number of the block in view, but see seek()
-  std::int32_t blockBytes_ = 0;         // bytes that the last block delivered
+  std::int32_t block_ = 0;              // number of the current block, but see seek()
+  std::int32_t blockBytes_ = 0;         // bytes in the block that was read last
   std::int32_t lineCount_ = 0;
-  bool atEnd_ = false;  // the last block was short: there is no further refill
+  bool atEnd_ = false;  // the current block is short: no block follows it
 
-  const char* blockStart_ = nullptr;  // first byte of the block in view
+  const char* blockStart_ = nullptr;  // first byte of the current block
   std::int64_t nextOffset_ = 0;       // file offset at which the next refill reads
 };
 

@@ -8,12 +8,12 @@
 namespace Tessaly {
 
 void FileReader::countLineFeed() {
-  // Modulo 2^32, for a file of more lines than that.
+  // Wraps modulo 2^32.
   lineCount_ = static_cast<std::int32_t>(static_cast<std::uint32_t>(lineCount_) + 1);
 }
 
-/// Appends up to `count` bytes, a block at a time: a count that the file does not back costs
-/// nothing.
+/// Appends up to `count` bytes, block by block: memory grows with the bytes that are there, not
+/// with `count`.
 void FileReader::appendBytes(String& text, std::int32_t count) {
   std::int32_t appended = 0;
   while (appended < count) {
@@ -25,7 +25,8 @@ void FileReader::appendBytes(String& text, std::int32_t count) {
   }
 }
 
-/// Appends the bytes before the delimiter and takes the delimiter; false when the file ends first.
+/// Appends the bytes before the delimiter and consumes the delimiter; false when the file ends
+/// first.
 bool FileReader::appendUntil(String& text, char delimiter) {
   while (!isExhausted() || refill()) {
     const char* const start = unread();
@@ -52,17 +53,17 @@ bool FileReader::readText(String& text, std::int32_t length) {
 }
 
 bool FileReader::readTextAt(std::int32_t position, String& text, std::int32_t length) {
-  // Deliberate: once the end of the file has been reached, this read no longer moves.
+  // Deliberate: once the end of the file has been reached, this read no longer seeks.
   if (hasEnded()) return false;
   text.clear();
-  // Deliberate: a negative position is an empty text, and no failure.
+  // Deliberate: a negative position gives an empty text and true.
   if (position < 0) return true;
   return seek(position) && readText(text, length);
 }
 
 bool FileReader::readLine(String& line) {
-  // Deliberate: a file whose last line ends exactly where a block ends has a further, empty line,
-  // since only the next block tells that nothing follows.
+  // Deliberate: when the file ends where a block ends, one more, empty line is read. Only the next
+  // block shows that nothing follows.
   if (hasEnded()) return false;
   line.clear();
   if (appendUntil(line, '\n')) countLineFeed();
@@ -74,11 +75,11 @@ bool FileReader::readLineAt(std::int32_t position, String& line) {
 }
 
 bool FileReader::readLineAfter(std::string_view label, String& rest) {
-  std::size_t matched = 0;  // characters at the start of the line
+  std::size_t matched = 0;  // characters of the label, at the start of the line
   for (std::int8_t character = 0; readInt8(character);) {
     if (character == label[matched]) {
       if (++matched < label.size()) continue;
-      // The rest is empty where the file ends right after the label.
+      // readLine() is false when the file ends right after the label.
       if (!readLine(rest)) rest.clear();
       return true;
     }

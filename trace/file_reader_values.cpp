@@ -13,7 +13,7 @@ namespace {
 
 static_assert(sizeof(float) == 4 && sizeof(double) == 8, "widths of the stored floating values");
 
-/// Stores `count` complete values whose bytes lie one after the other at `bytes`.
+/// Stores the `count` values that the bytes hold.
 template <typename Value>
 void decode(const char* bytes, Value* values, std::int32_t count) {
   const auto valueCount = static_cast<std::size_t>(count);  // never negative
@@ -32,7 +32,7 @@ void decode(const char* bytes, Value* values, std::int32_t count) {
 
 }  // namespace
 
-/// Copies up to `count` bytes, going on from block to block.
+/// Copies up to `count` bytes, across blocks, and returns how many.
 std::int32_t FileReader::takeBytes(void* destination, std::int32_t count) {
   std::int32_t taken = 0;
   while (taken < count) {
@@ -45,7 +45,7 @@ std::int32_t FileReader::takeBytes(void* destination, std::int32_t count) {
   return taken;
 }
 
-/// All `size` bytes or a false result. When no refill is possible, nothing is used up.
+/// Copies `size` bytes; false when fewer are left. In the last block none is used up then.
 bool FileReader::takeWhole(void* destination, std::int32_t size) {
   if (unreadCount() < size && atEnd_) return false;
   return takeBytes(destination, size) == size;
@@ -71,7 +71,7 @@ std::int32_t FileReader::takeArray(Value* destination, std::int32_t count) {
   while (taken < count) {
     const auto run = static_cast<std::int32_t>(  // fits: at most the count
         std::min<std::int64_t>(unreadInWindow() / size, count - taken));
-    if (run == 0) {  // the next value lies after those blocks, or across their end
+    if (run == 0) {  // the next value does not lie whole in those blocks
       if (!takeValue(destination[taken])) break;
       ++taken;
       continue;

@@ -12,7 +12,7 @@ namespace Tessaly {
 namespace {
 
 // A file of up to this many bytes is read whole, with one system read; traces are smaller. Of a
-// file that gives its size as 0, at most this many bytes are looked for.
+// file that the system gives a size of 0, at most this many bytes are read.
 constexpr std::int64_t wholeFileLimit = 1 << 20;
 // Larger files are read in stretches that start at multiples of this many bytes.
 constexpr std::int64_t step = 1 << 16;
@@ -34,7 +34,7 @@ auto uninterrupted(Call call) {
 }  // namespace
 
 FileWindow::FileWindow(const char* path) {
-  // Opening a pipe would wait for its writer, so the kind of entry is asked for first.
+  // Checked before the file is opened: opening a pipe would wait for its writer.
   const std::int64_t size = sizeOfRegularFile(path);
   if (size < 0) return;
   descriptor_ = uninterrupted([path] { return ::open(path, O_RDONLY | O_CLOEXEC); });
@@ -63,7 +63,7 @@ FileWindow::~FileWindow() { close(); }
 
 bool FileWindow::close() {
   if (!isOpen()) return false;
-  // Not repeated when interrupted: the descriptor is given up all the same.
+  // Not repeated after an interruption: the descriptor is released all the same.
   ::close(std::exchange(descriptor_, -1));
   return true;
 }
@@ -83,24 +83,25 @@ std::int64_t FileWindow::bytesFrom(std::int64_t offset) const {
   return offset < offset_ ? 0 : std::max<std::int64_t>(offset_ + count_ - offset, 0);
 }
 
-/// Reads the stretch in which `count` bytes from `offset` on lie, or as much of it as the file has.
-/// False, with the bytes as they were, without memory.
+/// Reads the stretch that contains `count` bytes from `offset` on, or as much of it as the file
+/// has. False, with the bytes unchanged, when memory is out.
 bool FileWindow::load(std::int64_t offset, std::int64_t count) {
   if (isDamaged_) return read(offset, count);
 
   const bool whole = size_ <= wholeFileLimit;
   const std::int64_t start = whole ? 0 : offset / step * step;
-  const std::int64_t wanted = whole ? size_  // else: room for what starts in the first step
-                                    : std::min(step + count, size_ - start);
+  // Of a larger file one step more than `count`, since `offset` may lie anywhere in the first step.
+  const std::int64_t wanted = whole ? size_ : std::min(step + count, size_ - start);
   if (!read(start, wanted)) return false;
-  // An error anywhere in a stretch loses all of it. Bytes without an error of their own must not go
-  // with it: from here on, only what is asked for is read.
+  // A read error drops the whole stretch. The bytes asked for may lie outside the damage, so they
+  // are read once more, alone.
   if (isDamaged_) read(offset, count);
   return true;
 }
 
-/// Reads `count` bytes from `offset` on, or those up to the end of the file, which it notes; after
-/// an error none. False, with the bytes as they were, without memory.
+/// Reads `count` bytes from `offset` on, or as many as the file has there; an earlier end of the
+/// file becomes the size. After an error no bytes are in memory. False, with the bytes unchanged,
+/// when memory is out.
 bool FileWindow::read(std::int64_t offset, std::int64_t count) {
   if (!makeRoom(count)) return false;
   offset_ = offset;
@@ -124,7 +125,8 @@ bool FileWindow::read(std::int64_t offset, std::int64_t count) {
   return true;
 }
 
-/// Memory for `count` bytes; it may be other memory than before.
+/// Makes room for `count` bytes, which may drop those in memory. False, with the bytes unchanged,
+/// when memory is out.
 bool FileWindow::makeRoom(std::int64_t count) {
   if (count <= room_) return true;
   std::unique_ptr<char[]> room(new (std::nothrow) char[static_cast<std::size_t>(count)]);

@@ -14,7 +14,7 @@ namespace {
 
 using namespace ScfLayout;
 
-/// The header fields that are used; what the file does not hold is zero.
+/// The header fields that the reader uses; 0 where the file ends before them.
 struct ScfHeader {
   std::uint32_t sampleCount = 0;
   std::uint32_t baseCount = 0;
@@ -27,10 +27,11 @@ struct ScfHeader {
   std::int32_t sampleBytes() const { return sampleSize == 1 ? 1 : 2; }
 };
 
-/// A file position; from 2^31 on it is negative, and a move to it fails.
+/// The offset as a file position; from 2^31 on it is negative, and a seek to it fails.
 std::int32_t signedOffset(std::uint32_t offset) { return static_cast<std::int32_t>(offset); }
 
-/// Leaves the reader after the sample size, or at its first byte where the file cuts it.
+/// Reads the header. The position afterwards is the byte after the sample size, or the first byte
+/// of a sample size that is cut off.
 ScfHeader readHeader(Tessaly::FileReader& file) {
   ScfHeader header;
   file.readUInt32At(headerSampleCount, header.sampleCount);
@@ -40,19 +41,20 @@ ScfHeader readHeader(Tessaly::FileReader& file) {
   file.readUInt32At(headerCommentsOffset, header.commentsOffset);
   std::int8_t version = 0;
   file.readInt8At(headerVersion, version);
-  // Deliberate: the version's first character counts as signed, so 128 and above is an old version.
-  // So is a version that the file does not hold.
+  // Deliberate: the first character of the version is signed, so that 128 and above mean version 2.
+  // So does a version that is cut off.
   header.interleaved = version <= '2';
   file.readUInt32At(headerSampleSize, header.sampleSize);
   return header;
 }
 
-// Bytes of the header up to the last field that is used: where a whole header leaves the reader.
+// The position after a whole header was read: the end of the last field in use.
 constexpr std::int32_t headerBytesRead = headerSampleSize + 4;
 
 // Bytes of a base in the version 3 layout: the peak, four probabilities, the letter.
 constexpr std::int32_t splitBaseSize = 4 + 4 + 1;
 
+/// Whether both claimed counts pass isBacked().
 bool backsClaims(const Tessaly::FileReader& file, const ScfHeader& header) {
   const std::int64_t samples = signedOffset(header.samplesOffset);
   const std::int64_t samplesSize =
@@ -60,29 +62,30 @@ bool backsClaims(const Tessaly::FileReader& file, const ScfHeader& header) {
   const std::int64_t bases = signedOffset(header.basesOffset);
   const std::int64_t basesSize =
       std::int64_t{header.baseCount} * (header.interleaved ? baseRecordSize : splitBaseSize);
-  // A move to a negative offset fails and leaves the reader after what it read last.
+  // A seek to a negative offset fails; reading then goes on after what was read last.
   const std::int64_t samplesStart = samples >= 0 ? samples : headerBytesRead;
   const std::int64_t basesStart = bases >= 0 ? bases : samplesStart + samplesSize;
   return isBacked(file, header.sampleCount, samplesStart, samplesSize) &&
          isBacked(file, header.baseCount, basesStart, basesSize);
 }
 
-// Records are read in runs of this many bytes, whole records of 4, 8 and 12 bytes alike.
+// Bytes that are read at a time: a multiple of each record size, 4, 8 and 12.
 constexpr std::int32_t chunkSize = 12288;
 
-/// Reads up to `wanted` bytes and puts zeros after those that the file holds; returns their number.
+/// Reads up to `wanted` bytes, fills the rest of them with zeros, and returns how many were read.
 std::int32_t readChunk(Tessaly::FileReader& file, unsigned char* chunk, std::int32_t wanted) {
   const std::int32_t held = file.readBytes(chunk, wanted);
   std::fill(chunk + held, chunk + wanted, static_cast<unsigned char>(0));
   return held;
 }
 
-/// Clears what there is of a last value of `size` bytes that the file can not complete.
+/// Of `held` bytes that were read as values of `size` bytes, zeroes an incomplete last value.
 void dropPart(unsigned char* chunk, std::int32_t held, std::int32_t size) {
   const std::int32_t whole = held / size * size;
   std::fill(chunk + whole, chunk + held, static_cast<unsigned char>(0));
 }
 
+/// The version 2 layout: for each point a sample of A, C, G and T.
 void readInterleavedSamples(Tessaly::FileReader& file, std::int32_t sampleSize,
                             Channels& channels) {
   unsigned char chunk[chunkSize];
@@ -105,13 +108,14 @@ void readInterleavedSamples(Tessaly::FileReader& file, std::int32_t sampleSize,
   }
 }
 
-/// The probability of the called base; 0 for a letter that is no channel's.
+/// The probability of the called base; 0 for a letter without a channel.
 template <typename ProbabilityOf>
 std::uint8_t qualityOf(char letter, ProbabilityOf probabilityOf) {
   const int channel = channelOf(letter);
   return channel == noChannel ? std::uint8_t{0} : probabilityOf(channel);
 }
 
+/// The version 2 layout: for each base a record with all its fields.
 void readInterleavedBases(Tessaly::FileReader& file, BaseCalls& calls) {
   unsigned char chunk[chunkSize];
   constexpr std::uint32_t chunkRecords = chunkSize / baseRecordSize;
@@ -120,6 +124,7 @@ void readInterleavedBases(Tessaly::FileReader& file, BaseCalls& calls) {
     count = std::min(chunkRecords, calls.count - first);
     const std::int32_t held =
         readChunk(file, chunk, static_cast<std::int32_t>(count) * baseRecordSize);
+    // An incomplete peak counts as 0. After a complete one each single byte counts.
     if (held % baseRecordSize < baseRecordProbabilities) dropPart(chunk, held, baseRecordSize);
     for (std::uint32_t i = 0; i < count; ++i) {
       const unsigned char* record = chunk + std::size_t{i} * baseRecordSize;
@@ -132,10 +137,11 @@ void readInterleavedBases(Tessaly::FileReader& file, BaseCalls& calls) {
   }
 }
 
-/// Version 3 stores second differences: samples are the running sums of their running sums.
+/// Version 3 stores second differences: the samples are the running sums of the running sums of the
+/// stored values.
 class SampleSum {
  public:
-  /// Both sums wrap modulo 2^16. The low bytes are those of sums modulo 2^8.
+  /// Both sums wrap modulo 2^16. Their low bytes are the sums modulo 2^8, which 8-bit samples need.
   std::uint16_t next(std::uint16_t stored) {
     slope_ = static_cast<std::uint16_t>(slope_ + stored);
     sample_ = static_cast<std::uint16_t>(sample_ + slope_);
@@ -147,6 +153,7 @@ class SampleSum {
   std::uint16_t sample_ = 0;
 };
 
+/// The version 3 layout: all samples of A, then those of C, G and T.
 void readSplitSamples(Tessaly::FileReader& file, std::int32_t sampleSize, Channels& channels) {
   for (int channel = 0; channel < channelCount; ++channel) {
     const auto samples = channels[channel];
@@ -162,9 +169,10 @@ void readSplitSamples(Tessaly::FileReader& file, std::int32_t sampleSize, Channe
   }
 }
 
+/// The version 3 layout: all peaks, all probabilities of A, then of C, G and T, all letters.
 void readSplitBases(Tessaly::FileReader& file, BaseCalls& calls) {
-  // One run of the A probabilities, then those of C, of G and of T. Where the file cuts a peak, its
-  // bytes are read as probabilities, but then no letter is left that asks for them.
+  // When the file ends inside a peak, the bytes of that peak are read as probabilities. They are
+  // not used, since no letter follows them.
   const std::size_t count = calls.count;
   const auto probabilities =
       std::make_unique_for_overwrite<std::uint8_t[]>(std::size_t{channelCount} * count);
@@ -187,7 +195,7 @@ TraceContent readScf(Tessaly::FileReader& file) {
   TraceContent content;
   content.channels = Channels(header.sampleCount);
   content.calls = BaseCalls(header.baseCount);
-  // A move that fails is no failure; reading goes on at the current position.
+  // A failed seek is ignored; reading goes on at the current position.
   file.seek(signedOffset(header.samplesOffset));
   if (header.interleaved) {
     readInterleavedSamples(file, header.sampleBytes(), content.channels);
@@ -201,7 +209,7 @@ TraceContent readScf(Tessaly::FileReader& file) {
     readSplitBases(file, content.calls);
   }
   content.calls.peaks[header.baseCount] = header.sampleCount;
-  // Deliberate: the search ends with the file, not with the comments.
+  // Deliberate: the search goes on after the comments, up to the end of the file.
   file.seek(signedOffset(header.commentsOffset));
   file.readLineAfter("BCAL=", content.callerName);
   return content;

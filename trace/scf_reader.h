@@ -5,8 +5,9 @@
 
 namespace Quillet {
 
-/// Reads an open SCF file of version 1, 2 or 3. Fails only when a count is far beyond what the file
-/// holds (TraceFault::dataBeyondFile); whatever else the file does not hold is zero as stored.
+/// Reads an open SCF file of version 1, 2 or 3. The only fault is TraceFault::dataBeyondFile: a
+/// large count that the file is too short for. Other bytes that the file lacks count as zeros
+/// stored in it.
 TraceContent readScf(Tessaly::FileReader& file);
 
 }  // namespace Quillet

@@ -6,11 +6,11 @@ namespace Quillet {
 
 namespace {
 
-// An unmet claim of up to this many entries is filled with zeros.
+// Up to this many entries are accepted even when the file is too short for them.
 constexpr std::uint32_t unbackedCountLimit = 4'194'304;
 
-/// Reads through `read(destination, count)`, which takes signed counts and returns how many values
-/// it stored, and fills the rest with zeros.
+/// Reads `count` values, and sets those to 0 that the file does not hold. `read(destination, n)`
+/// takes a signed count and returns how many values it stored.
 template <typename Value, typename Read>
 void readThenZero(Value* destination, std::size_t count, Read read) {
   constexpr std::size_t largestRead = std::size_t{1} << 30;

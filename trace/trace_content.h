@@ -11,16 +11,17 @@ namespace Quillet {
 
 /// The base calls of a trace, as the file stores them: nothing is cut, clipped or checked.
 ///
-/// Base i has bases[i], qualities[i] and peaks[i]. Owns its arrays.
+/// Base i has bases[i], qualities[i] and peaks[i]. Owns its arrays, which may be null without
+/// calls.
 struct BaseCalls {
   std::uint32_t count = 0;
   std::unique_ptr<char[]> bases;              // `count` letters; no zero byte follows them
   std::unique_ptr<std::uint8_t[]> qualities;  // `count`; 0 to 255, whatever the file holds
-  std::unique_ptr<std::uint32_t[]> peaks;     // `count` + 1; 0-based sample indices, which need
-                                              // not lie in the trace; the last is pointCount()
+  std::unique_ptr<std::uint32_t[]> peaks;     // `count` + 1; 0-based sample indices, perhaps
+                                              // outside the trace; the last is pointCount()
 
   BaseCalls() = default;
-  /// Room for `callCount` calls, with values that are not determined.
+  /// Allocates `callCount` calls without setting their values.
   explicit BaseCalls(std::uint32_t callCount)
       : count(callCount),
         bases(std::make_unique_for_overwrite<char[]>(callCount)),
@@ -36,14 +37,14 @@ enum class TraceFault {
   directoryCut,          // ABIF: the file ends inside the directory
   noBaseOrder,           // ABIF: no FWO_ 1 of four letters, each A, C, G or T
   noAnalysedChannels,    // ABIF: one of DATA 9 to 12 is missing or empty
-  channelLengthsDiffer,  // ABIF: DATA 9 and the channel it is compared with
+  channelLengthsDiffer,  // ABIF: DATA 9 and the channel that is compared with it
   callCountsDiffer,      // ABIF: PBAS 1, PCON 1 and PLOC 1
-  dataBeyondFile,  // a count that the file is far too short for, or a channel at 2 GiB or later
+  dataBeyondFile,  // a large count that the file is too short for, or a channel at 2 GiB or later
 };
 
 /// What one trace file holds.
 ///
-/// A reader returns it whole, or with a `fault`; then the rest means nothing.
+/// A reader returns it complete, or with a `fault`. With a fault, only the fault has a meaning.
 struct TraceContent {
   Channels channels;
   BaseCalls calls;

@@ -10,15 +10,16 @@ namespace Quillet {
 
 namespace {
 
-// Deliberate: qualities count only if one of them is above this. A quality field of small values
-// alone holds placeholders.
+// Deliberate: qualities are used only if one of them is above this. A field of small values alone
+// holds placeholders.
 constexpr std::int8_t largestPlaceholderQuality = 9;
 
 }  // namespace
 
 TraceFile::TraceFile() : madeAt_(std::time(nullptr)) {}
 
-// Computed for compressed traces only: local time reads the system's time zone.
+// Computed when it is asked for, which only compressed traces need: local time reads the system's
+// time zone.
 Tessaly::String TraceFile::tempName() const {
   return Tessaly::Clock(madeAt_).format("temp%y%M%D%h%m%s");
 }
@@ -57,16 +58,16 @@ void TraceFile::newChannels(std::unique_ptr<std::uint16_t[]>& a,
 bool TraceFile::getBaseCalls(Tessaly::String& bases, Tessaly::String& qualities,
                              Tessaly::Vector<std::int32_t>& peaks) const {
   const BaseCalls& calls = content_.calls;
-  // Texts and vectors count in signed 32 bits: more calls than that can not be handed over.
+  // Texts and vectors have signed 32-bit lengths, so more calls do not fit.
   constexpr std::uint32_t tooMany = std::numeric_limits<std::int32_t>::max();
   if (calls.count == 0 || calls.count >= tooMany) return false;
 
   const auto count = static_cast<std::int32_t>(calls.count);
   bases.setPrefix(calls.bases.get(), count);
-  // A stored index of 2^31 or more is negative from here on.
+  // A stored index of 2^31 or more becomes negative here.
   peaks.assign(reinterpret_cast<const std::int32_t*>(calls.peaks.get()), count + 1);
 
-  // Deliberate: 128 and above count as negative, so as placeholders too.
+  // Deliberate: 128 and above are negative, so they are placeholders too.
   const auto* const stored = reinterpret_cast<const char*>(calls.qualities.get());
   const bool usable = std::any_of(stored, stored + count, [](char quality) {
     return static_cast<std::int8_t>(quality) > largestPlaceholderQuality;

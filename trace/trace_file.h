@@ -14,39 +14,39 @@ namespace Quillet {
 
 /// One chromatogram, read whole into memory from an ABIF or SCF file, gzip-compressed or not.
 ///
-/// Channels are always in the order A, C, G, T; samples are amplitudes as stored (0..65535).
-/// Bases and qualities are in file order, one byte each. Peaks are 0-based sample indices, one more
-/// than the bases: the last is the number of samples in a channel.
-/// Owns what it read. Errors: open() returns false and sets status() and fault(); nothing is
-/// printed. Without memory std::bad_alloc is thrown, or what a String or a Vector throws; an
-/// unpacked file may then stay in the working directory.
+/// Channels are always in the order A, C, G, T; samples are amplitudes as stored (0..65535). Bases
+/// and qualities are in file order, one byte each. Peaks are 0-based sample indices, one more than
+/// the bases: the last is the number of samples in a channel. Owns what it read.
 /// Use: construct, open once, take the data when that succeeded, destroy.
 class TraceFile : public Tessaly::FileReader {
  public:
   TraceFile();
 
-  /// Puts a text before every name given to open(); adds a final "/" where it lacks one.
+  /// Sets the text that open() puts before every name; adds a final "/" when there is none.
   void setDirectory(const Tessaly::String& name);
 
   /// Finds, unpacks, recognises and reads `name`; cuts a final ".gz" off it. A compressed trace is
-  /// unpacked into the file tempName() in the working directory, which is removed again.
+  /// unpacked into the file tempName() in the working directory, which is then removed. False when
+  /// that fails: see status() and fault(). Prints nothing. When memory is out, throws
+  /// std::bad_alloc or what String and Vector throw; the unpacked file may then stay.
   bool open(Tessaly::String& name);
-  /// The same for a name that the caller does not want to see changed.
+  /// The same, but the name stays unchanged.
   bool open(const char* name);
 
-  /// Copies channel 0..3 (A, C, G, T) to pointCount() entries; another index copies nothing.
+  /// Copies the pointCount() samples of channel 0..3 (A, C, G, T); another index copies nothing.
   void copyChannel(std::uint16_t* destination, std::uint32_t index) const;
-  /// Copies each channel to pointCount() entries.
+  /// Copies the pointCount() samples of each channel.
   void copyChannels(std::uint16_t* a, std::uint16_t* c, std::uint16_t* g, std::uint16_t* t) const;
-  /// Gives the caller copies of the channels, each of `count` entries, to own.
+  /// Gives the caller copies of the channels to own, and sets `count` to the samples in each.
   void newChannels(std::unique_ptr<std::uint16_t[]>& a, std::unique_ptr<std::uint16_t[]>& c,
                    std::unique_ptr<std::uint16_t[]>& g, std::unique_ptr<std::uint16_t[]>& t,
                    std::uint32_t& count) const;
 
-  /// Copies the calls out for the result files. Without calls, or with more than 2^31 - 2 of them,
-  /// changes nothing and is false. Otherwise sets `bases` and `peaks`; sets `qualities` and is true
-  /// when one of the qualities is above 9. Both texts end at their first zero byte, so they can be
-  /// shorter than the calls; content().calls has them whole.
+  /// Copies the calls for the result files: always `bases` and `peaks`, and `qualities` only when
+  /// one of them is from 10 to 127. True when the qualities were copied. Without calls, or with
+  /// more than 2^31 - 2 of them, it is false and changes nothing.
+  /// Deliberate: both texts end at their first zero byte, so they can be shorter than the calls.
+  /// content().calls holds all of them.
   bool getBaseCalls(Tessaly::String& bases, Tessaly::String& qualities,
                     Tessaly::Vector<std::int32_t>& peaks) const;
 
@@ -60,7 +60,7 @@ class TraceFile : public Tessaly::FileReader {
   /// Hands the content over; the trace is empty afterwards.
   TraceContent takeContent() { return std::exchange(content_, TraceContent()); }
 
-  /// Name of the unpacked copy: the moment of construction, in local time.
+  /// Name of the unpacked copy: "temp" and the time of construction, in local time.
   Tessaly::String tempName() const;
   /// Of the last open(): 0 read, 1 not found, 2 no trace or an unreadable one.
   std::int32_t status() const { return status_; }

@@ -9,19 +9,21 @@ namespace Quillet {
 
 namespace {
 
-/// Waits for the shell. The exit status is ignored: a failed unpack leaves an unreadable file.
+/// Runs a shell command and waits for it. The exit status is ignored: a failed unpack leaves an
+/// unreadable file.
 void runInShell(const Tessaly::String& command) {
   [[maybe_unused]] const int exitStatus = std::system(command.text());
 }
 
-/// Deliberate: the names reach the shell as they are, unquoted.
+/// Unpacks a gzip file. Deliberate: the names reach the shell unquoted.
 void unpack(const Tessaly::String& from, const Tessaly::String& to) {
   runInShell(Tessaly::String("gunzip -c -f ") + from + " > " + to);
 }
 
 void remove(const Tessaly::String& name) { runInShell(Tessaly::String("rm ") + name); }
 
-/// Reads the open file as what its first bytes say it is; the name's extension plays no part.
+/// Reads the open file. Its first bytes choose the reader; the extension of its name does not
+/// matter.
 TraceContent readContent(Tessaly::FileReader& file) {
   constexpr std::int32_t magicSize = 4;
   Tessaly::String magic;
@@ -39,7 +41,7 @@ bool TraceFile::open(Tessaly::String& name) {
   Tessaly::String path = directory_ + name;
   bool compressed = name.endsWith(".gz");
   if (compressed) {
-    name.removeLast(3);  // whether the file exists shows in what comes out of it
+    name.removeLast(3);  // not checked: the unpacked copy of a missing file is empty
   } else if (!FileReader::open(path) && !exists(path)) {
     path.append(".gz");
     compressed = exists(path);
@@ -56,7 +58,7 @@ bool TraceFile::open(Tessaly::String& name) {
     unpack(packed, path);
     FileReader::open(path);
   }
-  // A file that did not open reads as an empty one, which is no trace.
+  // A file that did not open reads as empty, which is no trace.
   content_ = readContent(*this);
   close();
   if (compressed) remove(path);
