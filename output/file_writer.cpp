@@ -13,9 +13,9 @@ namespace {
 // A value passes three buffers on its way to the file. Each saves CPU of a whole run:
 // - The writers of many lines compose 32 lines at a time (text_lines.h), without a call of this
 //   class for each of them. Line by line costs 6 % more.
-// - The buffer of this class holds what is pending. It is handed over when it is full.
-// - The buffer of the stream gathers those blocks. Most result files fit, so that the system is
-//   called once a file. The library's own choice of 8 KiB costs 5 % more.
+// - The buffer of this class holds the pending bytes and is flushed when it is full.
+// - The buffer of the stream gathers what is flushed. Most result files fit into it, so that each
+//   costs one system write. The library's default of 8 KiB costs 5 % more.
 constexpr std::streamsize streamBufferSize = 1 << 16;  // bytes
 
 }  // namespace
@@ -24,12 +24,13 @@ FileWriter::FileWriter() : FileWriter(defaultBufferSize) {}
 
 FileWriter::FileWriter(std::int32_t size) { setBufferSize(size); }
 
-FileWriter::~FileWriter() { stream_.rdbuf()->close(); }  // while its buffer is still there
+FileWriter::~FileWriter() { stream_.rdbuf()->close(); }  // before its buffer is freed
 
 void FileWriter::setBufferSize(std::int32_t size) {
   const std::int32_t newSize = std::max(size, 0);
-  // Zero-filled, because trimTrailingSpace() may read bytes that no write has reached yet. The
-  // fields follow the allocation, so that they still describe the old buffer when it throws.
+  // Zero-filled, because trimTrailingSpace() may read bytes that were never written. The other
+  // members are set after the allocation, so that they still describe the old buffer when it
+  // throws.
   bufferStart_ =
       newSize == 0 ? nullptr : std::make_unique<char[]>(static_cast<std::size_t>(newSize));
   bufferSize_ = newSize;
@@ -37,7 +38,7 @@ void FileWriter::setBufferSize(std::int32_t size) {
   bufferEnd_ = bufferStart_.get() + bufferSize_;
 }
 
-/// Opens the file in the stream; false when that failed, or anything before.
+/// Opens the file in the stream; false when this or anything earlier failed.
 bool FileWriter::openFile(const char* path, std::ios_base::openmode mode) {
   bufferPos_ = bufferStart_.get();
   std::filebuf* const file = stream_.rdbuf();
@@ -45,8 +46,8 @@ bool FileWriter::openFile(const char* path, std::ios_base::openmode mode) {
     if (streamBuffer_ == nullptr) {
       streamBuffer_ = std::make_unique_for_overwrite<char[]>(streamBufferSize);
     } else {
-      // With libc++, a file buffer that was closed takes no memory any more and writes every byte
-      // by itself, so each file has a new one. The state of the stream is not touched.
+      // With libc++, a closed file buffer ignores new memory and writes byte by byte, so each file
+      // gets a new one. The state of the stream does not change.
       *file = std::filebuf();
     }
     file->pubsetbuf(streamBuffer_.get(), streamBufferSize);
@@ -84,17 +85,17 @@ bool FileWriter::exists(const String& path) { return FileWriter::exists(path.tex
 
 bool FileWriter::exists(const char* path) { return Directory::exists(path); }
 
-/// Hands the whole buffer to the stream, and empties it.
+/// Passes the whole buffer to the stream and empties it.
 void FileWriter::flush() {
-  // In two halves: libstdc++ passes a run of 1024 bytes or more to the system at once, and gathers
-  // shorter ones in the stream's buffer. The default buffer in one piece costs 26 % more CPU.
+  // In two halves: libstdc++ passes 1024 bytes or more directly to the system, and gathers shorter
+  // writes in the stream's buffer. The default buffer in one piece costs 26 % more CPU.
   const std::int32_t half = bufferSize_ / 2;
   stream_.write(bufferStart_.get(), half);
   stream_.write(bufferStart_.get() + half, bufferSize_ - half);
   bufferPos_ = bufferStart_.get();
 }
 
-/// Copies as many bytes as there is room for, flushes, and returns their number.
+/// Fills the buffer with bytes from `bytes`, flushes it, and returns how many it took.
 std::size_t FileWriter::fillUpAndFlush(const char* bytes) {
   const std::size_t count = room();
   std::memcpy(bufferPos_, bytes, count);
@@ -102,11 +103,11 @@ std::size_t FileWriter::fillUpAndFlush(const char* bytes) {
   return count;
 }
 
-/// Copies the bytes to the buffer and flushes it as often as it is full, also after the last byte.
+/// Copies the bytes to the buffer and flushes it whenever it is full, also after the last byte.
 void FileWriter::placeInBlocks(const char* bytes, std::size_t count) {
   if (bufferSize_ == 0) return;
 
-  while (room() <= count) {  // "or equal": a buffer that is exactly filled is flushed at once
+  while (room() <= count) {  // "or equal": a buffer that is just full is flushed at once
     const std::size_t copied = fillUpAndFlush(bytes);
     bytes += copied;
     count -= copied;
@@ -149,8 +150,8 @@ void FileWriter::trimTrailingSpace() {
   } while (bufferPos_ > bufferStart_.get() && isWhiteSpace(*bufferPos_));
   ++bufferPos_;
 
-  // Deliberate: the search for a line feed is not bounded by the bytes that were pending. When the
-  // white space held none, it runs on over stale bytes, to the end of the buffer if need be.
+  // Deliberate: the search for a line feed does not stop where the pending bytes ended. Without one
+  // in the white space it goes on over stale bytes, perhaps to the end of the buffer.
   while (bufferPos_ < bufferEnd_ && *bufferPos_++ != '\n') {
   }
 }

@@ -12,12 +12,12 @@ namespace Tessaly {
 
 /// Writes a file: text, decimal numbers, raw bytes and big-endian binary values.
 ///
-/// Sizes, widths and counts are bytes (array counts: elements); a count of 0 or less writes
-/// nothing. The file's bytes do not depend on the buffer size, as long as that is 1 or more and
-/// trimTrailingSpace() is not used. Owns the file and the buffer.
+/// Sizes, widths and counts are bytes, those of arrays elements; a count of 0 or less writes
+/// nothing. The file does not depend on the buffer size, except when that is 0 or
+/// trimTrailingSpace() is used. Owns the file and the buffer.
 ///
-/// Errors: a failed open(), write or close() makes every later open() false. Nothing is printed,
-/// and nothing is thrown when memory suffices.
+/// Errors: a failed open(), write or close() makes every later open() false. Nothing is printed;
+/// only a lack of memory throws.
 ///
 /// Use: open, write, close; then open again if wanted.
 class FileWriter {
@@ -33,17 +33,17 @@ class FileWriter {
   /// Deliberate: closes the file without writing the pending bytes, which are lost.
   virtual ~FileWriter();
 
-  /// Drops pending bytes; an existing file is emptied. False when the file does not open, and after
-  /// any failure before: then the file is made or emptied all the same, and what is written to it
-  /// is dropped.
+  /// Creates the file or empties an existing one; drops pending bytes. False when that fails. After
+  /// any earlier failure it is false too: the file is created or emptied all the same, but nothing
+  /// that is written reaches it.
   virtual bool open(const String& path);
   virtual bool open(const char* path);
-  /// Like open(), but an existing file is continued.
+  /// Like open(), but writes after the end of an existing file.
   virtual bool openAppend(const String& path);
   virtual bool openAppend(const char* path);
-  /// Writes the pending bytes and closes the file. Without an open file it is a failure.
+  /// Writes the pending bytes and closes the file. Fails when no file is open.
   virtual void close();
-  /// Whether `path` can be stat-ed, whatever its type; a link is followed.
+  /// Whether there is an entry of any kind at `path`; follows links.
   virtual bool exists(const String& path);
   virtual bool exists(const char* path);
 
@@ -107,16 +107,15 @@ class FileWriter {
   virtual FileWriter& operator<<(std::int32_t value);
   virtual FileWriter& operator<<(double value);
 
-  /// Discards pending bytes; a failed stream stays failed. With a size of 0 (or less, taken as 0)
-  /// every write is dropped. A number text costs least when the buffer is larger than it. When the
-  /// allocation throws, the writer is as it was.
+  /// Drops pending bytes; a failed stream stays failed. With a size of 0 or less every write is
+  /// dropped. Numbers are written fastest to a buffer that is larger than their text. When the
+  /// allocation throws, the writer is unchanged.
   void setBufferSize(std::int32_t size);
+  /// Writes the character `count` times.
   void writeRepeated(char character, std::int32_t count);
-  /// Ends the pending bytes after the first line feed in the white space at their end; blanks
-  /// before that line feed stay. Deliberate: without one there, the search runs on over stale bytes
-  /// of the buffer, and all of them up to the line feed, or to the buffer's end, become pending.
-  /// The first byte of the buffer always stays and is not examined, be it white space or a line
-  /// feed; what is already flushed is out of reach.
+  /// Shortens the white space at the end of the pending bytes so that it ends with its first line
+  /// feed; blanks before that line feed stay. Flushed bytes are not looked at, nor is the first
+  /// byte of the buffer, which always stays.
   void trimTrailingSpace();
 
  private:
@@ -125,11 +124,11 @@ class FileWriter {
   void flush();
   std::size_t fillUpAndFlush(const char* bytes);
 
-  // There are two ways into the buffer. What is *placed* never leaves it full: it is flushed in the
-  // moment it fills up. These are texts, number texts, runs of raw bytes, and the characters of
-  // newline(), writeLine, writeWord, writeWithSeparator and operator<<(char). What is *stored* may
-  // leave it full: write(char), writeByte and the binary values. Whatever comes next, placed or
-  // stored, flushes a full buffer first; so does a text or run of length 0.
+  // There are two ways into the buffer. place() never leaves it full: it flushes the moment the
+  // buffer fills up. store() may leave it full; the next place() or store() then flushes first,
+  // even when it adds no byte. Placed are texts, number texts, runs of raw bytes, and the
+  // characters of newline(), writeLine, writeWord, writeWithSeparator and operator<<(char). Stored
+  // are write(char), writeByte and the binary values.
   // Deliberate: write(char) stores, and operator<<(char) places.
   void place(const char* bytes, std::size_t count) {
     if (count < room()) {

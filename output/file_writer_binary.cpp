@@ -10,7 +10,7 @@ void FileWriter::writeByte(char byte) { store({byte}); }
 
 void FileWriter::writeBytes(const char* data, std::int32_t count) {
   if (count < 0) return;
-  // No bytes may come with a null pointer, which memcpy does not take even then.
+  // A count of 0 may come with a null pointer, which memcpy does not accept.
   place(count == 0 ? "" : data, static_cast<std::size_t>(count));
 }
 

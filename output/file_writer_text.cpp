@@ -1,6 +1,6 @@
 #include "output/file_writer.h"
 
-// Text: strings, characters, and numbers in decimal, bare, ended, or in fields.
+// Text: strings, characters and decimal numbers, alone, with an end character, or padded.
 
 #include <algorithm>
 
@@ -104,6 +104,7 @@ void FileWriter::writeRepeated(char character, std::int32_t count) {
   if (count >= 0) placeRepeated(character, static_cast<std::size_t>(count));
 }
 
+/// Places exactly `width` bytes: the text, cut or followed by spaces.
 void FileWriter::placeField(const char* text, std::size_t length, std::int32_t width) {
   const std::size_t size = static_cast<std::size_t>(std::max(width, 0));
   const std::size_t kept = std::min(length, size);
@@ -119,6 +120,7 @@ void FileWriter::writeField(const char* text, std::int32_t width) {
   placeField(text, std::strlen(text), width);
 }
 
+/// Places at least `width` bytes: the whole text, with spaces before or after it.
 void FileWriter::placeAligned(const char* text, std::size_t length, std::int32_t width,
                               bool rightJustify) {
   // Deliberate: unlike a field, the text is never cut.

@@ -5,11 +5,11 @@
 
 namespace Quillet {
 
-/// A height and an index in one number, so that one maximum finds both: the largest key is that of
-/// the first of the highest.
+/// A height and an index in one number, so that one maximum finds both. The largest key has the
+/// greatest height; among equal heights it has the first index.
 ///
-/// The height stands above the lowest `indexBits` bits. These hold the index with all bits
-/// inverted, which is larger for earlier ones. With 4 bits, height 9 at index 3 is 9 * 16 + 12.
+/// The lowest `indexBits` bits hold the index with all bits inverted, so that an earlier index
+/// gives a larger key. The height is above them. With 4 bits, height 9 at index 3 is 9 * 16 + 12.
 /// Heights and keys are whole numbers, or vectors of them; a height times 2^indexBits fits.
 template <int indexBits>
 struct HeightKey {

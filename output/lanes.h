@@ -7,22 +7,22 @@
 
 namespace Quillet {
 
-// Values that the processor works on side by side, for what compilers do not turn into vector
-// instructions by themselves. The types are the vector types that g++ and clang share, and this is
-// the only file that names what the two have beyond the language: the type, its `?:`, and
-// __builtin_shufflevector. Lanes are added, compared and shifted lane by lane with the operators of
-// their values, without promotion to int; a comparison has all bits of a lane set where it holds.
+// Short vectors of numbers, for loops that compilers do not vectorise by themselves. They are the
+// vector types that g++ and clang share. Only this file uses what the two compilers add to the
+// language: the type, its `?:`, and __builtin_shufflevector. Operators work lane by lane, without
+// promotion to int. A comparison sets all bits of a lane where it holds, and none elsewhere.
 
 template <typename Value, std::size_t count>
 struct LanesType {
   using type [[gnu::vector_size(count * sizeof(Value))]] = Value;
 };
 
-/// `count` values; count * sizeof(Value) is a power of two. Lanes<...>{} are all 0.
+/// A vector of `count` values; count * sizeof(Value) is a power of two. Lanes<...>{} has 0 in every
+/// lane.
 template <typename Value, std::size_t count>
 using Lanes = typename LanesType<Value, count>::type;
 
-/// The `count` values from `values` on, which need no alignment.
+/// Loads `count` values from `values` on, at any alignment.
 template <std::size_t count, typename Value>
 Lanes<Value, count> lanesAt(const Value* values) {
   Lanes<Value, count> lanes;
@@ -30,19 +30,19 @@ Lanes<Value, count> lanesAt(const Value* values) {
   return lanes;
 }
 
-/// The value in every lane.
+/// A vector with the value in every lane.
 template <std::size_t count, typename Value>
 Lanes<Value, count> everyLane(Value value) {
   return Lanes<Value, count>{} + value;
 }
 
-/// Stores the lanes from `values` on.
+/// Stores the lanes from `values` on, at any alignment.
 template <typename Vector, typename Value>
 void store(Vector lanes, Value* values) {
   std::memcpy(values, &lanes, sizeof lanes);
 }
 
-/// `yes` where a comparison holds, `no` elsewhere.
+/// `yes` in the lanes where the comparison holds, `no` in the others.
 template <typename Comparison, typename Vector>
 Vector choose(Comparison holds, Vector yes, Vector no) {
   return holds ? yes : no;
@@ -58,7 +58,8 @@ Vector smaller(Vector left, Vector right) {
   return left < right ? left : right;
 }
 
-/// Four numbers of 32 bits, from lanes `first` to `first + 3` of their upper and lower halves.
+/// Four 32-bit numbers: lane `first` + i of `upper` is the upper half of number i, that of `lower`
+/// its lower half.
 template <int first>
 Lanes<std::int32_t, 4> join(Lanes<std::int16_t, 8> upper, Lanes<std::int16_t, 8> lower) {
   constexpr bool lowerFirst = std::endian::native == std::endian::little;
@@ -73,7 +74,7 @@ inline std::uint32_t sumOf(Lanes<std::uint32_t, 4> lanes) {
   return lanes[0] + lanes[1];
 }
 
-/// The bits that are set in any lane.
+/// The bitwise or of all lanes.
 inline std::uint16_t bitsOf(Lanes<std::uint16_t, 8> lanes) {
   const auto halves = std::bit_cast<Lanes<std::uint64_t, 2>>(lanes);
   std::uint64_t bits = halves[0] | halves[1];

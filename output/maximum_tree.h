@@ -10,9 +10,9 @@
 
 namespace Quillet {
 
-// The maxima of all channels, the four of a sample side by side: its height where a channel has a
-// maximum, 0 elsewhere. They are stored less 32768, since x86-64 processors compare signed
-// numbers when they compare several at once.
+// findPeaks() marks the maxima of all channels in one array, with four entries for each sample: the
+// height where a channel has a maximum, 0 elsewhere. An entry is stored as height - 32768, because
+// the vector comparisons of x86-64 are signed.
 
 inline std::int16_t storedHeight(std::uint16_t height) {
   return static_cast<std::int16_t>(height ^ 0x8000);
@@ -22,13 +22,14 @@ inline std::uint16_t heightOf(std::int16_t stored) {
   return static_cast<std::uint16_t>(stored ^ 0x8000);
 }
 
-/// Sample indices, both included, among which a base seeks its maximum; none when last < first.
+/// The samples among which a base's maximum is searched, from `first` to `last`, both included.
+/// Empty when last < first.
 struct SearchRange {
   std::int64_t first;
   std::int64_t last;
 };
 
-/// The first highest maximum of a range; a height of 0 means that there is none.
+/// The highest maximum of a range, the first of equal ones. A height of 0 means that there is none.
 struct Peak {
   std::uint32_t height = 0;
   std::int32_t position = 0;
@@ -40,10 +41,10 @@ inline std::int32_t positionAfter(std::uint32_t maximumIndex) {
   return static_cast<std::int32_t>(maximumIndex + 1);
 }
 
-/// Finds the first highest maximum of any range in logarithmic time.
+/// Finds the highest maximum of any range, the first of equal ones, in logarithmic time.
 ///
-/// A tree over blocks of samples; each node holds the largest key of its blocks. Borrows the maxima
-/// that build() was last called with.
+/// A tree over blocks of samples; each node holds the largest key of its blocks. Call build()
+/// first; find() reads the maxima that build() was given.
 class MaximumTree {
  public:
   explicit MaximumTree(std::size_t pointCount)
@@ -51,16 +52,18 @@ class MaximumTree {
         blockCount_(pointCount / blockSize + 1),
         keys_(std::make_unique_for_overwrite<std::uint64_t[]>(2 * blockCount_)) {}
 
-  /// Takes the channel's maxima from those of all channels.
+  /// Builds the tree for one channel. `maxima` holds the entries of all channels.
   void build(const std::int16_t* maxima, int channel) {
     maxima_ = maxima + channel;
     for (std::size_t block = 0; block < blockCount_; ++block) {
       const std::size_t start = block * blockSize;
       keys_[blockCount_ + block] = scan(start, std::min(start + blockSize, pointCount_));
     }
+    // Node k has the children 2k and 2k + 1; the blocks are the upper half.
     for (std::size_t k = blockCount_; k-- > 1;) keys_[k] = std::max(keys_[2 * k], keys_[2 * k + 1]);
   }
 
+  /// The range lies inside the trace.
   Peak find(const SearchRange& range) const {
     if (range.first > range.last) return {};
     const auto first = static_cast<std::size_t>(range.first);
@@ -85,6 +88,7 @@ class MaximumTree {
 
   using Key = HeightKey<32>;
 
+  /// The largest key of the samples start..end-1; 0 when there are none.
   std::uint64_t scan(std::size_t start, std::size_t end) const {
     std::uint64_t best = 0;
     for (std::size_t i = start; i < end; ++i) {
@@ -102,8 +106,8 @@ class MaximumTree {
 
   std::size_t pointCount_;
   std::size_t blockCount_;
-  std::unique_ptr<std::uint64_t[]> keys_;  // the blocks' in the upper half, each above its two
-  const std::int16_t* maxima_ = nullptr;   // every fourth is one of the channel
+  std::unique_ptr<std::uint64_t[]> keys_;  // of the nodes; see build()
+  const std::int16_t* maxima_ = nullptr;   // the channel's first entry; its next one is four later
 };
 
 }  // namespace Quillet

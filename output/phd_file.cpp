@@ -22,7 +22,7 @@ void writeHeader(Tessaly::FileWriter& writer, const PhdRecord& record) {
   writer.write("\nCHEM: term\nDYE: big\nEND_COMMENT\n\nBEGIN_DNA\n");
 }
 
-// A character and two numbers, each with what follows it.
+// A character and two numbers, each with the separator after it.
 constexpr std::size_t longestLine = 2 + 2 * longestDecimal;
 
 void writeBases(Tessaly::FileWriter& writer, const PhdRecord& record) {
@@ -47,8 +47,8 @@ void writeBases(Tessaly::FileWriter& writer, const PhdRecord& record) {
 
 void writePhdFile(Tessaly::FileWriter& writer, const Tessaly::String& path,
                   const PhdRecord& record) {
-  // The result of open() is of no use here: a writer that could not open drops what it is given,
-  // and close() must come in any case.
+  // The result of open() is not needed: after a failure the writer drops what is written. close()
+  // is called in any case.
   writer.open(path);
   writeHeader(writer, record);
   writeBases(writer, record);

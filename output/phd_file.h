@@ -10,11 +10,11 @@ class FileWriter;
 
 namespace Quillet {
 
-/// What one PHD file says, borrowed from its owners for the length of the call.
+/// The content of one PHD file. Borrows everything.
 ///
-/// The texts are written as they stand. `pointCount` counts the samples of a channel. `qualities`
-/// holds one signed byte per base; bases beyond its end have quality 0. `peaks` are 0-based sample
-/// indices, at least one per base; null will do when there are no bases.
+/// Texts are written unchanged. `pointCount` is the number of samples in a channel. `qualities`
+/// holds one signed byte for each base; bases after its end have quality 0. `peaks` are 0-based
+/// sample indices, at least one for each base; it may be null without bases.
 struct PhdRecord {
   const Tessaly::String& sampleName;
   const Tessaly::String& callerName;
@@ -25,8 +25,8 @@ struct PhdRecord {
   const std::int32_t* peaks;
 };
 
-/// Opens `path` with the writer, replacing an existing file, writes the record in the PHD layout,
-/// and closes. Failures show only in the writer's next open.
+/// Writes the record in the PHD layout to the file `path`, replacing an existing one. A failure
+/// shows only in the next open() of the writer.
 void writePhdFile(Tessaly::FileWriter& writer, const Tessaly::String& path,
                   const PhdRecord& record);
 

@@ -16,7 +16,7 @@ std::size_t zeroWordCount(std::size_t pointCount) { return SampleRuns::wordCount
 
 void normaliseAreas(std::span<const std::uint16_t> samples, float average, std::int32_t baseCount,
                     std::uint64_t* zeros, ChannelPeaks& peaks) {
-  constexpr double heightUnit = 0.00006103515625;  // 2 to the power -14
+  constexpr double heightUnit = 0.00006103515625;  // 2^-14
 
   const auto pointCount = static_cast<std::int64_t>(samples.size());
   const std::int32_t* const positions = peaks.positions.get();
@@ -24,14 +24,15 @@ void normaliseAreas(std::span<const std::uint16_t> samples, float average, std::
   std::int32_t* const normalised = peaks.normalisedHeights.get();
 
   const SampleRuns runs(samples.data(), samples.size(), zeros);
-  // What no run reaches stays 0.
+  // A peak that no run reaches keeps 0.
   std::fill_n(normalised, baseCount, 0);
 
-  // Bases and samples are passed once, in order; only runs that hold a peak need be looked at.
-  std::int64_t passed = 0;  // samples: what lies before is done with
+  // One pass over bases and samples, in order. Only runs that hold a peak are looked at.
+  std::int64_t passed = 0;  // the samples before this index are done
   for (std::int32_t base = 0; base < baseCount && positions[base] < pointCount;) {
     const std::int64_t position = positions[base];
-    // Deliberate: a peak that lies before one already passed gets nothing, nor does one in a gap.
+    // Deliberate: a peak before a sample that is done gets nothing, nor does a peak on a sample of
+    // 0.
     if (position < passed || samples[static_cast<std::size_t>(position)] == 0) {
       passed = std::max(passed, position);
       ++base;
@@ -43,7 +44,7 @@ void normaliseAreas(std::span<const std::uint16_t> samples, float average, std::
     const std::uint32_t area = runs.area(runs.startBefore(position), end);
     passed = end;
 
-    // Deliberate: a peak that comes after one of this run and lies before it shares in it.
+    // Deliberate: the peak of a later base shares in this run even when it lies before the run.
     const std::int32_t first = base;
     std::uint16_t heightSum = 0;
     for (; base < baseCount && positions[base] < end; ++base) {

@@ -8,7 +8,7 @@ namespace Quillet {
 
 namespace {
 
-// Four characters and eight numbers, each with what follows it.
+// Four characters and eight numbers, each with the separator after it.
 constexpr std::size_t longestLine = 4 * 2 + 8 * longestDecimal;
 
 /// The normalised heights of the channels that letters name; 0 for a letter that names none.
@@ -21,7 +21,8 @@ class NormalisedHeights {
   }
 
   std::int32_t of(char letter, std::int32_t i) const {
-    // Branch-free: the letters are unpredictable. Without a channel, another one's entry is read.
+    // Branch-free: the letters are unpredictable. For a letter without a channel, the entry of
+    // another channel is read and multiplied by 0.
     const int channel = channelOf(letter);
     return heights_[channel & 3][i] * static_cast<std::int32_t>(channel != noChannel);
   }

@@ -12,10 +12,10 @@ namespace Quillet {
 
 class PolyPeaks;
 
-/// What one poly file says, borrowed from its owners for the length of the call.
+/// The content of one poly file. Borrows everything.
 ///
-/// `peaks` are the called positions (0-based sample indices), at least one per base; null will do
-/// when there are no bases. `found` is what was computed for these bases.
+/// `peaks` are the called positions (0-based sample indices), at least one for each base; it may be
+/// null without bases. `found` is the result of PolyPeaks::compute() for these bases.
 struct PolyRecord {
   const Tessaly::String& sampleName;
   const Tessaly::String& bases;
@@ -23,8 +23,8 @@ struct PolyRecord {
   const PolyPeaks& found;
 };
 
-/// Opens `path` with the writer, replacing an existing file, writes a line with the sample's name
-/// and a line for every base, and closes. Failures show only in the writer's next open.
+/// Writes a line with the sample's name and a line for each base to the file `path`, replacing an
+/// existing one. A failure shows only in the next open() of the writer.
 void writePolyFile(Tessaly::FileWriter& writer, const Tessaly::String& path,
                    const PolyRecord& record);
 

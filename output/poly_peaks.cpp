@@ -9,11 +9,11 @@ namespace Quillet {
 
 namespace {
 
-// Well above the samples and the bases of any instrument's trace.
+// Larger than any instrument's trace.
 constexpr std::size_t keptPointCount = 1 << 18;
 constexpr std::size_t keptBaseCount = 1 << 15;
 
-// For each called channel; those of noChannel are never used.
+// The other channels of each called channel. The last row belongs to noChannel and has no meaning.
 constexpr unsigned char otherChannels[noChannel + 1][3] = {
     {1, 2, 3}, {0, 2, 3}, {0, 1, 3}, {0, 1, 2}, {0, 0, 0}};
 

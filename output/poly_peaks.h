@@ -10,18 +10,18 @@
 
 namespace Quillet {
 
-/// A trace with the bases that were called in it: what the peak computation looks at.
+/// The input of the peak computation: a trace with its base calls.
 ///
-/// Borrows everything. A sample that is read outside the channels is 0. `peaks` are 0-based sample
-/// indices, one more than the bases, in any order and not necessarily inside the trace; null when
-/// there are no bases.
+/// Borrows everything. A sample outside the channels reads as 0. `peaks` are 0-based sample
+/// indices, one more than the bases, in any order and perhaps outside the trace; null without
+/// bases.
 struct CalledTrace {
   Channels& channels;
   const Tessaly::String& bases;
   const std::int32_t* peaks;
 };
 
-/// What was found in one channel, an entry for every base.
+/// The peaks of one channel, an entry for each base.
 struct ChannelPeaks {
   std::unique_ptr<std::int32_t[]> positions;  // sample index after the maximum; 0 without a peak
   std::unique_ptr<std::uint32_t[]> heights;   // after both rescalings, 0..65280; 0 without a peak
@@ -29,30 +29,31 @@ struct ChannelPeaks {
 };
 using PeakTable = std::array<ChannelPeaks, channelCount>;
 
-/// The strongest peak of another channel than the called one, an entry for every base.
+/// The highest peak among the channels that were not called, an entry for each base.
 struct SecondPeaks {
   std::unique_ptr<char[]> bases;              // N where there is none
   std::unique_ptr<std::int32_t[]> positions;  // 0 where there is none
 };
 
-/// For every called base: its peak and the strongest competing one, with their heights.
+/// Finds the peak of every called base and the highest competing one, with their heights.
 ///
-/// Owns its results and its working storage, which grow to the largest trace: one object serves a
-/// whole batch. Errors: nothing but an allocation failure, whatever the peaks say. Time: in
-/// proportion to samples and bases, with a logarithm where the peaks are in disorder.
+/// Owns its results and its working storage. Both grow to the largest trace, so that one object
+/// serves a whole batch. Accepts any peak positions; only a lack of memory throws. Time: linear in
+/// samples and bases; a base costs up to the logarithm of the samples when the peaks are out of
+/// order.
 /// Use: compute(), read the results, releaseLongTrace(); again for the next trace.
 class PolyPeaks {
  public:
-  /// Rescales the channels in place and finds the peaks of every base. Results of earlier traces
-  /// are gone.
+  /// Rescales the channels in place and finds the peaks of every base. Replaces the earlier
+  /// results.
   void compute(const CalledTrace& trace);
 
-  /// Of the last compute(): channel 0..3 for A, C, G, T; entries up to its number of bases.
+  /// Results of the last compute(): channel 0..3 for A, C, G, T, with an entry for each base.
   const ChannelPeaks& channel(int index) const { return peaks_[static_cast<std::size_t>(index)]; }
   const SecondPeaks& secondPeaks() const { return secondPeaks_; }
 
-  /// Frees all storage, results included, where a trace was too long to be an instrument's, so that
-  /// its size does not last for the rest of the batch.
+  /// Frees all storage, with the results, when it has grown beyond any instrument's trace.
+  /// Otherwise one such trace would keep its memory for the rest of the batch.
   void releaseLongTrace();
 
  private:

@@ -11,13 +11,15 @@ namespace Quillet {
 
 namespace {
 
+/// The highest sample of all channels.
 std::uint16_t largestSample(const Channels& channels) {
   const std::uint16_t* const samplesOfA = channels[0].data();
   const std::uint16_t* const samplesOfC = channels[1].data();
   const std::uint16_t* const samplesOfG = channels[2].data();
   const std::uint16_t* const samplesOfT = channels[3].data();
   const std::size_t count = channels.pointCount();
-  // Four at a time: each maximum waits for the one before it in its channel.
+  // Four maxima in one loop: within a channel each one depends on the one before, so that the
+  // processor would wait.
   std::uint16_t a = 0;
   std::uint16_t c = 0;
   std::uint16_t g = 0;
@@ -34,9 +36,9 @@ std::uint16_t largestSample(const Channels& channels) {
 constexpr std::uint32_t fullRange = 65280;  // what the highest sample is scaled to
 constexpr std::uint32_t largestSampleValue = 65535;
 
-/// Multiplies samples by a quotient of whole numbers and truncates the `double` product, or
-/// computes the same in whole numbers. Both numbers are 1..65535, no sample exceeds `bound`, and
-/// this times the quotient is at most 65535.
+/// Scales samples by numerator / denominator. The result is the truncated `double` product; it is
+/// computed in whole numbers where these give the same. Both numbers are 1..65535. No sample
+/// exceeds `bound`, and `bound` times the quotient is at most 65535.
 class QuotientScaling {
  public:
   QuotientScaling(std::uint32_t numerator, std::uint32_t denominator, std::uint32_t bound)
@@ -59,11 +61,11 @@ class QuotientScaling {
   double quotient_;
 };
 
-// The stretch of the trace that the channel balance is taken from, in sample indices.
+// The samples from which the channel balance is computed.
 constexpr std::uint32_t balanceFirstIndex = 1499;
 constexpr std::uint32_t balanceLastIndex = 2500;
 
-/// The four channels added up, by sample index; only the entries of that stretch are set.
+/// The sum of the four channels, by sample index; only the entries of those samples are set.
 using SummedSignal = std::array<std::uint16_t, balanceLastIndex + 1>;
 
 /// The maxima of the summed signal at which one channel was the highest.
@@ -77,7 +79,7 @@ struct PeakTally {
   }
 };
 
-/// Adds up the four channels into summed[1499..last]; the index past the last sample reads 0.
+/// Sums the four channels into summed[1499..last]; the sample after the last one counts as 0.
 void sumChannels(const Channels& channels, std::uint32_t last, SummedSignal& summed) {
   for (std::uint32_t k = balanceFirstIndex; k <= last; ++k) {
     std::uint32_t sum = 0;
@@ -102,7 +104,8 @@ std::size_t listMaxima(const SummedSignal& summed, std::uint32_t last, std::uint
   return count;
 }
 
-/// Counts the sample at `k` for the first of the channels that have the highest one there.
+/// Adds the highest sample at `k` to the tally of its channel, the first of equal ones. A height of
+/// 0 does not count.
 void tallyHighest(const Channels& channels, std::uint32_t k,
                   std::array<PeakTally, channelCount>& tallies) {
   using Key = HeightKey<2>;

@@ -10,8 +10,9 @@ namespace Quillet {
 
 namespace {
 
-/// A maximum stands more than 3 above its neighbours when 2 * sample - left - right > 3. In whole
-/// numbers that is: at least 2 above the neighbours' mean, rounded up, which needs 16 bits only.
+/// The stored height of a sample that is a maximum, and of 0 for any other. A sample is a maximum
+/// when 2 * sample - left - right > 3. In whole numbers: when it is at least 2 above the mean of
+/// its neighbours, rounded up. That needs only 16 bits.
 std::int16_t maximumAt(std::uint16_t left, std::uint16_t sample, std::uint16_t right) {
   const auto mean = static_cast<std::uint16_t>((left + right + 1) >> 1);
   const auto higher = sample > mean ? sample : mean;
@@ -20,6 +21,7 @@ std::int16_t maximumAt(std::uint16_t left, std::uint16_t sample, std::uint16_t r
   return storedHeight(sample & kept);
 }
 
+/// Stores the maxima of all channels as maximum_tree.h describes.
 void markMaxima(const Channels& channels, std::int16_t* maxima) {
   const std::size_t count = channels.pointCount();
   if (count == 0) return;
@@ -38,36 +40,37 @@ void markMaxima(const Channels& channels, std::int16_t* maxima) {
   std::int16_t* const lastOnes = maxima + channelCount * last;
   for (int channel = 0; channel < channelCount; ++channel) {
     const auto samples = channels[channel];
-    // The index before the first, which one sample asks for, is a huge one.
+    // With one sample, `last - 1` wraps to a huge index, whose sample is 0.
     const auto sampleAt = [&](std::size_t k) { return k < count ? samples[k] : std::uint16_t{0}; };
     maxima[channel] = maximumAt(0, samples[0], sampleAt(1));
     lastOnes[channel] = maximumAt(sampleAt(last - 1), samples[last], 0);
   }
 }
 
+/// Truncated toward zero.
 std::int64_t midpoint(std::int32_t left, std::int32_t right) {
-  return (std::int64_t{left} + right) / 2;  // truncates toward zero
+  return (std::int64_t{left} + right) / 2;
 }
 
-/// What lies between two midpoints, without them, which only serve as neighbours, and without what
-/// lies outside the trace, where nothing is a maximum.
+/// The samples between two midpoints, without the midpoints, which only serve as neighbours.
+/// Samples outside the trace are left out, since none of them is a maximum.
 SearchRange rangeBetween(std::int64_t low, std::int64_t high, std::uint32_t pointCount) {
   return {std::max(low + 1, std::int64_t{0}), std::min(high, std::int64_t{pointCount}) - 1};
 }
 
-/// Where the range of base `i` begins: midway to the base before; for the first base, at half its
-/// own peak. It ends where that of the next base begins.
+/// The lower midpoint of base `i`: midway to the base before; for the first base, half its own
+/// peak. Its upper midpoint is the lower one of the next base.
 std::int64_t lowMidpoint(const std::int32_t* peaks, std::int32_t i) {
   return i == 0 ? peaks[0] / 2 : midpoint(peaks[i - 1], peaks[i]);
 }
 
-/// The peaks that all channels have in one range.
+/// The peak of each channel in one range; a height of 0 means that there is none.
 struct Peaks {
   std::int32_t heights[channelCount] = {};
   std::int32_t positions[channelCount] = {};
 };
 
-/// Looks through a range of any length.
+/// Searches a range of any length.
 Peaks scan(const std::int16_t* maxima, const SearchRange& range) {
   Peaks peaks;
   for (std::int64_t k = range.first; k <= range.last; ++k) {
@@ -84,9 +87,9 @@ Peaks scan(const std::int16_t* maxima, const SearchRange& range) {
 constexpr std::int64_t shortestInLanes = 2;
 constexpr std::int64_t longestInLanes = 16;  // bases are seldom further apart
 
-/// Looks through a range that is neither shorter nor longer than these, two samples at a time, all
-/// four channels side by side. Branch-free: signal and length are unpredictable. It finds what
-/// scan() finds, its plain twin. To scan all ranges instead costs 16 % more CPU in a whole run.
+/// Searches a range of shortestInLanes to longestInLanes samples: all four channels side by side,
+/// two samples at a time. Branch-free: signal and length are unpredictable. Its plain twin is
+/// scan(), which finds the same peaks. scan() for every range costs 16 % more CPU in a whole run.
 Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
   constexpr std::size_t pairSize = 2 * std::size_t{channelCount};
   using Pair = Lanes<std::int16_t, pairSize>;
@@ -96,8 +99,8 @@ Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
   Pair highest = everyLane<pairSize>(storedHeight(0));
   Pair pairOffset{};
   for (std::int64_t k = 0; k < longestInLanes; k += 2) {
-    // After the end of the range, its last pair is looked at again. Of an odd number of samples,
-    // one is in two pairs.
+    // After the end of the range, its last pair is read again. An odd number of samples has one
+    // sample in two pairs.
     const std::int64_t offset = std::min(k, lastPair);
     const Pair heights = lanesAt<pairSize>(start + channelCount * offset);
 
@@ -107,7 +110,8 @@ Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
   }
   pairOffset = smaller(pairOffset, everyLane<pairSize>(static_cast<std::int16_t>(lastPair)));
 
-  // Key::of() the heights and the offsets, put together from halves.
+  // Key::of(height, offset), joined from 16-bit halves: the height above, the inverted offset
+  // below. The second sample of a pair has the offset + 1, so its inverted offset is 1 less.
   using Key = HeightKey<16>;
   using Keys = Lanes<std::int32_t, channelCount>;
   const Pair distance = ~pairOffset;
@@ -115,7 +119,7 @@ Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
       larger(join<0>(highest, distance),
              join<channelCount>(highest, static_cast<Pair>(distance - std::int16_t{1})));
 
-  const Keys height = Key::height(best) - std::int32_t{storedHeight(0)};  // undoes the 32768
+  const Keys height = Key::height(best) - std::int32_t{storedHeight(0)};  // adds the 32768 again
   const Keys offset = Key::index(best);
   const Keys position = positionAfter(static_cast<std::uint32_t>(range.first)) + offset;
 
@@ -131,11 +135,12 @@ void setPeak(ChannelPeaks& peaks, std::int32_t i, std::int32_t position, std::ui
   peaks.heights[static_cast<std::size_t>(i)] = height;
 }
 
-/// Looks through the ranges of the bases from end to end. Stops when the ranges together are too
-/// long, and returns the number of bases done.
+/// Searches the ranges of the bases one by one, sample by sample. Returns how many bases are done:
+/// it stops when the ranges are too long in all, which only overlapping ones are.
 std::int32_t searchByScanning(const CalledTrace& trace, const std::int16_t* maxima,
                               PeakTable& peaks) {
-  // The ranges of ascending peaks do not overlap; some disorder is still cheapest to scan.
+  // The ranges of ascending peaks do not overlap. The limit is above their length, since some
+  // disorder is still searched fastest this way.
   const std::uint32_t pointCount = trace.channels.pointCount();
   const std::int32_t baseCount = trace.bases.length();
   std::int64_t samplesLeft = 4 * (std::int64_t{pointCount} + baseCount);
@@ -159,7 +164,8 @@ std::int32_t searchByScanning(const CalledTrace& trace, const std::int16_t* maxi
   return baseCount;
 }
 
-/// Answers the ranges of the bases from `firstBase` on, however long they are.
+/// Searches the ranges of the bases from `firstBase` on by a tree, so that their length does not
+/// matter.
 void searchByTree(const CalledTrace& trace, std::int32_t firstBase, const std::int16_t* maxima,
                   PeakTable& peaks) {
   const std::uint32_t pointCount = trace.channels.pointCount();
@@ -175,7 +181,8 @@ void searchByTree(const CalledTrace& trace, std::int32_t firstBase, const std::i
   }
 }
 
-/// The called base always has a position: where no peak was found, that of the call itself.
+/// Where the called channel has no peak, the position of the call itself is taken, with its sample
+/// as the height.
 void fallBackToCalls(const CalledTrace& trace, PeakTable& peaks) {
   for (std::int32_t i = 0; i < trace.bases.length(); ++i) {
     const int called = channelOf(trace.bases[i]);

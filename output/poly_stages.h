@@ -8,8 +8,8 @@
 #include "foundation/channels.h"
 #include "output/poly_peaks.h"
 
-// The stages of the peak computation, in their order. PolyPeaks::compute() runs them; tests compare
-// each with its plain twin in tests/output/plain_poly.cpp; benchmarks time each alone.
+// The stages of the peak computation, in their order. PolyPeaks::compute() runs them. Tests compare
+// each with its plain twin in tests/output/plain_poly.cpp. Benchmarks time each alone.
 namespace Quillet {
 
 /// Stage 1: scales all samples so that the highest one becomes 65280, or 65279 by truncation.
@@ -18,8 +18,8 @@ void scaleToFullRange(Channels& channels);
 /// The average peak height of each channel, a whole number; 0 for a channel without a peak.
 using ChannelAverages = std::array<float, channelCount>;
 
-/// Stage 2: takes each channel's average from a fixed stretch of the trace, and scales the channels
-/// that have one to the smallest of them.
+/// Stage 2: computes each channel's average peak height in a fixed part of the trace, and scales
+/// the channels that have one to the smallest average.
 ChannelAverages balanceChannels(Channels& channels);
 
 /// Stage 3: finds the highest maximum of each channel around each base: positions and heights.
@@ -29,15 +29,15 @@ void findPeaks(const CalledTrace& trace, std::int16_t* maxima, PeakTable& peaks)
 /// Entries of the working storage of stage 4.
 std::size_t zeroWordCount(std::size_t pointCount);
 
-/// Stage 4, for one channel: shares the area of every run of signal out to the peaks in it, as
+/// Stage 4, for one channel: divides the area of every run of signal among the peaks in it, as
 /// their normalised heights. `zeros` is working storage, zeroWordCount(samples.size()) entries.
 void normaliseAreas(std::span<const std::uint16_t> samples, float average, std::int32_t baseCount,
                     std::uint64_t* zeros, ChannelPeaks& peaks);
 
-/// Stage 5: picks the highest peak of another channel for each base.
+/// Stage 5: chooses the highest peak among the other channels for each base.
 void chooseSecondPeaks(const Tessaly::String& bases, const PeakTable& peaks, SecondPeaks& second);
 
-/// The value without its fraction, or -2147483648 when that does not fit (NaN included).
+/// The truncated value, or -2147483648 when that does not fit (NaN included).
 std::int32_t truncateToInt32(double value);
 
 }  // namespace Quillet

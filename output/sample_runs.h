@@ -11,16 +11,16 @@
 
 namespace Quillet {
 
-/// Where the samples of one channel are 0, and how much signal lies between.
+/// Finds the runs of signal in one channel, and their areas.
 ///
-/// A run is a stretch of samples other than 0; what lies outside the channel counts as 0. Positions
-/// are sample indices, 0 up to the number of samples. Borrows the samples, and working storage of
-/// wordCount() entries. Does not fail. It is asked every few samples, so it is all inline.
+/// A run is a row of samples other than 0; samples outside the channel count as 0. Positions are
+/// sample indices, 0 up to the number of samples. Borrows the samples, and working storage of
+/// wordCount() entries. Does not fail. All inline, since it is called every few samples.
 ///
-/// Plainly: step from sample to sample until one is 0, and add up those before it. The tests
-/// compare with that (plainAreas in tests/output/plain_poly.cpp). Steps of one sample mispredict at
-/// the end of every run; a map with a bit for every 0, and sums of 64 samples at a time, do not.
-/// The plain loops cost 18 % more CPU in a whole run.
+/// Plainly: step from sample to sample until one is 0, and sum the samples before it. The tests
+/// compare with that (plainAreas in tests/output/plain_poly.cpp). That loop mispredicts at the end
+/// of every run. Here a map has a bit for every 0, and sums take 64 samples at a time. The plain
+/// loops cost 18 % more CPU in a whole run.
 class SampleRuns {
  public:
   /// Entries of working storage that a channel of so many samples needs.
@@ -62,11 +62,12 @@ class SampleRuns {
   using Samples = Lanes<std::uint16_t, laneCount>;
   using Sums = Lanes<std::uint32_t, laneCount / 2>;  // of pairs of samples
 
-  static constexpr std::int64_t wordSize = 64;  // samples that an entry of the storage stands for
+  static constexpr std::int64_t wordSize = 64;  // samples for each entry of the storage
 
-  static constexpr std::int64_t atOnce = 64;  // samples that are added up whether there or not
+  static constexpr std::int64_t atOnce = 64;  // samples that sumOfFirst() reads, whatever its count
 
-  // Read from entry 64 - n on, n samples pass and the others do not.
+  // 64 masks that keep a sample, then 64 that clear it. Read from entry 64 - n on, they keep the
+  // first n samples.
   static constexpr auto passing = [] {
     std::array<std::uint16_t, 2 * atOnce> masks{};
     std::fill_n(masks.begin(), atOnce, std::uint16_t{0xFFFF});
@@ -78,7 +79,7 @@ class SampleRuns {
     return (pairs & 0xFFFFU) + (pairs >> 16);
   }
 
-  /// The sum of `count` samples, in the time that all take.
+  /// The sum of the first `count` of 64 samples, in the same time for every count.
   static std::uint32_t sumOfFirst(const std::uint16_t* samples, std::int64_t count) {
     const std::uint16_t* const masks = passing.data() + atOnce - count;
     Sums sums{};
@@ -88,7 +89,7 @@ class SampleRuns {
     return sumOf(sums);
   }
 
-  /// A bit for every one of sixteen samples that is 0, the first sample's lowest.
+  /// A bit for each of sixteen samples, set where it is 0. The first sample has the lowest bit.
   static std::uint64_t zerosOfSixteen(const std::uint16_t* samples) {
     constexpr Samples lowerBits = {1, 2, 4, 8, 16, 32, 64, 128};
     constexpr Samples upperBits = lowerBits << laneCount;
@@ -100,6 +101,7 @@ class SampleRuns {
     return bitsOf(lowerZeros | upperZeros);
   }
 
+  /// Fills the map of zeros.
   void findZeros(std::size_t count) {
     constexpr std::uint64_t allZeros = ~std::uint64_t{0};
     const std::size_t wholeWords = count / wordSize;
@@ -118,7 +120,7 @@ class SampleRuns {
     zeros_[wholeWords + 2] = allZeros;
   }
 
-  /// The bits of the 64 samples before the position, the first sample's lowest.
+  /// The map's bits of the 64 samples before the position; the first sample has the lowest bit.
   std::uint64_t zerosBefore(std::int64_t position) const {
     const auto word = static_cast<std::size_t>(position / wordSize);
     const auto shift = static_cast<unsigned>(position % wordSize);
@@ -127,7 +129,7 @@ class SampleRuns {
 
   const std::uint16_t* samples_;
   std::int64_t count_;
-  std::uint64_t* zeros_;  // a bit that is set for every 0; one entry more stands at either end
+  std::uint64_t* zeros_;  // a bit set for every 0; one more entry of ones at either end
 };
 
 }  // namespace Quillet

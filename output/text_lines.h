@@ -9,10 +9,10 @@
 
 namespace Quillet {
 
-// Lines of characters and numbers. Plainly: writeWord() and writeLine() of the writer for each,
-// which give the same bytes. Here lines are put together in a block of memory, and the writer gets
-// a block at a time; a call for each word, with its test of the room left, costs 28 % more CPU in a
-// whole run. Each function puts its bytes at `text` and returns their end.
+// Lines of characters and numbers. Plainly: a writeWord() or writeLine() of the writer for each,
+// which gives the same bytes. Here lines are composed in a block of memory, and the writer gets a
+// block at a time. A call for each word, with its test for room, costs 28 % more CPU in a whole
+// run. Each function puts its bytes at `text` and returns their end.
 
 inline char* putCharacter(char* text, char character) {
   *text = character;
@@ -27,7 +27,7 @@ inline char* putWord(char* text, std::int32_t value) {
   return putDecimal(text, value) + 1;  // the blank is there already
 }
 
-// For values that are hardly ever negative or above 99999.
+// The next two are faster for values from 0 to 99999; see putShortDecimal().
 
 inline char* putShortWord(char* text, std::int32_t value) {
   return putShortDecimal(text, value) + 1;
