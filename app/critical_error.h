@@ -8,7 +8,7 @@ inline constexpr const char* contactAddress = "quillet@hallorand.example";
 /// Prints a message for the user and ends the process with the signal's number as its exit status.
 [[noreturn]] void criticalErrorHandler(int signalNumber);
 
-/// Installs criticalErrorHandler for SIGSEGV and SIGBUS. main makes it before anything else.
+/// Installs criticalErrorHandler for SIGSEGV and SIGBUS. main constructs it first.
 class StartUp {
  public:
   StartUp();

@@ -35,7 +35,7 @@ void applyFlags(Settings& settings, const std::vector<std::string>& words,
       settings.stripExtensions = false;
     } else if (word == "-h" || word == "-help" || word == "--help" || word == "-version" ||
                word == "--version") {
-      // run() answers them before; the resource file may contain them.
+      // Nothing to do: run() has answered them; in the resource file they are ignored.
     } else {
       throw Tessaly::ParseError(source, 0, "invalid flag `" + word + "'");
     }

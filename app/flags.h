@@ -9,8 +9,8 @@ namespace Quillet {
 
 /// Applies flag words, from left to right, to `settings`.
 ///
-/// `source` says where the words come from, such as "COMMAND LINE". Throws a Tessaly::ParseError
-/// that names it at the first bad word; the words before that stay applied.
+/// `source` names where the words come from, such as "COMMAND LINE". At the first bad word, throws
+/// a Tessaly::ParseError with that name; the words before it stay applied.
 void applyFlags(Settings& settings, const std::vector<std::string>& words,
                 const std::string& source);
 

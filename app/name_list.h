@@ -15,7 +15,7 @@ namespace Quillet {
 /// The first word of every line that has one. A word ends at its first zero byte.
 std::vector<std::string> namesInStream(std::istream& stream);
 
-/// The names in a list file; "-" is standard input. None when the file can not be opened; a
+/// The names in a list file; "-" is standard input. None when the file can not be opened. A
 /// directory opens and holds no names.
 std::optional<std::vector<std::string>> namesInFile(const Tessaly::String& listFile);
 

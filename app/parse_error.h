@@ -6,10 +6,10 @@
 
 namespace Tessaly {
 
-/// A word of the resource file or of the command line that can not be understood.
+/// An invalid word in the resource file or on the command line.
 ///
-/// Holds the path of the file (or the name of another source) and the line, counted from 1. An
-/// empty path and a line of 0 are left out of the text.
+/// Holds the path of the file, or the name of another source, and the line number, counted from 1.
+/// The text leaves out an empty path and a line of 0.
 class ParseError : public std::exception {
  public:
   ParseError(std::string fileName, std::int32_t lineNumber, std::string message);

@@ -10,18 +10,18 @@ namespace Quillet {
 
 /// One run over one project: its directories and its start time.
 ///
-/// Borrows the finished settings. Every .phd.1 file of the run names the time of construction.
-/// Directory texts end in "/".
-/// Errors: a step that can not go on prints its message and throws the int 1. A file that can not
-/// be used gets a message and is skipped. Exceptions of the lower layers pass through.
+/// Borrows the finished settings. Every .phd.1 file of the run holds the time of construction.
+/// Directory texts end in "/". Errors: prepare() and convertAll() print a message and throw the int
+/// 1 when the run can not go on. A trace that can not be converted gets a message and is skipped.
+/// Exceptions of the lower layers pass through.
 /// Use: construct, prepare() once, then convertAll().
 class Project {
  public:
   explicit Project(const Settings& settings);
 
-  /// Resolves and checks the project root and its chromat, phd and poly directories.
+  /// Finds and checks the project root and its chromat, phd and poly directories.
   void prepare();
-  /// Converts every chromatogram of the list file, or of the chromat directory.
+  /// Converts every chromatogram that the list file names, or every one in the chromat directory.
   void convertAll();
 
   const Tessaly::String& workingDir() const { return workingDir_; }

@@ -39,20 +39,21 @@ std::vector<std::string> listNames(const Settings& settings, const Tessaly::Stri
   return *std::move(names);
 }
 
-/// What the files of one batch share.
+/// Converts one file after another.
 ///
-/// Deliberate: the base calls are not cleared from one file to the next, so that a trace without
-/// base calls, or without usable qualities, goes on with those of the file before it.
+/// Deliberate: the base calls are not cleared between files. A trace without base calls, or without
+/// usable qualities, gets those of the file before it.
 class Batch {
  public:
   Batch(const Settings& settings, const Project& project)
       : settings_(settings), project_(project) {}
 
+  /// Writes the results of one trace, unless it is done already or has to be skipped.
   void convert(const std::string& listedName);
 
  private:
-  /// Takes over the calls that the trace at `path` holds; false, with a message, when it can not be
-  /// read. `path` loses a final ".gz".
+  /// Reads the trace at `path`: its calls into the members, its content into `content`. False, with
+  /// a message, when it can not be read. Cuts a final ".gz" off `path`.
   bool read(Tessaly::String& path, TraceContent& content);
 
   const Settings& settings_;
@@ -89,7 +90,7 @@ void Batch::convert(const std::string& listedName) {
     return;
   }
 
-  // One writer for both: when the first file fails, nothing gets into the second.
+  // One writer for both: when the first file fails, nothing is written to the second.
   Tessaly::FileWriter writer;
   writePhdFile(writer, phdFile,
                {.sampleName = name,

@@ -31,7 +31,7 @@ void Project::resolveRoot() {
   if (!isAbsolute(workPath_)) {
     workPath_ = workingDir_.text() + settings_.dataDir;
     const std::string& editDir = settings_.editDir;
-    // People start the program from inside the edit directory: its parent is the project then.
+    // Users start the program inside the edit directory; its parent is then the project.
     // Deliberate: the ending is compared as plain text, so that "my_edit_dir/" loses it as well.
     if (!isAbsolute(editDir) && workPath_.ends_with(editDir)) {
       workPath_.erase(workPath_.length() - editDir.length());

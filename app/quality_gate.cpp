@@ -11,7 +11,7 @@ std::optional<UnusableQuality> firstUnusableQuality(const Tessaly::String& bases
     if (std::toupper(static_cast<unsigned char>(bases[i])) == 'N') {
       continue;
     }
-    // Deliberate: a base after the end of the qualities has none.
+    // Deliberate: a base after the end of the qualities has the quality 0.
     const int quality = i < qualities.length() ? static_cast<unsigned char>(qualities[i]) : 0;
     if (quality == 0 || quality >= 100) {
       return UnusableQuality{.baseIndex = i, .quality = quality};

@@ -10,14 +10,14 @@ namespace Quillet {
 /// A base whose quality keeps its trace from being converted.
 struct UnusableQuality {
   std::int32_t baseIndex;  // from 0; 40 to 59
-  std::int32_t quality;    // 0, or 100 to 255; 0 also where the quality text has ended
+  std::int32_t quality;    // 0, or 100 to 255; 0 also after the end of the quality text
 };
 
 /// The first base that the quality gate refuses; none when the trace may be converted.
 ///
-/// The gate looks at the bases 40 to 59 (from 0), however many there are, and passes N and n.
-/// `qualities` is the text that TraceFile::getBaseCalls gives: it ends at the first stored 0, and
-/// from there on every quality counts as 0.
+/// The gate examines the bases 40 to 59 (from 0), or as many of them as there are, and accepts N
+/// and n. `qualities` is the text of TraceFile::getBaseCalls(). It ends at the first stored 0, so
+/// every later base has the quality 0.
 std::optional<UnusableQuality> firstUnusableQuality(const Tessaly::String& bases,
                                                     const Tessaly::String& qualities);
 

@@ -21,18 +21,19 @@ namespace {
 constexpr const char* resourceFileName = ".quilletrc";
 constexpr const char* flagSource = ".quilletrc file";
 
-/// Opens the first resource file there is and says which; false when there is none.
+/// Opens the first resource file and sets `path` to its name; false when there is none.
 bool openResourceFile(std::ifstream& stream, Tessaly::String& path) {
   path = Tessaly::Directory::currentDirectory() + resourceFileName;
   stream.open(path.text());
   if (stream.is_open()) return true;
 
-  // Deliberate: without HOME this is the bare name once more, with an empty HOME the root's file.
+  // Deliberate: without HOME this is the bare name again; with an empty HOME it is in the root
+  // directory.
   path = Tessaly::Directory::homeDirectory() + resourceFileName;
   stream.open(path.text());
   if (stream.is_open()) return true;
 
-  // Deliberate: the variable is a prefix, no "/" is put between it and the name.
+  // Deliberate: the variable is a prefix; no "/" is added after it.
   const char* prefix = std::getenv("TESSALY_PATH");
   if (prefix == nullptr || *prefix == '\0') return false;
   path = Tessaly::String(prefix) + resourceFileName;
@@ -40,7 +41,7 @@ bool openResourceFile(std::ifstream& stream, Tessaly::String& path) {
   return stream.is_open();
 }
 
-/// Takes the line's next word, which ends at its first zero byte; false when there is none.
+/// Reads the next word of the line, which ends at its first zero byte; false when there is none.
 bool takeWord(std::istringstream& line, std::string& word) {
   if (!(line >> word)) {
     return false;
@@ -49,7 +50,7 @@ bool takeWord(std::istringstream& line, std::string& word) {
   return true;
 }
 
-/// The lines of one resource file, understood one by one.
+/// Applies the lines of one resource file and collects its flags.
 class ResourceLines {
  public:
   ResourceLines(Settings& settings, const Tessaly::String& path)
@@ -73,7 +74,7 @@ class ResourceLines {
     } else if (keyword == "polydir") {
       setDirectory(settings_.polyDir, keyword, words);
     } else {
-      // Deliberate: there are no comments; "#" is an option like any other, and an invalid one.
+      // Deliberate: there are no comments; "#" is an invalid option.
       throw Tessaly::ParseError(path_, lineNumber_, "invalid option: " + keyword);
     }
   }

@@ -4,11 +4,11 @@
 
 namespace Quillet {
 
-/// Reads the user's defaults from the first ".quilletrc" that opens into `settings`.
+/// Reads the user's defaults into `settings`, from the first ".quilletrc" that opens.
 ///
-/// It is sought in the working directory, then in the home directory, then under the prefix that
-/// TESSALY_PATH holds; none is fine. Directory keywords take effect as they are read, the "flag"
-/// words together at the end. Throws Tessaly::ParseError at the first bad line or flag.
+/// Looks in the working directory, in the home directory, and under the prefix in TESSALY_PATH;
+/// without such a file it does nothing. Directory keywords take effect at once, all "flag" words
+/// together at the end. Throws Tessaly::ParseError at the first bad line or flag.
 void readResourceFile(Settings& settings);
 
 }  // namespace Quillet

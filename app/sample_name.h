@@ -6,8 +6,8 @@
 
 namespace Quillet {
 
-/// The sample that a listed name stands for: the name without a final ".gz" and, with
-/// `stripExtensions`, without a known extension. Both output files are named after it.
+/// The sample name of a listed name: cuts off a final ".gz" and then, with `stripExtensions`, a
+/// known extension. Both output files are named after the sample.
 Tessaly::String sampleName(const std::string& listedName, bool stripExtensions);
 
 }  // namespace Quillet

@@ -9,7 +9,7 @@ namespace Quillet {
 /// Appends "/" to a directory text that does not end in one; an empty text stays empty.
 void ensureTrailingSlash(std::string& directory);
 
-/// What a run is to do: built-in defaults, then changes by the resource file, then by the flags.
+/// The options of a run: built-in defaults, changed by the resource file, then by the flags.
 ///
 /// Directory texts end in "/" or are empty. A sub-directory that begins with "/" is an absolute
 /// path; any other is relative to the project root.
@@ -27,7 +27,7 @@ struct Settings {
   bool overwrite = false;
   bool stripExtensions = true;
 
-  /// Gives the list file's name. False, with `name` unchanged, when there is none.
+  /// Sets `name` to the list file's name. False, with `name` unchanged, when there is none.
   bool listFile(Tessaly::String& name) const;
 };
 
