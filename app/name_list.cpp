@@ -22,13 +22,9 @@ std::vector<std::string> namesInStream(std::istream& stream) {
 }
 
 std::optional<std::vector<std::string>> namesInFile(const Tessaly::String& listFile) {
-  if (listFile == "-") {
-    return namesInStream(std::cin);
-  }
+  if (listFile == "-") return namesInStream(std::cin);
   std::ifstream stream(listFile.text());
-  if (!stream.is_open()) {
-    return std::nullopt;
-  }
+  if (!stream.is_open()) return std::nullopt;
   return namesInStream(stream);
 }
 

@@ -27,9 +27,7 @@ namespace {
 /// The names to convert, as they are listed; throws 1 when the list file can not be opened.
 std::vector<std::string> listNames(const Settings& settings, const Tessaly::String& chromatPath) {
   Tessaly::String listFile;
-  if (!settings.listFile(listFile)) {
-    return namesInDirectory(chromatPath);
-  }
+  if (!settings.listFile(listFile)) return namesInDirectory(chromatPath);
   std::optional<std::vector<std::string>> names = namesInFile(listFile);
   if (!names) {
     // Deliberate: no line end; what main prints next begins with one.

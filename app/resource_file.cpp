@@ -43,9 +43,7 @@ bool openResourceFile(std::ifstream& stream, Tessaly::String& path) {
 
 /// Reads the next word of the line, which ends at its first zero byte; false when there is none.
 bool takeWord(std::istringstream& line, std::string& word) {
-  if (!(line >> word)) {
-    return false;
-  }
+  if (!(line >> word)) return false;
   word.resize(std::strlen(word.c_str()));
   return true;
 }
@@ -60,9 +58,7 @@ class ResourceLines {
     ++lineNumber_;
     std::istringstream words(line);
     std::string keyword;
-    if (!takeWord(words, keyword)) {
-      return;
-    }
+    if (!takeWord(words, keyword)) return;
     if (keyword == "flag") {
       for (std::string word; takeWord(words, word);) {
         flags_.push_back(word);
