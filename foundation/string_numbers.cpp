@@ -14,22 +14,23 @@ bool isDigit(char character) { return std::isdigit(static_cast<unsigned char>(ch
 
 bool isSign(char character) { return character == '+' || character == '-'; }
 
-const char* behindDigits(const char* place, const char* end) {
+/// The place after the digits from `place` on; `place` itself when there are none.
+const char* pastDigits(const char* place, const char* end) {
   return std::find_if_not(place, end, isDigit);
 }
 
 /// The place after "." and at least one digit; `place` itself when there are none.
-const char* behindFraction(const char* place, const char* end) {
+const char* pastFraction(const char* place, const char* end) {
   if (place == end || *place != '.') {
     return place;
   }
-  const char* const behind = behindDigits(place + 1, end);
-  return behind == place + 1 ? place : behind;
+  const char* const after = pastDigits(place + 1, end);
+  return after == place + 1 ? place : after;
 }
 
 /// The place after "e" or "E", an optional sign and at least one digit; `place` itself when there
 /// are none.
-const char* behindExponent(const char* place, const char* end) {
+const char* pastExponent(const char* place, const char* end) {
   if (place == end || (*place != 'e' && *place != 'E')) {
     return place;
   }
@@ -37,8 +38,8 @@ const char* behindExponent(const char* place, const char* end) {
   if (digits != end && isSign(*digits)) {
     ++digits;
   }
-  const char* const behind = behindDigits(digits, end);
-  return behind == digits ? place : behind;
+  const char* const after = pastDigits(digits, end);
+  return after == digits ? place : after;
 }
 
 /// The value of a hexadecimal digit, -1 for any other character.
@@ -184,11 +185,11 @@ bool String::isDecimalNumber() const {
     ++place;
   }
   const char* const mantissa = place;
-  place = behindFraction(behindDigits(place, end), end);
+  place = pastFraction(pastDigits(place, end), end);
   if (place == mantissa) {
     return false;
   }
-  place = behindExponent(place, end);
+  place = pastExponent(place, end);
   return place == end || isWhiteSpace(*place);
 }
 

@@ -125,14 +125,14 @@ const char* StringScanner::placeOf(char character) const {
   return std::find(position_, end(), character);
 }
 
-bool StringScanner::take(const char* first, const char* behind, String& target) {
+bool StringScanner::take(const char* first, const char* past, String& target) {
   if (&target == scanned_) {
     throw stringParameterError;
   }
   const bool found = first != end();
   target.clear();
-  target.append(first, static_cast<std::int32_t>(behind - first));  // at most the length
-  position_ = behind;
+  target.append(first, static_cast<std::int32_t>(past - first));  // at most the length
+  position_ = past;
   return found;
 }
 

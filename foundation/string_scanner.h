@@ -68,9 +68,9 @@ class StringScanner {
   const char* end() const { return scanned_->text() + scanned_->length(); }
   /// The first `character` at or after the position; the end when there is none.
   const char* placeOf(char character) const;
-  /// Copies the characters from `first` up to, not including, `behind` into `target` and moves to
-  /// `behind`. False when `first` is the end.
-  bool take(const char* first, const char* behind, String& target);
+  /// Copies the characters from `first` up to, not including, `past` into `target` and moves to
+  /// `past`. False when `first` is the end.
+  bool take(const char* first, const char* past, String& target);
 
   std::unique_ptr<String> owned_;
   const String* scanned_;

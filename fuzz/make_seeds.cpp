@@ -35,7 +35,7 @@ Seeds abifSeeds() {
       {"one_letter_twice", AbifBuilder().baseOrder("GATA").build()},
       {"odd_qualities", AbifBuilder().qualities(qualities).build()},
       {"negative_offsets", AbifBuilder().dataOffset("PBAS", 1, 0xFFFFFFF0).build()},
-      {"channels_behind_end", AbifBuilder().dataOffset("DATA", 9, 0x7FFFFFFF).build()},
+      {"channels_past_end", AbifBuilder().dataOffset("DATA", 9, 0x7FFFFFFF).build()},
       {"met_by_nothing",
        AbifBuilder().count("DATA", 9, 16000).count("DATA", 10, 16000).last("DATA", 9).build()},
       {"many_entries", AbifBuilder().otherEntries(100).build()},

@@ -117,7 +117,7 @@ constexpr int secondsForAll = 60;
 #endif
 
 /// The text of a .poly file after its first word, the sample's name.
-std::string behindName(const std::string& poly) {
+std::string afterName(const std::string& poly) {
   return poly.substr(std::min(poly.find(' '), poly.size()));
 }
 
@@ -129,7 +129,7 @@ void expectGoodResults(const ProjectFolder& project) {
   ASSERT_NE(alone.phdBases("good"), "");
   for (const char* name : {"0_before", "z_last"}) {
     EXPECT_TRUE(project.phdBases(name) == alone.phdBases("good")) << name;
-    EXPECT_TRUE(behindName(project.poly(name)) == behindName(alone.poly("good"))) << name;
+    EXPECT_TRUE(afterName(project.poly(name)) == afterName(alone.poly("good"))) << name;
   }
 }
 

@@ -138,16 +138,16 @@ TEST(FileWriter, OfLengthZeroATextOrRunFlushesAFullBufferAndAnArrayDoesNot) {
 
 TEST(FileWriter, AnIntegerOf11CharactersFills11FreeBytesExactly) {
   constexpr std::int32_t smallest = std::numeric_limits<std::int32_t>::min();
-  const auto behind = [](std::size_t pending) -> Action {
+  const auto after = [](std::size_t pending) -> Action {
     return [pending](FileWriter& writer) {
       fill(writer, pending);
       writer.write(smallest);
     };
   };
 
-  EXPECT_EQ(flushed(16, behind(4)), "") << "12 bytes free";
-  EXPECT_EQ(flushed(16, behind(5)), ".....-2147483648") << "11 bytes free";
-  EXPECT_EQ(flushed(16, behind(6)), "......-214748364") << "10 bytes free";
+  EXPECT_EQ(flushed(16, after(4)), "") << "12 bytes free";
+  EXPECT_EQ(flushed(16, after(5)), ".....-2147483648") << "11 bytes free";
+  EXPECT_EQ(flushed(16, after(6)), "......-214748364") << "10 bytes free";
 }
 
 TEST(FileWriter, ANumberOrAlignedFieldThatFillsTwoBuffersIsFlushedTwice) {
@@ -160,11 +160,11 @@ TEST(FileWriter, ANumberOrAlignedFieldThatFillsTwoBuffersIsFlushedTwice) {
   };
 
   for (const Operation& row : cases) {
-    const Action behindOneByte = [&row](FileWriter& writer) {
+    const Action afterOneByte = [&row](FileWriter& writer) {
       writer.write('.');
       row.action(writer);
     };
-    EXPECT_EQ(flushed(4, behindOneByte), "." + row.bytes) << row.name;
+    EXPECT_EQ(flushed(4, afterOneByte), "." + row.bytes) << row.name;
   }
 }
 

@@ -50,7 +50,7 @@ class AbifBuilder {
   /// "ABIF", those of the calls and of the caller name from the start of the file.
   AbifBuilder& prefix(int size) { return set(prefix_, size); }
   /// With prefix(): offsets of the calls and of the caller name count from "ABIF" too.
-  AbifBuilder& callOffsetsBehindPrefix() { return set(callOffsetsFromPrefix_, true); }
+  AbifBuilder& callOffsetsAfterPrefix() { return set(callOffsetsFromPrefix_, true); }
   /// Bytes from one entry to the next, 24 or more; at 24 each loses its unused last field.
   AbifBuilder& stride(int bytes) { return set(stride_, bytes); }
   AbifBuilder& directoryFirst() { return set(directoryFirst_, true); }

@@ -161,7 +161,7 @@ TEST(AbifReader, AfterAPrefixOffset0IsThePrefixForCallsAndTheMagicForChannels) {
 
 TEST(AbifReader, CallOffsetsThatCountFromTheMagicAreNotCorrected) {
   // As stored, "PBAS" is at 224, which is byte 96 of the header that follows the prefix: zeros.
-  const OpenedTrace opened = openBytes(AbifBuilder().prefix(128).callOffsetsBehindPrefix().build());
+  const OpenedTrace opened = openBytes(AbifBuilder().prefix(128).callOffsetsAfterPrefix().build());
 
   EXPECT_TRUE(opened.read);
   EXPECT_EQ(opened.a, risingFrom(100));
