@@ -10,10 +10,11 @@ namespace Quillet {
 
 /// One run over one project: its directories and its start time.
 ///
-/// Borrows the finished settings. Every .phd.1 file of the run holds the time of construction.
-/// Directory texts end in "/". Errors: prepare() and convertAll() print a message and throw the int
-/// 1 when the run can not go on. A trace that can not be converted gets a message and is skipped.
-/// Exceptions of the lower layers pass through.
+/// Borrows the finished settings. Directory texts end in "/". Every .phd.1 file of the run holds
+/// the time of construction.
+/// Errors: when the run can not go on, an operation prints a message and throws the int 1. A trace
+/// that can not be converted gets a message and is skipped. Exceptions of the lower layers pass
+/// through.
 /// Use: construct, prepare() once, then convertAll().
 class Project {
  public:

@@ -114,8 +114,10 @@ class FileWriter {
   /// Writes the character `count` times.
   void writeRepeated(char character, std::int32_t count);
   /// Shortens the white space at the end of the pending bytes so that it ends with its first line
-  /// feed; blanks before that line feed stay. Flushed bytes are not looked at, nor is the first
-  /// byte of the buffer, which always stays.
+  /// feed; blanks before that line feed stay. The first byte of the buffer is not examined and
+  /// always stays. Flushed bytes can not be changed.
+  /// Deliberate: when that white space has no line feed, the search goes on over stale bytes of the
+  /// buffer. All bytes up to the next line feed, or up to the end of the buffer, become pending.
   void trimTrailingSpace();
 
  private:

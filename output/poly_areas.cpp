@@ -27,7 +27,7 @@ void normaliseAreas(std::span<const std::uint16_t> samples, float average, std::
   // A peak that no run reaches keeps 0.
   std::fill_n(normalised, baseCount, 0);
 
-  // One pass over bases and samples, in order. Only runs that hold a peak are looked at.
+  // One pass over bases and samples, in order. Only runs that hold a peak are examined.
   std::int64_t passed = 0;  // the samples before this index are done
   for (std::int32_t base = 0; base < baseCount && positions[base] < pointCount;) {
     const std::int64_t position = positions[base];

@@ -39,8 +39,7 @@ struct SecondPeaks {
 ///
 /// Owns its results and its working storage. Both grow to the largest trace, so that one object
 /// serves a whole batch. Accepts any peak positions; only a lack of memory throws. Time: linear in
-/// samples and bases; a base costs up to the logarithm of the samples when the peaks are out of
-/// order.
+/// samples and bases; with peaks out of order, a base may cost the logarithm of the samples.
 /// Use: compute(), read the results, releaseLongTrace(); again for the next trace.
 class PolyPeaks {
  public:

@@ -65,7 +65,7 @@ class QuotientScaling {
 constexpr std::uint32_t balanceFirstIndex = 1499;
 constexpr std::uint32_t balanceLastIndex = 2500;
 
-/// The sum of the four channels, by sample index; only the entries of those samples are set.
+/// The sum of the four channels, by sample index; only entries from balanceFirstIndex on are set.
 using SummedSignal = std::array<std::uint16_t, balanceLastIndex + 1>;
 
 /// The maxima of the summed signal at which one channel was the highest.

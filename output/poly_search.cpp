@@ -135,8 +135,8 @@ void setPeak(ChannelPeaks& peaks, std::int32_t i, std::int32_t position, std::ui
   peaks.heights[static_cast<std::size_t>(i)] = height;
 }
 
-/// Searches the ranges of the bases one by one, sample by sample. Returns how many bases are done:
-/// it stops when the ranges are too long in all, which only overlapping ones are.
+/// Searches the ranges of the bases one by one. Returns how many bases are done: all, unless the
+/// ranges overlap so much that the tree is faster.
 std::int32_t searchByScanning(const CalledTrace& trace, const std::int16_t* maxima,
                               PeakTable& peaks) {
   // The ranges of ascending peaks do not overlap. The limit is above their length, since some
