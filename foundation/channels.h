@@ -36,7 +36,7 @@ inline int channelOf(char base) {
 class Channels {
  public:
   Channels() = default;
-  /// Room for `pointCount` samples in each channel, with values that are not determined.
+  /// Room for `pointCount` samples in each channel, without setting their values.
   explicit Channels(std::uint32_t pointCount) : pointCount_(pointCount) {
     for (auto& samples : samples_) {
       samples = std::make_unique_for_overwrite<std::uint16_t[]>(pointCount);
