@@ -115,14 +115,7 @@ void searchNearTrace(const PolyInput& input, PolyResult& result) {
 }
 
 PolyResult plainResult(PolyInput& input) {
-  if (plainWalk(input) <= longestPlainWalk) return plainPoly(input);
-  PolyResult result;
-  plainScale(input);
-  const std::array<float, 4> averages = plainBalance(input);
-  searchNearTrace(input, result);
-  plainAreas(input, averages, result);
-  plainSecondPeaks(input, result);
-  return result;
+  return plainPoly(input, plainWalk(input) <= longestPlainWalk ? plainSearch : searchNearTrace);
 }
 
 }  // namespace

@@ -84,7 +84,8 @@ struct Model {
     int lineNumber = 0;
     for (const std::string& line : linesOf(text)) {
       const std::string start = "in " + path + "line " + std::to_string(++lineNumber) + ": ";
-      const Words words = split(line, " \t\v\f\r");
+      Words words = split(line, " \t\v\f\r");
+      for (std::string& word : words) word = word.substr(0, word.find('\0'));
       if (words.empty()) continue;
       std::string* const directory = words[0] == "chromatdir" ? &settings.chromatDir
                                      : words[0] == "phddir"   ? &settings.phdDir

@@ -72,19 +72,6 @@ bool backsClaims(const Tessaly::FileReader& file, const ScfHeader& header) {
 // Bytes that are read at a time: a multiple of each record size, 4, 8 and 12.
 constexpr std::int32_t chunkSize = 12288;
 
-/// Reads up to `wanted` bytes, fills the rest of them with zeros, and returns how many were read.
-std::int32_t readChunk(Tessaly::FileReader& file, unsigned char* chunk, std::int32_t wanted) {
-  const std::int32_t held = file.readBytes(chunk, wanted);
-  std::fill(chunk + held, chunk + wanted, static_cast<unsigned char>(0));
-  return held;
-}
-
-/// Of `held` bytes that were read as values of `size` bytes, zeroes an incomplete last value.
-void dropPart(unsigned char* chunk, std::int32_t held, std::int32_t size) {
-  const std::int32_t whole = held / size * size;
-  std::fill(chunk + whole, chunk + held, static_cast<unsigned char>(0));
-}
-
 /// The version 2 layout: for each point a sample of A, C, G and T.
 void readInterleavedSamples(Tessaly::FileReader& file, std::int32_t sampleSize,
                             Channels& channels) {
@@ -95,8 +82,9 @@ void readInterleavedSamples(Tessaly::FileReader& file, std::int32_t sampleSize,
   std::uint32_t count = 0;
   for (std::uint32_t first = 0; first < pointCount; first += count) {
     count = std::min(chunkRecords, pointCount - first);
-    const std::int32_t held = readChunk(file, chunk, static_cast<std::int32_t>(count) * recordSize);
-    dropPart(chunk, held, sampleSize);
+    const std::int32_t held =
+        readOrZero(file, chunk, static_cast<std::int32_t>(count) * recordSize);
+    zeroCutValue(chunk, held, sampleSize);
     for (int channel = 0; channel < channelCount; ++channel) {
       const auto samples = channels[channel].subspan(first, count);
       const unsigned char* stored = chunk + std::ptrdiff_t{channel} * sampleSize;
@@ -123,9 +111,9 @@ void readInterleavedBases(Tessaly::FileReader& file, BaseCalls& calls) {
   for (std::uint32_t first = 0; first < calls.count; first += count) {
     count = std::min(chunkRecords, calls.count - first);
     const std::int32_t held =
-        readChunk(file, chunk, static_cast<std::int32_t>(count) * baseRecordSize);
+        readOrZero(file, chunk, static_cast<std::int32_t>(count) * baseRecordSize);
     // An incomplete peak counts as 0. After a complete one each single byte counts.
-    if (held % baseRecordSize < baseRecordProbabilities) dropPart(chunk, held, baseRecordSize);
+    if (held % baseRecordSize < baseRecordProbabilities) zeroCutValue(chunk, held, baseRecordSize);
     for (std::uint32_t i = 0; i < count; ++i) {
       const unsigned char* record = chunk + std::size_t{i} * baseRecordSize;
       const char letter = static_cast<char>(record[baseRecordBase]);

@@ -51,4 +51,15 @@ void readArray(Tessaly::FileReader& file, std::uint32_t* destination, std::size_
                [&](std::uint32_t* to, std::int32_t n) { return file.readUInt32Array(to, n); });
 }
 
+std::int32_t readOrZero(Tessaly::FileReader& file, unsigned char* bytes, std::int32_t wanted) {
+  const std::int32_t held = file.readBytes(bytes, wanted);
+  std::fill(bytes + held, bytes + wanted, static_cast<unsigned char>(0));
+  return held;
+}
+
+void zeroCutValue(unsigned char* bytes, std::int32_t held, std::int32_t size) {
+  const std::int32_t whole = held / size * size;
+  std::fill(bytes + whole, bytes + held, static_cast<unsigned char>(0));
+}
+
 }  // namespace Quillet

@@ -5,7 +5,7 @@
 
 #include "trace/file_reader.h"
 
-// For the trace readers: arrays whose length the file claims, although it may not hold them.
+// For the trace readers: values whose number the file claims, although it may not hold them.
 namespace Quillet {
 
 /// Whether an array of `count` entries may be read: the file holds all `byteCount` bytes from
@@ -18,5 +18,12 @@ void readArray(Tessaly::FileReader& file, char* destination, std::size_t count);
 void readArray(Tessaly::FileReader& file, std::uint8_t* destination, std::size_t count);
 void readArray(Tessaly::FileReader& file, std::uint16_t* destination, std::size_t count);
 void readArray(Tessaly::FileReader& file, std::uint32_t* destination, std::size_t count);
+
+/// For records of several values: reads up to `wanted` bytes, fills the rest of them with zeros,
+/// and returns how many were read. Give that to zeroCutValue().
+std::int32_t readOrZero(Tessaly::FileReader& file, unsigned char* bytes, std::int32_t wanted);
+
+/// Of `held` bytes that were read as values of `size` bytes, zeroes an incomplete last value.
+void zeroCutValue(unsigned char* bytes, std::int32_t held, std::int32_t size);
 
 }  // namespace Quillet

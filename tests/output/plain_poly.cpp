@@ -183,11 +183,11 @@ void plainSecondPeaks(const PolyInput& input, PolyResult& result) {
   }
 }
 
-PolyResult plainPoly(PolyInput& input) {
+PolyResult plainPoly(PolyInput& input, PlainSearch search) {
   PolyResult result;
   plainScale(input);
   const std::array<float, 4> averages = plainBalance(input);
-  plainSearch(input, result);
+  search(input, result);
   plainAreas(input, averages, result);
   plainSecondPeaks(input, result);
   return result;

@@ -36,8 +36,9 @@ std::array<float, 4> plainBalance(PolyInput& input);
 void plainSearch(const PolyInput& input, PolyResult& result);
 void plainAreas(const PolyInput& input, const std::array<float, 4>& averages, PolyResult& result);
 void plainSecondPeaks(const PolyInput& input, PolyResult& result);
+using PlainSearch = void (*)(const PolyInput& input, PolyResult& result);
 /// All stages in order. Rescales the channels.
-PolyResult plainPoly(PolyInput& input);
+PolyResult plainPoly(PolyInput& input, PlainSearch search = plainSearch);
 /// The text of the .poly file.
 std::string plainPolyText(const std::string& sampleName, const PolyInput& input,
                           const PolyResult& result);
