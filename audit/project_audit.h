@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+#include "app/project.h"
+#include "app/settings.h"
+#include "audit/phd_result.h"
+#include "audit/sample_row.h"
+#include "output/poly_peaks.h"
+#include "trace/trace_content.h"
+
+namespace Quillet {
+
+/// A row with what it was made from, borrowed for the length of a visit.
+struct AuditedSample {
+  const SampleRow& row;
+  const TraceContent* content;  // null when the trace can not be read; channels as stored
+  const PolyPeaks* peaks;       // null without calls; what the trace alone gives
+  const PhdResult* result;      // null without a whole .phd.1; what the result file says
+};
+
+/// Reads every trace of a project again and compares its result with what the trace alone gives.
+///
+/// Borrows the settings and the prepared project; writes nothing. Memory: the names, and the rows
+/// of those few samples that several names share. A bad file makes a row, never an exception; what
+/// a Directory or a lack of memory throws passes through.
+/// Use: construct, run() once.
+class ProjectAudit {
+ public:
+  /// `mixedRatio`: how high a second peak stands, measured by the called one, to make a base mixed.
+  ProjectAudit(const Settings& settings, const Project& project, double mixedRatio);
+
+  /// Rows that run() visits for names; orphans come on top.
+  std::size_t nameCount() const;
+
+  /// Visits the names in the converter's order, each once, then the orphans by sample. `step` is
+  /// called after each name, for a progress meter.
+  void run(const std::function<void(const AuditedSample&)>& visit,
+           const std::function<void()>& step);
+};
+
+}  // namespace Quillet
