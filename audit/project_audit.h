@@ -17,7 +17,7 @@ struct AuditedSample {
   const SampleRow& row;
   const TraceContent* content;  // null when the trace can not be read; channels as stored
   const PolyPeaks* peaks;       // null without calls; what the trace alone gives
-  const PhdResult* result;      // null without a whole .phd.1; what the result file says
+  const PhdResult* result;      // what a whole .phd.1 says that is not right; else null
 };
 
 /// Reads every trace of a project again and compares its result with what the trace alone gives.
@@ -28,6 +28,7 @@ struct AuditedSample {
 /// Use: construct, run() once.
 class ProjectAudit {
  public:
+  /// Lists the names; throws 1, after a message, when the list file can not be opened.
   /// `mixedRatio`: how high a second peak stands, measured by the called one, to make a base mixed.
   ProjectAudit(const Settings& settings, const Project& project, double mixedRatio);
 
