@@ -8,19 +8,23 @@
 
 namespace Quillet {
 
+/// What a run does with the result directories.
+enum class ProjectUse { write, read };
+
 /// One run over one project: its directories and its start time.
 ///
 /// Borrows the finished settings. Every .phd.1 file of the run names the time of construction.
 /// Directory texts end in "/".
-/// Errors: a step that can not go on prints its message and throws the int 1. A file that can not be
-/// used gets a message and is skipped. Exceptions of the lower layers pass through.
+/// Errors: a step that can not go on prints its message and throws the int 1. A file that can not
+/// be used gets a message and is skipped. Exceptions of the lower layers pass through.
 /// Use: construct, prepare() once, then convertAll().
 class Project {
  public:
   explicit Project(const Settings& settings);
 
-  /// Resolves and checks the project root and its chromat, phd and poly directories.
-  void prepare();
+  /// Resolves and checks the project root and its chromat, phd and poly directories. To write, the
+  /// last two must be writeable.
+  void prepare(ProjectUse use = ProjectUse::write);
   /// Converts every chromatogram of the list file, or of the chromat directory.
   void convertAll();
 
