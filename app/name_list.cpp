@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iostream>
+#include <utility>
 
 #include "foundation/directory.h"
 
@@ -30,6 +31,20 @@ std::optional<std::vector<std::string>> namesInFile(const Tessaly::String& listF
 
 std::vector<std::string> namesInDirectory(const Tessaly::String& path) {
   return Tessaly::Directory(path.text()).files();
+}
+
+std::vector<std::string> namesOfRun(const Settings& settings, const Tessaly::String& chromatPath) {
+  Tessaly::String listFile;
+  if (!settings.listFile(listFile)) {
+    return namesInDirectory(chromatPath);
+  }
+  std::optional<std::vector<std::string>> names = namesInFile(listFile);
+  if (!names) {
+    // Deliberate: no line end; what main prints next begins with one.
+    std::cerr << "ERROR: can not open the file " << listFile;
+    throw 1;
+  }
+  return *std::move(names);
 }
 
 }  // namespace Quillet

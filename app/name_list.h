@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "app/settings.h"
 #include "foundation/string.h"
 
 // The names that a run converts, in its order. A name is a file name in the chromat directory.
@@ -21,5 +22,9 @@ std::optional<std::vector<std::string>> namesInFile(const Tessaly::String& listF
 
 /// The files of a directory in ascending byte order, without hidden ones.
 std::vector<std::string> namesInDirectory(const Tessaly::String& path);
+
+/// The names of a run: those of the list file that the settings name, or else the files of the
+/// chromat directory. Throws 1, after a message, when the list file can not be opened.
+std::vector<std::string> namesOfRun(const Settings& settings, const Tessaly::String& chromatPath);
 
 }  // namespace Quillet

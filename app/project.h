@@ -8,6 +8,9 @@
 
 namespace Quillet {
 
+/// What a run does with the result directories.
+enum class ProjectUse { write, read };
+
 /// One run over one project: its directories and its start time.
 ///
 /// Borrows the finished settings. Directory texts end in "/". Every .phd.1 file of the run holds
@@ -21,7 +24,8 @@ class Project {
   explicit Project(const Settings& settings);
 
   /// Finds and checks the project root and its chromat, phd and poly directories.
-  void prepare();
+  /// To write, the last two must be writeable.
+  void prepare(ProjectUse use = ProjectUse::write);
   /// Converts every chromatogram that the list file names, or every one in the chromat directory.
   void convertAll();
 

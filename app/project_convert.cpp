@@ -3,9 +3,7 @@
 #include <cstdint>
 #include <iostream>
 #include <memory>
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "app/name_list.h"
@@ -23,19 +21,6 @@
 namespace Quillet {
 
 namespace {
-
-/// The names to convert, as they are listed; throws 1 when the list file can not be opened.
-std::vector<std::string> listNames(const Settings& settings, const Tessaly::String& chromatPath) {
-  Tessaly::String listFile;
-  if (!settings.listFile(listFile)) return namesInDirectory(chromatPath);
-  std::optional<std::vector<std::string>> names = namesInFile(listFile);
-  if (!names) {
-    // Deliberate: no line end; what main prints next begins with one.
-    std::cerr << "ERROR: can not open the file " << listFile;
-    throw 1;
-  }
-  return *std::move(names);
-}
 
 /// Converts one file after another.
 ///
@@ -107,7 +92,7 @@ void Batch::convert(const std::string& listedName) {
 }  // namespace
 
 void Project::convertAll() {
-  const std::vector<std::string> names = listNames(settings_, chromatPath_);
+  const std::vector<std::string> names = namesOfRun(settings_, chromatPath_);
   // The meter takes a 32-bit count; a list of 2^31 names would not fit into memory.
   Tessaly::ProgressMeter meter(static_cast<std::int32_t>(names.size()));
   meter.start();

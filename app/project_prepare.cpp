@@ -13,12 +13,13 @@ bool isAbsolute(const std::string& path) { return path.starts_with('/'); }
 
 }  // namespace
 
-void Project::prepare() {
+void Project::prepare(ProjectUse use) {
+  const bool mustBeWriteable = use == ProjectUse::write;
   try {
     resolveRoot();
     resolve(settings_.chromatDir, false, chromatPath_);
-    resolve(settings_.phdDir, true, phdPath_);
-    resolve(settings_.polyDir, true, polyPath_);
+    resolve(settings_.phdDir, mustBeWriteable, phdPath_);
+    resolve(settings_.polyDir, mustBeWriteable, polyPath_);
   } catch (const Tessaly::Directory::Exception& exception) {
     std::cerr << "ERROR: " << exception.message() << ' ' << exception.path() << std::endl;
     throw 1;

@@ -94,19 +94,29 @@ class ResourceLines {
   std::vector<std::string> flags_;
 };
 
+/// Reads the file from the open stream to its end.
+void applyResourceFile(std::ifstream& stream, const Tessaly::String& path, Settings& settings) {
+  ResourceLines lines(settings, path);
+  for (std::string line; std::getline(stream, line);) lines.apply(line);
+  stream.close();
+
+  if (!lines.flags().empty()) applyFlags(settings, lines.flags(), flagSource);
+}
+
 }  // namespace
 
 void readResourceFile(Settings& settings) {
   std::ifstream stream;
   Tessaly::String path;
   if (!openResourceFile(stream, path)) return;
-
   std::cerr << "Reading file " << path << '\n';
-  ResourceLines lines(settings, path);
-  for (std::string line; std::getline(stream, line);) lines.apply(line);
-  stream.close();
+  applyResourceFile(stream, path, settings);
+}
 
-  if (!lines.flags().empty()) applyFlags(settings, lines.flags(), flagSource);
+void readResourceFileSilently(Settings& settings) {
+  std::ifstream stream;
+  Tessaly::String path;
+  if (openResourceFile(stream, path)) applyResourceFile(stream, path, settings);
 }
 
 }  // namespace Quillet

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/captured_stderr.h"
 #include "tests/support/scratch_folder.h"
 
 using ::testing::ElementsAre;
@@ -135,6 +136,31 @@ TEST(NameList, ADirectoryThatCanNotBeOpenedHoldsNoFiles) {
   const ScratchFolder folder;
 
   EXPECT_THAT(Quillet::namesInDirectory(folder.at("nowhere")), IsEmpty());
+}
+
+// The names of a run.
+
+TEST(NameList, ARunHasTheNamesOfItsListFileOrElseOfItsDirectory) {
+  const ScratchFolder folder;
+  folder.write("chromat/b.ab1", "");
+  folder.write("chromat/a.ab1", "");
+  folder.write("names", "z\nz\n");
+  Quillet::Settings settings;
+  const Tessaly::String chromatPath = folder.at("chromat/");
+
+  EXPECT_THAT(Quillet::namesOfRun(settings, chromatPath), ElementsAre("a.ab1", "b.ab1"));
+  settings.listFile_ = "names";
+  EXPECT_THAT(Quillet::namesOfRun(settings, chromatPath), ElementsAre("z", "z"));
+}
+
+TEST(NameList, ARunWithoutItsListFileEndsWithAMessage) {
+  const ScratchFolder folder;
+  Quillet::Settings settings;
+  settings.listFile_ = "nowhere";
+
+  const CapturedStderr captured;
+  EXPECT_THROW(Quillet::namesOfRun(settings, folder.at("chromat/")), int);
+  EXPECT_EQ(captured.text(), "ERROR: can not open the file nowhere");
 }
 
 }  // namespace

@@ -45,13 +45,13 @@ class ProjectPrepare : public ::testing::Test {
   }
 
   /// Prepares the project as a program started in `place`, an absolute path.
-  void prepareIn(const std::string& place) {
+  void prepareIn(const std::string& place, Quillet::ProjectUse use = Quillet::ProjectUse::write) {
     const EnvironmentVariable pwd("PWD", place.c_str());
     const CapturedStderr captured;
     project_ = std::make_unique<Project>(settings_);
     thrown_ = 0;
     try {
-      project_->prepare();
+      project_->prepare(use);
     } catch (int number) {
       thrown_ = number;
     }
@@ -237,6 +237,24 @@ TEST_F(ProjectPrepare, AnUnwriteableOutputDirectoryIsReported) {
     setMode(name, 0577);  // everybody but the owner may write
     prepareIn(at("p"));
     expectReport("could not write to directory: " + at(name) + "/");
+  }
+}
+
+TEST_F(ProjectPrepare, ToReadNoDirectoryNeedsToBeWriteable) {
+  for (const char* name : {"p/poly_dir", "p/phd_dir"}) {
+    setMode(name, 0500);
+  }
+
+  prepareIn(at("p"), Quillet::ProjectUse::read);
+
+  expectRoot(at("p/"));
+}
+
+TEST_F(ProjectPrepare, ToReadEveryDirectoryMustBeReadable) {
+  for (const char* name : {"p/poly_dir", "p/phd_dir", "p/chromat_dir", "p"}) {
+    setMode(name, 0377);
+    prepareIn(at("p"), Quillet::ProjectUse::read);
+    expectReport("could not read directory: " + at(name) + "/");
   }
 }
 

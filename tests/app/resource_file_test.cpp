@@ -92,6 +92,28 @@ TEST_F(ResourceFile, TheWorkingDirectorysFileIsReadAndNotTheHomeDirectorys) {
   EXPECT_EQ(settings_.polyDir, "poly_dir/");
 }
 
+TEST_F(ResourceFile, ReadSilentlyItCountsAndIsNotNamed) {
+  folder_.write("work/.quilletrc", "phddir work_out\nflag -s\n");
+
+  const CapturedStderr captured;
+  Quillet::readResourceFileSilently(settings_);
+
+  EXPECT_EQ(captured.text(), "");
+  EXPECT_EQ(settings_.phdDir, "work_out/");
+  EXPECT_FALSE(settings_.stripExtensions);
+}
+
+TEST_F(ResourceFile, ReadSilentlyItsBadLinesAreErrorsAllTheSame) {
+  folder_.write("work/.quilletrc", "# comment\n");
+
+  try {
+    Quillet::readResourceFileSilently(settings_);
+    FAIL() << "nothing was thrown";
+  } catch (const Tessaly::ParseError& error) {
+    EXPECT_EQ(error.what(), inLine(1) + "invalid option: #");
+  }
+}
+
 TEST_F(ResourceFile, TheHomeDirectorysFileIsReadAndNotThePrefixes) {
   folder_.write("home/.quilletrc", "phddir home_out\n");
   folder_.write("etc/.quilletrc", "polydir etc_out\n");
