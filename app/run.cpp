@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "app/flags.h"
-#include "app/freed_memory.h"
 #include "app/project.h"
 #include "app/resource_file.h"
 #include "app/settings.h"

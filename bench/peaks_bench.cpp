@@ -14,7 +14,7 @@ namespace {
 class Stages {
  public:
   explicit Stages(std::uint32_t seed) : trace_(seed), kept_(copyOf(trace_.channels)) {
-    for (Quillet::ChannelPeaks& peaks : peaks_) {
+    for (Quillet::ChannelPeakArrays& peaks : peaks_) {
       peaks.positions = std::make_unique<std::int32_t[]>(baseCount());
       peaks.heights = std::make_unique<std::uint32_t[]>(baseCount());
       peaks.normalisedHeights = std::make_unique<std::int32_t[]>(baseCount());
@@ -58,7 +58,7 @@ class Stages {
   Quillet::Channels kept_;
   Quillet::ChannelAverages averages_{};
   Quillet::PeakTable peaks_;
-  Quillet::SecondPeaks second_;
+  Quillet::SecondPeakArrays second_;
   std::unique_ptr<std::int16_t[]> maxima_ = std::make_unique<std::int16_t[]>(4 * pointCount());
   std::unique_ptr<std::uint64_t[]> zeros_ =
       std::make_unique<std::uint64_t[]>(Quillet::zeroWordCount(pointCount()));

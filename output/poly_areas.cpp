@@ -15,7 +15,7 @@ std::int32_t truncateToInt32(double value) {
 std::size_t zeroWordCount(std::size_t pointCount) { return SampleRuns::wordCount(pointCount); }
 
 void normaliseAreas(std::span<const std::uint16_t> samples, float average, std::int32_t baseCount,
-                    std::uint64_t* zeros, ChannelPeaks& peaks) {
+                    std::uint64_t* zeros, ChannelPeakArrays& peaks) {
   constexpr double heightUnit = 0.00006103515625;  // 2^-14
 
   const auto pointCount = static_cast<std::int64_t>(samples.size());

@@ -16,7 +16,7 @@ class NormalisedHeights {
  public:
   explicit NormalisedHeights(const PolyPeaks& found) {
     for (int channel = 0; channel < channelCount; ++channel) {
-      heights_[channel] = found.channel(channel).normalisedHeights.get();
+      heights_[channel] = found.channel(channel).normalisedHeights;
     }
   }
 
@@ -24,7 +24,7 @@ class NormalisedHeights {
     // Branch-free: the letters are unpredictable. For a letter without a channel, the entry of
     // another channel is read and multiplied by 0.
     const int channel = channelOf(letter);
-    return heights_[channel & 3][i] * static_cast<std::int32_t>(channel != noChannel);
+    return heights_[channel % channelCount][i] * static_cast<std::int32_t>(channel != noChannel);
   }
 
  private:
@@ -43,16 +43,16 @@ void writePolyFile(Tessaly::FileWriter& writer, const Tessaly::String& path,
   writer.write(record.sampleName);
   writer.write(" 1 1 1 1 1\n");
 
-  // Locals: a `char` store may alias the members and force reloads.
+  // Locals: a `char` store may alias what lies in an object and force reloads.
   const char* const letters = record.bases.text();
   const std::int32_t* const peaks = record.peaks;
   const NormalisedHeights normalised(record.found);
-  const char* const secondLetters = record.found.secondPeaks().bases.get();
-  const std::int32_t* const secondPositions = record.found.secondPeaks().positions.get();
-  const std::uint32_t* const heightsOfA = record.found.channel(0).heights.get();
-  const std::uint32_t* const heightsOfC = record.found.channel(1).heights.get();
-  const std::uint32_t* const heightsOfG = record.found.channel(2).heights.get();
-  const std::uint32_t* const heightsOfT = record.found.channel(3).heights.get();
+  const char* const secondLetters = record.found.secondPeaks().bases;
+  const std::int32_t* const secondPositions = record.found.secondPeaks().positions;
+  const std::uint32_t* const heightsOfA = record.found.channel(0).heights;
+  const std::uint32_t* const heightsOfC = record.found.channel(1).heights;
+  const std::uint32_t* const heightsOfG = record.found.channel(2).heights;
+  const std::uint32_t* const heightsOfT = record.found.channel(3).heights;
 
   const auto putLines = [=](char* text, std::int32_t begin, std::int32_t end) {
     for (std::int32_t i = begin; i < end; ++i) {

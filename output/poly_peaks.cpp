@@ -19,46 +19,75 @@ constexpr unsigned char otherChannels[noChannel + 1][3] = {
 
 }  // namespace
 
-void PolyPeaks::reserve(std::size_t pointCount, std::size_t baseCount) {
-  if (zeros_ == nullptr || pointCount > pointCapacity_) {
-    pointCapacity_ = 0;
-    maxima_ = std::make_unique_for_overwrite<std::int16_t[]>(channelCount * pointCount);
-    zeros_ = std::make_unique_for_overwrite<std::uint64_t[]>(zeroWordCount(pointCount));
-    pointCapacity_ = pointCount;
-  }
-  if (baseCount > baseCapacity_) {
-    baseCapacity_ = 0;
-    for (ChannelPeaks& peaks : peaks_) {
-      peaks.positions = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
-      peaks.heights = std::make_unique_for_overwrite<std::uint32_t[]>(baseCount);
-      peaks.normalisedHeights = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
+struct PolyPeaks::Storage {
+  PeakTable peaks;
+  SecondPeakArrays second;
+  std::size_t baseCapacity = 0;
+
+  std::unique_ptr<std::int16_t[]> maxima;  // working storage of findPeaks
+  std::unique_ptr<std::uint64_t[]> zeros;  // working storage of normaliseAreas
+  std::size_t pointCapacity = 0;
+
+  void reserve(std::size_t pointCount, std::size_t baseCount) {
+    if (zeros == nullptr || pointCount > pointCapacity) {
+      pointCapacity = 0;
+      maxima = std::make_unique_for_overwrite<std::int16_t[]>(channelCount * pointCount);
+      zeros = std::make_unique_for_overwrite<std::uint64_t[]>(zeroWordCount(pointCount));
+      pointCapacity = pointCount;
     }
-    secondPeaks_.bases = std::make_unique_for_overwrite<char[]>(baseCount);
-    secondPeaks_.positions = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
-    baseCapacity_ = baseCount;
+    if (baseCount > baseCapacity) {
+      baseCapacity = 0;
+      for (ChannelPeakArrays& channel : peaks) {
+        channel.positions = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
+        channel.heights = std::make_unique_for_overwrite<std::uint32_t[]>(baseCount);
+        channel.normalisedHeights = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
+      }
+      second.bases = std::make_unique_for_overwrite<char[]>(baseCount);
+      second.positions = std::make_unique_for_overwrite<std::int32_t[]>(baseCount);
+      baseCapacity = baseCount;
+    }
+  }
+};
+
+PolyPeaks::PolyPeaks() : storage_(std::make_unique<Storage>()) {}
+PolyPeaks::~PolyPeaks() = default;
+
+void PolyPeaks::releaseLongTrace() {
+  if (storage_->pointCapacity > keptPointCount || storage_->baseCapacity > keptBaseCount) {
+    *storage_ = Storage();
   }
 }
 
-void PolyPeaks::releaseLongTrace() {
-  if (pointCapacity_ > keptPointCount || baseCapacity_ > keptBaseCount) *this = PolyPeaks();
+ChannelPeaks PolyPeaks::channel(int index) const {
+  const ChannelPeakArrays& arrays = storage_->peaks[static_cast<std::size_t>(index)];
+  return {.positions = arrays.positions.get(),
+          .heights = arrays.heights.get(),
+          .normalisedHeights = arrays.normalisedHeights.get()};
+}
+
+SecondPeaks PolyPeaks::secondPeaks() const {
+  return {.bases = storage_->second.bases.get(), .positions = storage_->second.positions.get()};
 }
 
 void PolyPeaks::compute(const CalledTrace& trace) {
   Channels& channels = trace.channels;
+  Storage& storage = *storage_;
   const std::int32_t baseCount = trace.bases.length();
-  reserve(channels.pointCount(), static_cast<std::size_t>(baseCount));
+  storage.reserve(channels.pointCount(), static_cast<std::size_t>(baseCount));
 
   scaleToFullRange(channels);
   const ChannelAverages averages = balanceChannels(channels);
-  findPeaks(trace, maxima_.get(), peaks_);
+  findPeaks(trace, storage.maxima.get(), storage.peaks);
   for (int channel = 0; channel < channelCount; ++channel) {
     const auto index = static_cast<std::size_t>(channel);
-    normaliseAreas(channels[channel], averages[index], baseCount, zeros_.get(), peaks_[index]);
+    normaliseAreas(channels[channel], averages[index], baseCount, storage.zeros.get(),
+                   storage.peaks[index]);
   }
-  chooseSecondPeaks(trace.bases, peaks_, secondPeaks_);
+  chooseSecondPeaks(trace.bases, storage.peaks, storage.second);
 }
 
-void chooseSecondPeaks(const Tessaly::String& bases, const PeakTable& peaks, SecondPeaks& second) {
+void chooseSecondPeaks(const Tessaly::String& bases, const PeakTable& peaks,
+                       SecondPeakArrays& second) {
   using Key = HeightKey<2>;
   const std::uint32_t* heights[channelCount];
   const std::int32_t* positions[channelCount];

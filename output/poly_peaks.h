@@ -1,7 +1,5 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -23,16 +21,15 @@ struct CalledTrace {
 
 /// The peaks of one channel, an entry for each base.
 struct ChannelPeaks {
-  std::unique_ptr<std::int32_t[]> positions;  // sample index after the maximum; 0 without a peak
-  std::unique_ptr<std::uint32_t[]> heights;   // after both rescalings, 0..65280; 0 without a peak
-  std::unique_ptr<std::int32_t[]> normalisedHeights;  // the peak's share of the area around it
+  const std::int32_t* positions;          // sample index after the maximum; 0 without a peak
+  const std::uint32_t* heights;           // after both rescalings, 0..65280; 0 without a peak
+  const std::int32_t* normalisedHeights;  // the peak's share of the area around it
 };
-using PeakTable = std::array<ChannelPeaks, channelCount>;
 
 /// The highest peak among the channels that were not called, an entry for each base.
 struct SecondPeaks {
-  std::unique_ptr<char[]> bases;              // N where there is none
-  std::unique_ptr<std::int32_t[]> positions;  // 0 where there is none
+  const char* bases;              // N where there is none
+  const std::int32_t* positions;  // 0 where there is none
 };
 
 /// Finds the peak of every called base and the highest competing one, with their heights.
@@ -43,28 +40,26 @@ struct SecondPeaks {
 /// Use: compute(), read the results, releaseLongTrace(); again for the next trace.
 class PolyPeaks {
  public:
+  PolyPeaks();
+  ~PolyPeaks();
+  PolyPeaks(const PolyPeaks&) = delete;
+  PolyPeaks& operator=(const PolyPeaks&) = delete;
+
   /// Rescales the channels in place and finds the peaks of every base. Replaces the earlier
   /// results.
   void compute(const CalledTrace& trace);
 
   /// Results of the last compute(): channel 0..3 for A, C, G, T, with an entry for each base.
-  const ChannelPeaks& channel(int index) const { return peaks_[static_cast<std::size_t>(index)]; }
-  const SecondPeaks& secondPeaks() const { return secondPeaks_; }
+  ChannelPeaks channel(int index) const;
+  SecondPeaks secondPeaks() const;
 
   /// Frees all storage, with the results, when it has grown beyond any instrument's trace.
   /// Otherwise one such trace would keep its memory for the rest of the batch.
   void releaseLongTrace();
 
  private:
-  void reserve(std::size_t pointCount, std::size_t baseCount);
-
-  PeakTable peaks_;
-  SecondPeaks secondPeaks_;
-  std::size_t baseCapacity_ = 0;
-
-  std::unique_ptr<std::int16_t[]> maxima_;  // working storage of findPeaks
-  std::unique_ptr<std::uint64_t[]> zeros_;  // working storage of normaliseAreas
-  std::size_t pointCapacity_ = 0;
+  struct Storage;
+  std::unique_ptr<Storage> storage_;
 };
 
 }  // namespace Quillet

@@ -43,7 +43,7 @@ class QuotientScaling {
  public:
   QuotientScaling(std::uint32_t numerator, std::uint32_t denominator, std::uint32_t bound)
       : isOne_(numerator == denominator),
-        factor_(fixedFactor(numerator, denominator, bound)),
+        factor_(isOne_ ? std::nullopt : fixedFactor(numerator, denominator, bound)),
         quotient_(static_cast<double>(numerator) / denominator) {}
 
   void apply(std::span<std::uint16_t> samples) const {
@@ -97,7 +97,9 @@ std::size_t listMaxima(const SummedSignal& summed, std::uint32_t last, std::uint
   std::size_t count = 0;
   for (std::uint32_t k = balanceFirstIndex + 2; k < last; ++k) {
     const std::uint16_t middle = summed[k - 1];
-    const bool isMaximum = (summed[k - 2] < middle) & (summed[k] < middle);
+    const bool isAboveLeft = summed[k - 2] < middle;
+    const bool isAboveRight = summed[k] < middle;
+    const bool isMaximum = isAboveLeft & isAboveRight;
     indices[count] = k;
     count += isMaximum ? 1 : 0;
   }

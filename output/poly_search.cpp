@@ -130,7 +130,8 @@ Peaks scanInLanes(const std::int16_t* maxima, const SearchRange& range) {
 }
 
 /// Stores what base `i` found in one channel.
-void setPeak(ChannelPeaks& peaks, std::int32_t i, std::int32_t position, std::uint32_t height) {
+void setPeak(ChannelPeakArrays& peaks, std::int32_t i, std::int32_t position,
+             std::uint32_t height) {
   peaks.positions[static_cast<std::size_t>(i)] = position;
   peaks.heights[static_cast<std::size_t>(i)] = height;
 }
@@ -187,7 +188,7 @@ void fallBackToCalls(const CalledTrace& trace, PeakTable& peaks) {
   for (std::int32_t i = 0; i < trace.bases.length(); ++i) {
     const int called = channelOf(trace.bases[i]);
     if (called == noChannel) continue;
-    ChannelPeaks& found = peaks[static_cast<std::size_t>(called)];
+    ChannelPeakArrays& found = peaks[static_cast<std::size_t>(called)];
     if (found.heights[static_cast<std::size_t>(i)] != 0) continue;
 
     const std::int32_t position = trace.peaks[i];

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 
 #include "foundation/channels.h"
@@ -11,6 +12,20 @@
 // The stages of the peak computation, in their order. PolyPeaks::compute() runs them. Tests compare
 // each with its plain twin in tests/output/plain_poly.cpp. Benchmarks time each alone.
 namespace Quillet {
+
+/// Storage of ChannelPeaks, an entry for each base.
+struct ChannelPeakArrays {
+  std::unique_ptr<std::int32_t[]> positions;
+  std::unique_ptr<std::uint32_t[]> heights;
+  std::unique_ptr<std::int32_t[]> normalisedHeights;
+};
+using PeakTable = std::array<ChannelPeakArrays, channelCount>;
+
+/// Storage of SecondPeaks, an entry for each base.
+struct SecondPeakArrays {
+  std::unique_ptr<char[]> bases;
+  std::unique_ptr<std::int32_t[]> positions;
+};
 
 /// Stage 1: scales all samples so that the highest one becomes 65280, or 65279 by truncation.
 void scaleToFullRange(Channels& channels);
@@ -32,10 +47,11 @@ std::size_t zeroWordCount(std::size_t pointCount);
 /// Stage 4, for one channel: divides the area of every run of signal among the peaks in it, as
 /// their normalised heights. `zeros` is working storage, zeroWordCount(samples.size()) entries.
 void normaliseAreas(std::span<const std::uint16_t> samples, float average, std::int32_t baseCount,
-                    std::uint64_t* zeros, ChannelPeaks& peaks);
+                    std::uint64_t* zeros, ChannelPeakArrays& peaks);
 
 /// Stage 5: chooses the highest peak among the other channels for each base.
-void chooseSecondPeaks(const Tessaly::String& bases, const PeakTable& peaks, SecondPeaks& second);
+void chooseSecondPeaks(const Tessaly::String& bases, const PeakTable& peaks,
+                       SecondPeakArrays& second);
 
 /// The truncated value, or -2147483648 when that does not fit (NaN included).
 std::int32_t truncateToInt32(double value);

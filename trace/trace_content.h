@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include "foundation/channels.h"
 #include "foundation/string.h"
@@ -22,6 +23,19 @@ struct BaseCalls {
                                               // outside the trace; the last is pointCount()
 
   BaseCalls() = default;
+  /// Leaves no calls.
+  BaseCalls(BaseCalls&& other) noexcept
+      : count(std::exchange(other.count, 0)),
+        bases(std::move(other.bases)),
+        qualities(std::move(other.qualities)),
+        peaks(std::move(other.peaks)) {}
+  BaseCalls& operator=(BaseCalls&& other) noexcept {
+    count = std::exchange(other.count, 0);
+    bases = std::move(other.bases);
+    qualities = std::move(other.qualities);
+    peaks = std::move(other.peaks);
+    return *this;
+  }
   /// Allocates `callCount` calls without setting their values.
   explicit BaseCalls(std::uint32_t callCount)
       : count(callCount),
@@ -44,10 +58,10 @@ struct BaseCalls {
 enum class TraceFault {
   none,
   notFound,              // no file of that name, nor of that name with ".gz" added
-  notATrace,             // the first bytes are those of no known format
+  notATrace,             // the first bytes are those of no known format, or can not be read
   directoryCut,          // ABIF: the file ends inside the directory
   noBaseOrder,           // ABIF: no FWO_ 1 of four letters, each A, C, G or T
-  noAnalysedChannels,    // ABIF: one of DATA 9 to 12 is missing or empty
+  noAnalysedChannels,    // ABIF: one of DATA 9 to 12 is missing, or one that counts is empty
   channelLengthsDiffer,  // ABIF: DATA 9 and the channel that is compared with it
   callCountsDiffer,      // ABIF: PBAS 1, PCON 1 and PLOC 1
   dataBeyondFile,  // a large count that the file is too short for, or a channel at 2 GiB or later

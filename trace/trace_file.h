@@ -29,6 +29,7 @@ class TraceFile : public Tessaly::FileReader {
   /// unpacked into the file tempName() in the working directory, which is then removed. False when
   /// that fails: see status() and fault(). Prints nothing. When memory is out, throws
   /// std::bad_alloc or what String and Vector throw; the unpacked file may then stay.
+  /// After a failure the trace is empty.
   bool open(Tessaly::String& name);
   /// The same, but the name stays unchanged.
   bool open(const char* name);

@@ -138,6 +138,27 @@ void addGoodTraces(const ProjectFolder& project) {
   project.addTrace("z_last", goodTrace());
 }
 
+TEST(Hostile, ATraceOfManyBasesGivesItsMemoryBackAtTheEndOfItsTurn) {
+  if (underAddressSanitizer) GTEST_SKIP() << "no memory limit under the address sanitizer";
+  // A million bases take 53 bytes each for their peaks, four million samples 16 bytes each. The
+  // limit is enough for either, and not for both.
+  constexpr std::uint32_t baseCount = 1'000'000;
+  const ProjectFolder project;
+  project.addTrace("1_bases", ScfBuilder()
+                                  .version("3.00")
+                                  .bases(std::string(baseCount, 'A'))
+                                  .peaks(std::vector<std::uint32_t>(baseCount, 1))
+                                  .probabilities('A', std::vector<int>(baseCount, 30))
+                                  .build());
+  project.addTrace("2_samples", ScfBuilder().version("2.00").header(4, 4'194'304).build());
+
+  const ProgramResult result = runWithin(project, 100 * 1024, 60);
+
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_TRUE(project.has("poly_dir/1_bases.poly"));
+  EXPECT_TRUE(project.has("poly_dir/2_samples.poly"));
+}
+
 }  // namespace
 
 TEST(Hostile, FilesOf2MebibytesCostAMessageAtMostAndNeither256MebibytesNorMinutes) {

@@ -21,7 +21,7 @@ constexpr float unitAverage = 16384;
 std::vector<std::int32_t> normalise(const std::vector<std::uint16_t>& samples, float average,
                                     const std::vector<std::int32_t>& peakPos,
                                     const std::vector<std::uint32_t>& peakAmp) {
-  Quillet::ChannelPeaks peaks = dirtyPeaks(peakPos.size());
+  Quillet::ChannelPeakArrays peaks = dirtyPeaks(peakPos.size());
   std::ranges::copy(peakPos, peaks.positions.get());
   std::ranges::copy(peakAmp, peaks.heights.get());
   std::vector<std::uint64_t> zeros(Quillet::zeroWordCount(samples.size()), 0x5A5A);

@@ -8,6 +8,7 @@
 
 #include "foundation/channels.h"
 #include "output/poly_peaks.h"
+#include "output/poly_stages.h"
 #include "tests/output/plain_poly.h"
 
 // Between the vectors of the plain peak computation and the arrays of the program's own.
@@ -41,12 +42,16 @@ std::unique_ptr<Value[]> dirtyArray(std::size_t count) {
   return array;
 }
 
-inline Quillet::ChannelPeaks dirtyPeaks(std::size_t baseCount) {
+inline Quillet::ChannelPeakArrays dirtyPeaks(std::size_t baseCount) {
   return {.positions = dirtyArray<std::int32_t>(baseCount),
           .heights = dirtyArray<std::uint32_t>(baseCount),
           .normalisedHeights = dirtyArray<std::int32_t>(baseCount)};
 }
 
+template <typename Value>
+std::vector<Value> vectorOf(const Value* array, std::size_t count) {
+  return {array, array + count};
+}
 template <typename Value>
 std::vector<Value> vectorOf(const std::unique_ptr<Value[]>& array, std::size_t count) {
   return {array.get(), array.get() + count};
@@ -63,12 +68,12 @@ inline PolyResult computeWith(Quillet::PolyPeaks& polyPeaks, PolyInput& input) {
   PolyResult result;
   for (int channel = 0; channel < Quillet::channelCount; ++channel) {
     const auto index = static_cast<std::size_t>(channel);
-    const Quillet::ChannelPeaks& peaks = polyPeaks.channel(channel);
+    const Quillet::ChannelPeaks peaks = polyPeaks.channel(channel);
     result.peakPos[index] = vectorOf(peaks.positions, count);
     result.peakAmp[index] = vectorOf(peaks.heights, count);
     result.normAmp[index] = vectorOf(peaks.normalisedHeights, count);
   }
-  result.secondBase.assign(polyPeaks.secondPeaks().bases.get(), count);
+  result.secondBase.assign(polyPeaks.secondPeaks().bases, count);
   result.secondPos = vectorOf(polyPeaks.secondPeaks().positions, count);
   return result;
 }

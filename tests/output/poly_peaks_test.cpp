@@ -72,7 +72,7 @@ TEST(ChooseSecondPeaks, TheHighestOtherChannelWinsAndTheFirstOfEqualOnes) {
       peaks[channel].positions[0] = static_cast<std::int32_t>(channel) + 1;
       peaks[channel].heights[0] = c.heights[channel];
     }
-    Quillet::SecondPeaks second{dirtyArray<char>(1), dirtyArray<std::int32_t>(1)};
+    Quillet::SecondPeakArrays second{dirtyArray<char>(1), dirtyArray<std::int32_t>(1)};
 
     Quillet::chooseSecondPeaks(Tessaly::String(c.base), peaks, second);
 
@@ -252,6 +252,7 @@ TEST(PolyPeaks, OnlyALongTraceIsReleasedWithAllItsArrays) {
       EXPECT_EQ(polyPeaks.channel(channel).normalisedHeights == nullptr, c.isReleased);
     }
     EXPECT_EQ(polyPeaks.secondPeaks().bases == nullptr, c.isReleased);
+    EXPECT_EQ(polyPeaks.secondPeaks().positions == nullptr, c.isReleased);
   }
 }
 

@@ -25,7 +25,7 @@ PolyResult search(PolyInput& input) {
   const Tessaly::String bases = basesOf(input);
   std::vector<std::int16_t> maxima(4 * input.channels[0].size(), 0x5BCD);
   Quillet::PeakTable peaks;
-  for (Quillet::ChannelPeaks& channel : peaks) channel = dirtyPeaks(input.bases.size());
+  for (Quillet::ChannelPeakArrays& channel : peaks) channel = dirtyPeaks(input.bases.size());
 
   Quillet::findPeaks({channels, bases, input.peaks.data()}, maxima.data(), peaks);
 

@@ -278,4 +278,35 @@ TEST_F(FileReaderText, ALastWordMayEndTheFile) {
   }
 }
 
+TEST_F(FileReaderText, TheRestOfTheFirstLineWithALabelIsRead) {
+  struct Case {
+    std::string contents;
+    std::string rest;
+    std::int32_t lineCount;
+  };
+  for (const std::int32_t blockSize : {1, 3, 5, 6, 1024}) {
+    for (const Case& c :
+         {Case{"BCAL=one\nx", "one", 1}, Case{"\nBCA\nBCAL=one", "one", 2},
+          Case{"xBCAL=no\nBCAL=\n", "", 2}, Case{"BCAL=", "", 0}, Case{"x\nBCAL=", "", 1}}) {
+      FileReader& reader = opened(c.contents, blockSize);
+      text_ = "before";
+
+      EXPECT_TRUE(reader.readLineAfter("BCAL=", text_)) << c.contents;
+
+      EXPECT_EQ(textOf(text_), c.rest) << c.contents << blockSize;
+      EXPECT_EQ(reader.lineCount(), c.lineCount) << c.contents << blockSize;
+    }
+  }
+}
+
+TEST_F(FileReaderText, WithoutALineThatHasTheLabelTheTextStays) {
+  for (const char* contents : {"", "BCAL", "NAME=x\nBCAL\n", " BCAL=x"}) {
+    FileReader& reader = opened(contents, 4);
+
+    EXPECT_FALSE(reader.readLineAfter("BCAL=", text_)) << contents;
+
+    EXPECT_EQ(textOf(text_), "before") << contents;
+  }
+}
+
 }  // namespace

@@ -33,6 +33,7 @@ struct OpenedTrace {
   std::int32_t status = -1;
   Quillet::TraceFault fault = Quillet::TraceFault::none;
   std::int32_t lineCount = -1;
+  bool isEmpty = false;
   // The rest is set only when the trace was read.
   std::uint32_t pointCount = 0;
   std::uint32_t baseCount = 0;
@@ -71,6 +72,7 @@ inline OpenedTrace openPath(Tessaly::String path) {
   opened.status = trace.status();
   opened.fault = trace.fault();
   opened.lineCount = trace.lineCount();
+  opened.isEmpty = trace.pointCount() == 0 && trace.baseCount() == 0;
   if (opened.read) takeData(trace, opened);
   return opened;
 }

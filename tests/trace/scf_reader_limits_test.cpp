@@ -80,7 +80,7 @@ class PlainScf {
  public:
   PlainScf(const std::string& content, std::size_t held) : content_(content), held_(held) {
     version3_ =
-        static_cast<signed char>(held >= versionOffset + 4 ? content[versionOffset] : 0) > '2';
+        static_cast<signed char>(held >= versionOffset + 1 ? content[versionOffset] : 0) > '2';
     wide_ = number(40, 4) != 1;
   }
   std::uint32_t number(std::size_t at, std::size_t size) const {

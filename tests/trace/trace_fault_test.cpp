@@ -45,6 +45,7 @@ TEST(TraceFault, SaysWhyAFileIsNoTrace) {
     const OpenedTrace opened = openBytes(c.content);
 
     EXPECT_EQ(opened.fault, c.fault) << c.what;
+    EXPECT_EQ(opened.isEmpty, c.fault != TraceFault::none) << c.what;
     EXPECT_EQ(opened.status, c.fault == TraceFault::none ? 0 : 2) << c.what;
   }
 }
