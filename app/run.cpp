@@ -7,11 +7,8 @@
 #include <string>
 #include <vector>
 
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
-
 #include "app/flags.h"
+#include "app/freed_memory.h"
 #include "app/project.h"
 #include "app/resource_file.h"
 #include "app/settings.h"
@@ -24,17 +21,6 @@ namespace {
 bool asksFor(const std::vector<std::string>& words, std::initializer_list<const char*> spellings) {
   return std::find_first_of(words.begin(), words.end(), spellings.begin(), spellings.end()) !=
          words.end();
-}
-
-/// Has the C library keep freed memory for the next trace. By default it hands the few hundred
-/// KiB of a trace back to the system in between, and getting them anew takes longer than reading
-/// the trace.
-void keepFreedMemory() {
-#ifdef __GLIBC__  // other C libraries have no such setting
-  constexpr int mebibyte = 1 << 20;
-  mallopt(M_MMAP_THRESHOLD, mebibyte);      // larger blocks still come and go one by one
-  mallopt(M_TRIM_THRESHOLD, 4 * mebibyte);  // so much is kept
-#endif
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -11,7 +12,8 @@ namespace Quillet {
 
 /// The base calls of a trace, as the file stores them: nothing is cut, clipped or checked.
 ///
-/// Base i has bases[i], qualities[i] and peaks[i]. Owns its arrays; without calls they hold nothing.
+/// Base i has bases[i], qualities[i] and peaks[i]. Owns its arrays; without calls they hold
+/// nothing.
 struct BaseCalls {
   std::uint32_t count = 0;
   std::unique_ptr<char[]> bases;              // `count` letters; no zero byte follows them
@@ -26,6 +28,16 @@ struct BaseCalls {
         bases(std::make_unique_for_overwrite<char[]>(callCount)),
         qualities(std::make_unique_for_overwrite<std::uint8_t[]>(callCount)),
         peaks(std::make_unique_for_overwrite<std::uint32_t[]>(std::size_t{callCount} + 1)) {}
+
+  /// Whether one of the qualities is above 9 as a signed byte: 10 to 127.
+  bool hasUsableQualities() const {
+    // Deliberate: a quality field of small values alone holds placeholders, and 128 and above count
+    // as negative, so as placeholders too.
+    constexpr std::int8_t largestPlaceholder = 9;
+    return std::any_of(qualities.get(), qualities.get() + count, [](std::uint8_t quality) {
+      return static_cast<std::int8_t>(quality) > largestPlaceholder;
+    });
+  }
 };
 
 /// Why a file could not be read as a trace.

@@ -8,14 +8,6 @@
 
 namespace Quillet {
 
-namespace {
-
-// Deliberate: qualities count only if one of them is above this. A quality field of small values
-// alone holds placeholders.
-constexpr std::int8_t largestPlaceholderQuality = 9;
-
-}  // namespace
-
 TraceFile::TraceFile() : madeAt_(std::time(nullptr)) {}
 
 // Computed for compressed traces only: local time reads the system's time zone.
@@ -66,14 +58,10 @@ bool TraceFile::getBaseCalls(Tessaly::String& bases, Tessaly::String& qualities,
   // A stored index of 2^31 or more is negative from here on.
   peaks.assign(reinterpret_cast<const std::int32_t*>(calls.peaks.get()), count + 1);
 
-  // Deliberate: 128 and above count as negative, so as placeholders too.
-  const auto* const stored = reinterpret_cast<const char*>(calls.qualities.get());
-  const bool usable = std::any_of(stored, stored + count, [](char quality) {
-    return static_cast<std::int8_t>(quality) > largestPlaceholderQuality;
-  });
+  if (!calls.hasUsableQualities()) return false;
   // Deliberate: a quality of 0 ends the quality text, which is then shorter than the bases.
-  if (usable) qualities.setPrefix(stored, count);
-  return usable;
+  qualities.setPrefix(reinterpret_cast<const char*>(calls.qualities.get()), count);
+  return true;
 }
 
 }  // namespace Quillet
