@@ -30,11 +30,11 @@ const char* textOf(SampleState state);
 /// Figures of the calls as stored, untruncated; a quality above 127 counts as 0.
 struct CallFigures {
   double meanQuality = 0;
-  std::uint32_t q20 = 0;         // bases of quality 20 or more
-  std::uint32_t contiguous = 0;  // length of the longest good stretch
-  std::uint32_t trimStart = 0;   // 0-based; Mott's trimming
-  std::uint32_t trimEnd = 0;     // exclusive; 0 and 0 when nothing is left
-  std::uint32_t noCalls = 0;     // bases other than A, C, G, T in either case
+  std::uint32_t q20 = 0;                      // bases of quality 20 or more
+  std::uint32_t contiguous = 0;               // length of the longest good stretch
+  std::uint32_t trimStart = 0;                // 0-based; Mott's trimming
+  std::uint32_t trimEnd = 0;                  // exclusive; 0 and 0 when nothing is left
+  std::uint32_t noCalls = 0;                  // bases other than A, C, G, T in either case
   std::vector<std::uint32_t> mixedPositions;  // 1-based, ascending
 };
 
@@ -52,10 +52,10 @@ struct SampleRow {
   std::string sample;
   std::optional<std::string> trace;  // the listed name; none for an orphan
   SampleState state = SampleState::waiting;
-  std::string detail;                   // empty where the state says all
-  std::optional<std::uint32_t> bases;   // none when the trace can not be read
-  std::optional<CallFigures> figures;   // none without calls
-  std::optional<std::string> caller;    // none when the trace can not be read
+  std::string detail;                  // empty where the state says all
+  std::optional<std::uint32_t> bases;  // none when the trace can not be read
+  std::optional<CallFigures> figures;  // none without calls
+  std::optional<std::string> caller;   // none when the trace can not be read
   InstrumentNotes notes;
 };
 

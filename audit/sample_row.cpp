@@ -1,0 +1,31 @@
+#include "audit/sample_row.h"
+
+namespace Quillet {
+
+const char* textOf(SampleState state) {
+  switch (state) {
+    case SampleState::differs:
+      return "differs";
+    case SampleState::borrowed:
+      return "borrowed";
+    case SampleState::cut:
+      return "cut";
+    case SampleState::noPoly:
+      return "no-poly";
+    case SampleState::orphan:
+      return "orphan";
+    case SampleState::invalid:
+      return "invalid";
+    case SampleState::refused:
+      return "refused";
+    case SampleState::hidden:
+      return "hidden";
+    case SampleState::waiting:
+      return "waiting";
+    case SampleState::converted:
+      break;
+  }
+  return "converted";
+}
+
+}  // namespace Quillet

@@ -1,0 +1,124 @@
+#include "audit/mixed_bases.h"
+
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "foundation/channels.h"
+
+// The peaks are those of triangles that are put under the calls; every sample counts from 0.
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr std::uint32_t pointCount = 120;
+
+/// A trace of three As at the samples 20, 60 and 100; more peaks are added by the tests.
+///
+/// The highest peak is 65280, so that no sample is rescaled; the trace is too short for the balance
+/// of the channels.
+class MixedBases : public ::testing::Test {
+ protected:
+  MixedBases() {
+    for (int channel = 0; channel < Quillet::channelCount; ++channel) {
+      std::ranges::fill(channels_[channel], std::uint16_t{0});
+    }
+    for (const int position : {20, 60, 100}) addPeak('A', position, 65280);
+  }
+
+  /// A triangle of five samples.
+  void addPeak(char letter, int position, int height) {
+    const auto samples = channels_[Quillet::channelOf(letter)];
+    const auto at = static_cast<std::size_t>(position);
+    samples[at] = static_cast<std::uint16_t>(height);
+    samples[at - 1] = samples[at + 1] = static_cast<std::uint16_t>(height / 2);
+  }
+
+  std::vector<std::uint32_t> mixed(double ratio = 0.33, std::uint32_t begin = 0,
+                                   std::uint32_t end = 3) {
+    Quillet::PolyPeaks peaks;
+    peaks.compute({channels_, bases_, positions_.data()});
+    return Quillet::mixedPositions({.bases = bases_,
+                                    .positions = positions_.data(),
+                                    .pointCount = pointCount,
+                                    .found = peaks,
+                                    .begin = begin,
+                                    .end = end,
+                                    .ratio = ratio});
+  }
+
+  Quillet::Channels channels_{pointCount};
+  Tessaly::String bases_ = "AAA";
+  std::vector<std::int32_t> positions_{20, 60, 100, pointCount};
+};
+
+TEST_F(MixedBases, WithoutASecondPeakNoBaseIsMixed) { EXPECT_THAT(mixed(), IsEmpty()); }
+
+TEST_F(MixedBases, AHighSecondPeakUnderTheCallMakesABaseMixed) {
+  addPeak('G', 60, 32640);
+
+  EXPECT_THAT(mixed(), ElementsAre(2U));
+}
+
+TEST_F(MixedBases, TheSecondPeakMustReachTheRatio) {
+  addPeak('G', 60, 32640);  // half of the called peak
+
+  EXPECT_THAT(mixed(0.5), ElementsAre(2U));
+  EXPECT_THAT(mixed(0.50001), IsEmpty());
+}
+
+// Between the neighbours are 80 samples, so the second peak may stand 10 away from the call.
+TEST_F(MixedBases, TheSecondPeakStandsWithinAnEighthOfTheWayBetweenTheNeighbours) {
+  const struct {
+    int position;
+    bool isMixed;
+  } cases[] = {{49, false}, {50, true}, {60, true}, {70, true}, {71, false}};
+  for (const auto& row : cases) {
+    channels_ = Quillet::Channels(pointCount);
+    for (int channel = 0; channel < Quillet::channelCount; ++channel) {
+      std::ranges::fill(channels_[channel], std::uint16_t{0});
+    }
+    for (const int position : {20, 60, 100}) addPeak('A', position, 65280);
+    addPeak('C', row.position, 60000);
+    EXPECT_EQ(!mixed().empty(), row.isMixed) << row.position;
+  }
+}
+
+// The first base has 0 before it: 60 samples, 7.5 away. The last has the trace's 120 after it: 60.
+TEST_F(MixedBases, TheFirstAndTheLastBaseReachToTheTracesEnds) {
+  addPeak('C', 27, 60000);
+  addPeak('C', 107, 60000);
+  EXPECT_THAT(mixed(), ElementsAre(1U, 3U));
+
+  addPeak('C', 28, 65000);
+  addPeak('C', 108, 65000);
+  EXPECT_THAT(mixed(), IsEmpty());
+}
+
+TEST_F(MixedBases, OnlyBasesInsideTheStretchCount) {
+  for (const int position : {20, 60, 100}) addPeak('T', position, 60000);
+
+  EXPECT_THAT(mixed(), ElementsAre(1U, 2U, 3U));
+  EXPECT_THAT(mixed(0.33, 1, 2), ElementsAre(2U));
+  EXPECT_THAT(mixed(0.33, 1, 1), IsEmpty());
+  EXPECT_THAT(mixed(0.33, 2, 99), ElementsAre(3U));
+}
+
+TEST_F(MixedBases, OnlyACGTCanBeMixed) {
+  for (const int position : {20, 60, 100}) addPeak('T', position, 60000);
+  bases_ = "aNA";
+
+  EXPECT_THAT(mixed(), ElementsAre(3U));
+}
+
+TEST_F(MixedBases, PositionsOutsideTheTraceAreNoTrouble) {
+  positions_ = {-2147483647 - 1, 2147483647, -1, static_cast<std::int32_t>(pointCount)};
+
+  EXPECT_THAT(mixed(0.0), ::testing::SizeIs(::testing::Le(3U)));
+}
+
+}  // namespace
