@@ -65,7 +65,7 @@ std::optional<std::int32_t> smallestShort(Tessaly::FileReader& file, const Entry
   if (!bytes) return std::nullopt;
   std::int32_t smallest = shortAt(*bytes, 0);
   for (std::uint32_t i = 1; i < count; ++i) {
-    smallest = std::min<std::int32_t>(smallest, shortAt(*bytes, 2 * i));
+    smallest = std::min<std::int32_t>(smallest, shortAt(*bytes, std::size_t{2} * i));
   }
   return smallest;
 }

@@ -2,6 +2,9 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
+#include <unordered_map>
+#include <vector>
 
 #include "app/project.h"
 #include "app/settings.h"
@@ -39,6 +42,27 @@ class ProjectAudit {
   /// called after each name, for a progress meter.
   void run(const std::function<void(const AuditedSample&)>& visit,
            const std::function<void()>& step);
+
+ private:
+  class Examination;
+  struct SampleNames {
+    std::size_t first = 0;  // index of the first name of the sample
+    std::size_t count = 0;
+  };
+  static constexpr std::size_t noName = static_cast<std::size_t>(-1);
+
+  std::string sampleOf(const std::string& name) const;
+  std::size_t ownerOf(const std::string& sample, SampleNames names);
+  void visitName(std::size_t index, const std::function<void(const AuditedSample&)>& visit);
+  void visitOrphans(const std::function<void(const AuditedSample&)>& visit) const;
+
+  const Settings& settings_;
+  const Project& project_;
+  const double mixedRatio_;
+  std::vector<std::string> names_;  // each once, in the converter's order
+  std::unordered_map<std::string, SampleNames> samples_;
+  std::unordered_map<std::string, std::size_t> owners_;  // of samples that several names share
+  PolyPeaks peaks_;
 };
 
 }  // namespace Quillet

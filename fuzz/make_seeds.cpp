@@ -1,5 +1,5 @@
 // Makes the first inputs of the fuzz targets: make_seeds FOLDER fills FOLDER/abif, FOLDER/scf,
-// FOLDER/resource_file and FOLDER/poly.
+// FOLDER/resource_file, FOLDER/poly, FOLDER/phd_result and FOLDER/poly_result.
 
 #include <cstdint>
 #include <exception>
@@ -143,6 +143,40 @@ Seeds polySeeds() {
   };
 }
 
+Seeds phdResultSeeds() {
+  const std::string header =
+      "BEGIN_SEQUENCE clone\n\nBEGIN_COMMENT\nTIME: Sat\nEND_COMMENT\n\nBEGIN_DNA\n";
+  const std::string lines = "A 20 5\nc 9 17\nN -128 -2147483648\n";
+  const std::string tag = "BEGIN_TAG\nTYPE: x\nEND_TAG\n";
+  const std::string item = "WR{\nx\n}\n";
+  return {
+      {"empty", ""},
+      {"whole", header + lines + "END_DNA\nEND_SEQUENCE\n"},
+      {"no_bases", header + "END_DNA\nEND_SEQUENCE\n"},
+      {"tags", header + lines + "END_DNA\n" + tag + "\n" + tag + "END_SEQUENCE\n"},
+      {"items", header + lines + "END_DNA\nEND_SEQUENCE\n\n" + item + item},
+      {"cut", header + lines},
+      {"open_block", header + lines + "END_DNA\nEND_SEQUENCE\nWR{\nx\n"},
+      {"odd_bases", header + "\n 1 2\n  3 4\nE 5 6\nEND_DNA\nEND_SEQUENCE\n"},
+      {"long_numbers", header + "A 99999999999 -99999999999\nEND_DNA\nEND_SEQUENCE\n"},
+      {"two_headers", header + header + lines + "END_DNA\nEND_SEQUENCE\n"},
+  };
+}
+
+Seeds polyResultSeeds() {
+  const std::string first = "clone 1 1 1 1 1\n";
+  const std::string line = "A 5 100 0 C 6 50 0 900 450 0 3\n";
+  return {
+      {"empty", ""},
+      {"first_line", first},
+      {"whole", first + line + line + line},
+      {"cut", first + line + line.substr(0, 20)},
+      {"odd_bases", first + "\n" + line.substr(1) + " " + line.substr(1)},
+      {"thirteen_fields", first + "A " + line},
+      {"another_first_line", "clone 1 1 1 1\n" + line},
+  };
+}
+
 void write(const fs::path& folder, const Seeds& seeds) {
   fs::create_directories(folder);
   for (const auto& [name, bytes] : seeds) {
@@ -166,6 +200,8 @@ int main(int argc, char** argv) {
     write(folder / "scf", scfSeeds());
     write(folder / "resource_file", resourceFileSeeds());
     write(folder / "poly", polySeeds());
+    write(folder / "phd_result", phdResultSeeds());
+    write(folder / "poly_result", polyResultSeeds());
   } catch (const std::exception& problem) {
     std::cerr << "make_seeds: " << problem.what() << '\n';
     return 1;
