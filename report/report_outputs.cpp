@@ -1,6 +1,7 @@
 #include "report/report_outputs.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <optional>
 #include <stdexcept>
 #include <vector>
@@ -10,6 +11,8 @@
 #include "report/tsv_table.h"
 
 namespace Quillet {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -40,12 +43,12 @@ ReportOutputs::ReportOutputs(const CommandLine& line, const std::string& project
 }
 
 void ReportOutputs::refuseOneFileTwice() const {
-  std::vector<std::string> targets;
+  std::vector<fs::path> targets;
   for (const File* file : {&tsv_, &json_, &fastq_, &fasta_}) {
     if (*file == nullptr || (*file)->target().empty()) continue;
-    const std::string& target = (*file)->target();
+    const fs::path target = fs::weakly_canonical(fs::absolute((*file)->target()));
     if (std::find(targets.begin(), targets.end(), target) != targets.end()) {
-      throw UsageError("two outputs have the same name: " + target);
+      throw UsageError("two outputs are the same file: " + target.string());
     }
     targets.push_back(target);
   }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/flags.h"
+#include "app/freed_memory.h"
 #include "app/project.h"
 #include "app/resource_file.h"
 #include "app/settings.h"
@@ -63,15 +64,31 @@ int answer(const std::string& text) {
   return 0;
 }
 
+/// A folder without the slash at its end; the root keeps it.
+std::string withoutSlash(std::string folder) {
+  if (folder.size() > 1 && folder.ends_with('/')) folder.pop_back();
+  return folder;
+}
+
+ProjectAudit begunAudit(const Settings& settings, const Project& project, double mixedRatio) {
+  try {
+    return ProjectAudit(settings, project, mixedRatio);
+  } catch (int) {
+    std::cerr << std::endl;  // the message about a list has no line end
+    throw;
+  }
+}
+
 int report(const CommandLine& line) {
+  keepFreedMemory();
   Settings settings;
   readResourceFileSilently(settings);
   applyFlags(settings, line.projectFlags, "COMMAND LINE");
   Project project(settings);
   project.prepare(ProjectUse::read);
 
-  ProjectAudit audit(settings, project, line.mixedRatio);
-  ReportOutputs outputs(line, project.rootDir().text());
+  ProjectAudit audit = begunAudit(settings, project, line.mixedRatio);
+  ReportOutputs outputs(line, withoutSlash(project.rootDir().text()));
   {
     TerminalMeter meter(audit.nameCount(), !outputs.fillTerminal());
     audit.run([&outputs](const AuditedSample& sample) { outputs.add(sample); },
