@@ -106,12 +106,16 @@ CommandLine readCommandLine(const std::vector<std::string>& words) {
   }
   refuseTwoOnStandardOutput(line);
 
-  if (dataDirOption->count() > 0)
-    line.projectFlags.insert(line.projectFlags.end(), {"-d", dataDir});
-  if (listFileOption->count() > 0) {
-    line.projectFlags.insert(line.projectFlags.end(), {"-l", listFile});
+  std::vector<std::string>& flags = line.projectFlags;
+  if (dataDirOption->count() > 0) {
+    flags.insert(flags.end(), {"-d", dataDir});
   }
-  if (keepExtensions) line.projectFlags.emplace_back("-s");
+  if (listFileOption->count() > 0) {
+    flags.insert(flags.end(), {"-l", listFile});
+  }
+  if (keepExtensions) {
+    flags.emplace_back("-s");
+  }
   return line;
 }
 

@@ -18,10 +18,6 @@ namespace {
 
 constexpr const char* standardOutput = "-";
 
-std::unique_ptr<OutputFile> begun(const std::optional<std::string>& name) {
-  return name ? std::make_unique<OutputFile>(*name) : nullptr;
-}
-
 bool usesStandardOutput(const CommandLine& line) {
   const auto names = {&line.tsv, &line.json, &line.fastq, &line.fasta};
   return std::any_of(names.begin(), names.end(),
@@ -31,12 +27,12 @@ bool usesStandardOutput(const CommandLine& line) {
 }  // namespace
 
 ReportOutputs::ReportOutputs(const CommandLine& line, const std::string& project)
-    : trim_(line.trim),
-      tsv_(begun(line.tsv)),
-      json_(begun(line.json)),
-      fastq_(begun(line.fastq)),
-      fasta_(begun(line.fasta)) {
-  if (!usesStandardOutput(line)) console_ = std::make_unique<OutputFile>(standardOutput);
+    : trim_(line.trim) {
+  if (line.tsv) tsv_.emplace(*line.tsv);
+  if (line.json) json_.emplace(*line.json);
+  if (line.fastq) fastq_.emplace(*line.fastq);
+  if (line.fasta) fasta_.emplace(*line.fasta);
+  if (!usesStandardOutput(line)) console_.emplace(standardOutput);
   refuseOneFileTwice();
   if (tsv_) tsv_->write(tsvHeader());
   if (json_) json_->write(jsonStart(project));
@@ -45,7 +41,7 @@ ReportOutputs::ReportOutputs(const CommandLine& line, const std::string& project
 void ReportOutputs::refuseOneFileTwice() const {
   std::vector<fs::path> targets;
   for (const File* file : {&tsv_, &json_, &fastq_, &fasta_}) {
-    if (*file == nullptr || (*file)->target().empty()) continue;
+    if (!*file || (*file)->target().empty()) continue;
     const fs::path target = fs::weakly_canonical(fs::absolute((*file)->target()));
     if (std::find(targets.begin(), targets.end(), target) != targets.end()) {
       throw UsageError("two outputs are the same file: " + target.string());
@@ -69,10 +65,10 @@ void ReportOutputs::add(const AuditedSample& sample) {
 void ReportOutputs::finish() {
   if (json_) json_->write(jsonEnd(summary_.counts()));
   if (console_) console_->write(summary_.text(console_->isTerminal()));
-  for (const File* file : {&tsv_, &json_, &fastq_, &fasta_, &console_}) {
+  for (File* file : {&tsv_, &json_, &fastq_, &fasta_, &console_}) {
     if (*file) (*file)->finish();
   }
-  for (const File* file : {&tsv_, &json_, &fastq_, &fasta_}) {
+  for (File* file : {&tsv_, &json_, &fastq_, &fasta_}) {
     if (*file) (*file)->publish();
   }
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <memory>
+#include <optional>
 #include <string>
 
 #include "audit/project_audit.h"
@@ -29,14 +29,14 @@ class ReportOutputs {
   bool fillTerminal() const;
 
  private:
-  using File = std::unique_ptr<OutputFile>;
+  using File = std::optional<OutputFile>;  // none where the command line names no file
 
   void refuseOneFileTwice() const;
 
   bool trim_;
   bool isFirst_ = true;
   Summary summary_;
-  File tsv_;  // null where the command line names no file
+  File tsv_;
   File json_;
   File fastq_;
   File fasta_;
