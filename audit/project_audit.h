@@ -25,9 +25,10 @@ struct AuditedSample {
 
 /// Reads every trace of a project again and compares its result with what the trace alone gives.
 ///
-/// Borrows the settings and the prepared project; writes nothing. Memory: the names, and the rows
-/// of those few samples that several names share. A bad file makes a row, never an exception; what
-/// a Directory or a lack of memory throws passes through.
+/// Borrows the settings and the prepared project; writes nothing. Memory: the names, and one trace
+/// at a time. Names that share a sample are read twice, since the owner of the result must be known
+/// before the first of them is shown. A bad file makes a row, never an exception; a lack of memory,
+/// of room for unpacked content or of gunzip passes through.
 /// Use: construct, run() once.
 class ProjectAudit {
  public:

@@ -86,6 +86,8 @@ TEST(CallFigures, TrimsWhereTheRunningSumIsNotNegativeUpToItsFirstMaximum) {
       {"equal hills", runs({{1, 0}, {11, 30}, {1, 0}, {11, 30}}), 1, 11},
       {"only the last base is good", runs({{20, 0}, {1, 30}}), 0, 0},
       {"a small dip does not end it", runs({{15, 30}, {1, 10}, {10, 30}}), 1, 25},
+      // One of 13 takes 0.0001: without the first base the sum is negative there.
+      {"the first base adds nothing", runs({{1, 30}, {1, 13}, {20, 30}}), 2, 21},
       {"above 127 is 0", runs({{5, 200}, {20, 30}}), 5, 24},
   };
   for (const auto& row : cases) {

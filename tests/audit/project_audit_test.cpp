@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <sys/stat.h>
 #include <vector>
@@ -365,6 +366,22 @@ TEST_F(ProjectAudit, BorrowedQualitiesAreTold) {
   ASSERT_EQ(project_.runList({"b.ab1", "c.ab1"}).status, 0);
   EXPECT_THAT(lines(),
               ElementsAre("a.ab1: converted", "b.ab1: refused no qualities", "c.ab1: converted"));
+}
+
+// No run gives a long trace without qualities a result of its own, not even one of zeros.
+TEST_F(ProjectAudit, AResultThatTheGateWouldHaveRefusedIsNotRight) {
+  project_.addTrace("a.ab1", trace(1));
+  project_.addTrace("b.ab1", traceWithoutQualities(80));
+  convert();
+  std::string phd = project_.phd("b");
+  std::string zeros = phd.substr(0, phd.find("\nBEGIN_DNA\n") + 11);
+  std::istringstream lines(project_.phdBases("b"));
+  for (std::string base, quality, position; lines >> base >> quality >> position;) {
+    zeros += base + " 0 " + position + "\n";
+  }
+  project_.write("phd_dir/b.phd.1", zeros + "END_DNA\nEND_SEQUENCE\n");
+
+  EXPECT_THAT(this->lines(), ElementsAre("a.ab1: converted", "b.ab1: borrowed qualities"));
 }
 
 TEST_F(ProjectAudit, RefusedTracesNameTheBase) {
