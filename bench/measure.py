@@ -1,6 +1,7 @@
-"""Compares the converter with other programs and with the bare cost of its files.
+"""Compares the converter with other programs and with the bare cost of its files, and
+quillet-report with the converter.
 
-usage: measure.py BUILD [growth] [--rounds N]
+usage: measure.py BUILD [growth | report] [--rounds N]
 
 In every round all programs run in turn, each into empty result folders. Figures are medians over
 the rounds. A ratio is taken within each round first. Times include those of child processes.
@@ -82,6 +83,7 @@ def print_table(title, file_count, runs, base):
 class Bench:
     def __init__(self, build, folder, rounds):
         self.quillet = os.path.join(build, "quillet")
+        self.report = os.path.join(build, "quillet-report")
         self.floor = os.path.join(build, "bench", "floor")
         self.maker = os.path.join(build, "bench", "bench_project")
         self.folder = folder
@@ -178,6 +180,25 @@ class Bench:
         self.grow("More files:", [(count, 12000, 900) for count in (200, 2000, 20_000)])
         self.grow("Longer traces:", [(2000, 6000, 450), (2000, 12000, 900), (2000, 24000, 1800)])
 
+    def reports(self):
+        for title, files, kind in (("Plain traces", 2000, "plain"), ("Gzipped traces", 200, "packed"),
+                                   ("Many plain traces", 20_000, "plain")):
+            folder = self.project("reported", files, 12000, 900, kind)
+            tables = [self.report, "--tsv", folder + "/tsv", "--json", folder + "/json"]
+            programs = {
+                "quillet": [self.quillet],
+                "quillet-report, TSV and JSON": tables,
+                "quillet-report, FASTQ too": [*tables, "--fastq", folder + "/fastq"],
+            }
+            runs = {name: [] for name in programs}
+            for _ in range(self.rounds):
+                empty_results(folder)  # the first program makes what the others look at
+                for name, command in programs.items():
+                    runs[name].append(Run(command, folder))
+            print_table(f"{title}, {files:,} files of 12,000 samples and 900 bases:", files, runs,
+                        "quillet")
+            shutil.rmtree(folder)
+
 
 def in_memory():
     """A folder in memory, so that no disk is measured; None when there is none."""
@@ -190,7 +211,7 @@ def in_memory():
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("build")
-    parser.add_argument("what", nargs="?", choices=["programs", "growth"], default="programs")
+    parser.add_argument("what", nargs="?", choices=["programs", "growth", "report"], default="programs")
     parser.add_argument("--rounds", type=int, default=7)
     options = parser.parse_args()
 
@@ -203,6 +224,8 @@ def main():
         print(f"Medians over {options.rounds} rounds; ratios are taken within each round.")
         if options.what == "growth":
             bench.growth()
+        elif options.what == "report":
+            bench.reports()
         else:
             bench.plain()
             bench.packed()

@@ -1,0 +1,122 @@
+#include "report/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <utility>
+
+#include "app/version.h"
+
+namespace Quillet {
+
+namespace {
+
+constexpr const char* description =
+    "Compares every result of a Quillet project with what its own trace holds, and says what\n"
+    "became of each sample. Nothing is written into the project.";
+
+constexpr const char* statusText =
+    "Status: 0 all is converted, 1 no report, 2 results are missing, 3 results are not to be\n"
+    "trusted.";
+
+/// The words with the converter's long flags under names that begin as `app` expects. A word that
+/// is the value of the flag before it stays as it is.
+std::vector<std::string> rewritten(const CLI::App& app, std::vector<std::string> words) {
+  static const std::map<std::string, std::string> spellings{{"-dir", "-d"},
+                                                            {"-list", "-l"},
+                                                            {"-nostrip", "-s"},
+                                                            {"-help", "--help"},
+                                                            {"-version", "--version"}};
+  for (std::size_t index = 0; index < words.size(); ++index) {
+    std::string& word = words[index];
+    const auto spelling = spellings.find(word);
+    if (spelling != spellings.end()) word = spelling->second;
+    const CLI::Option* option = word.size() < 2 ? nullptr : app.get_option_no_throw(word);
+    if (option != nullptr && option->get_items_expected_min() > 0) ++index;
+  }
+  return words;
+}
+
+/// A ratio of two heights: 0 or more, and a number.
+std::string ratioFault(const std::string& text) {
+  double ratio = 0;
+  if (CLI::detail::lexical_cast(text, ratio) && std::isfinite(ratio) && ratio >= 0) return {};
+  return "RATIO is a number, 0 or more, not `" + text + "'";
+}
+
+void refuseTwoOnStandardOutput(const CommandLine& line) {
+  const auto outputs = {&line.tsv, &line.json, &line.fastq, &line.fasta};
+  const auto count = std::count_if(outputs.begin(), outputs.end(),
+                                   [](const auto* name) { return *name == std::string("-"); });
+  if (count > 1) throw UsageError("only one output can be `-', standard output");
+}
+
+}  // namespace
+
+CommandLine readCommandLine(const std::vector<std::string>& words) {
+  CommandLine line;
+  std::string dataDir;
+  std::string listFile;
+  bool keepExtensions = false;
+
+  CLI::App app(description, "quillet-report");
+  app.footer(statusText);
+  app.set_help_flag("-h,--help", "print this help and stop");
+  app.set_version_flag("--version", std::string("quillet-report ") + versionText,
+                       "print the version and stop");
+  const auto text = [&app](const std::string& name, std::string& value, const std::string& help) {
+    return app.add_option(name, value, help)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  };
+  const CLI::Option* dataDirOption =
+      text("-d", dataDir, "the project; otherwise the working directory")->type_name("DIR");
+  const CLI::Option* listFileOption =
+      text("-l", listFile, "look at the names in the file; - is standard input")->type_name("LIST");
+  app.add_flag("-s", keepExtensions, "extensions belong to the sample's name")
+      ->disable_flag_override();
+  const auto output = [&app](const std::string& name, std::optional<std::string>& file,
+                             const std::string& help) {
+    app.add_option_function<std::string>(
+           name, [&file](const std::string& value) { file = value; }, help)
+        ->type_name("FILE");
+  };
+  output("--tsv", line.tsv, "write the table; - is standard output");
+  output("--json", line.json, "write the table as JSON");
+  output("--fastq", line.fastq, "write the reads with their qualities");
+  output("--fasta", line.fasta, "write the reads");
+  app.add_flag("--trim", line.trim, "cut the reads of --fastq and --fasta to what is good")
+      ->disable_flag_override();
+  app.add_option("--mixed", line.mixedRatio,
+                 "how high a second peak is, by the called one, to be a mixed base: 0.33")
+      ->type_name("RATIO")
+      ->check(ratioFault);
+
+  std::vector<std::string> arguments = rewritten(app, words);
+  std::reverse(arguments.begin(), arguments.end());  // parse() takes the last word first
+  try {
+    app.parse(std::move(arguments));
+  } catch (const CLI::CallForHelp&) {
+    line.answer = app.help();
+    return line;
+  } catch (const CLI::CallForVersion& version) {
+    line.answer = version.what() + std::string("\n");
+    return line;
+  } catch (const CLI::ParseError& error) {
+    throw UsageError(error.what());
+  }
+  refuseTwoOnStandardOutput(line);
+
+  std::vector<std::string>& flags = line.projectFlags;
+  if (dataDirOption->count() > 0) {
+    flags.insert(flags.end(), {"-d", dataDir});
+  }
+  if (listFileOption->count() > 0) {
+    flags.insert(flags.end(), {"-l", listFile});
+  }
+  if (keepExtensions) {
+    flags.emplace_back("-s");
+  }
+  return line;
+}
+
+}  // namespace Quillet

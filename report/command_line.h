@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace Quillet {
+
+/// What the command line asks for.
+struct CommandLine {
+  std::optional<std::string> answer;      // what -h or --version prints; then nothing else counts
+  std::vector<std::string> projectFlags;  // those that the converter takes, in its own words
+  // Names of output files; "-" is standard output. At most one of them is.
+  std::optional<std::string> tsv;
+  std::optional<std::string> json;
+  std::optional<std::string> fastq;
+  std::optional<std::string> fasta;
+  bool trim = false;  // of FASTQ and FASTA
+  double mixedRatio = 0.33;
+};
+
+/// A wrong command line.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Reads the words that follow the program's name. The converter's spellings -dir, -list, -nostrip,
+/// -help and -version count too. Throws UsageError.
+CommandLine readCommandLine(const std::vector<std::string>& words);
+
+}  // namespace Quillet
