@@ -54,7 +54,7 @@ install(CODE "
   endforeach()" COMPONENT development)
 
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuilletConfigVersion.cmake
-                                 COMPATIBILITY SameMajorVersion)
+                                 COMPATIBILITY SameMinorVersion)
 install(FILES cmake/QuilletConfig.cmake ${PROJECT_BINARY_DIR}/QuilletConfigVersion.cmake
         DESTINATION ${package_dir} COMPONENT development)
 

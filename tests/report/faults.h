@@ -9,7 +9,7 @@
 
 // Faults that tests do to a converted project, with what a report must say of them.
 
-/// What became of a trace, or of a result without one.
+/// The expected row of a trace, or of a result without one.
 struct Outcome {
   std::string state;
   std::string detail;

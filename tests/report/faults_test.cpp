@@ -22,7 +22,7 @@ namespace {
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 
-/// The columns that say what became of a row; the others count only where the trace is as before.
+/// The columns of a verdict; the others are compared only when the trace is unchanged.
 ReportRow outcomeOf(const ReportRow& row) {
   return {{"sample", row.at("sample")},
           {"trace", row.at("trace")},

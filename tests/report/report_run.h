@@ -27,5 +27,5 @@ ReportResult reportTable(const ProjectFolder& project, std::vector<std::string> 
 /// The rows of a table. Throws where it is none: a line without all columns, or without its end.
 std::vector<ReportRow> rowsOf(const std::string& tsv);
 
-/// "trace sample state [detail]" of each row, the columns that say what became of a sample.
+/// "trace sample state [detail]" of each row, the columns of a verdict.
 std::vector<std::string> statesOf(const ReportResult& result);
