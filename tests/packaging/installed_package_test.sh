@@ -29,6 +29,7 @@ for file in share/man/man1/quillet.1 share/man/man5/quilletrc.5 share/man/man5/q
 done
 "$here/check_links.sh" "$prefix/share/doc/quillet" || fail 'a document links to nothing'
 "$here/convert_test.sh" "$prefix/bin/quillet" || fail 'the program does not convert'
+"$here/report_test.sh" "$prefix/bin/quillet" "$prefix/bin/quillet-report" || fail 'no report'
 
 # What must not be there: what the program keeps to itself, and the folders above.
 [ ! -e "$prefix/include/quillet/app" ] || fail 'headers of app/'
