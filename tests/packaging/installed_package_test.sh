@@ -18,13 +18,10 @@ fail() {
 
 cmake --install "$build" --prefix "$scratch/first" >"$scratch/log" || fail "$(cat "$scratch/log")"
 mv "$scratch/first" "$prefix"
-"$prefix/bin/quillet-report" --version >"$scratch/version" || fail "quillet-report does not run"
-for file in share/man/man1/quillet-report.1 share/bash-completion/completions/quillet-report; do
-  [ -s "$prefix/$file" ] || fail "no $file"
-done
 
-for file in share/man/man1/quillet.1 share/man/man5/quilletrc.5 share/man/man5/quillet-formats.5 \
-  share/bash-completion/completions/quillet include/quillet/trace/trace_file.h; do
+for file in share/man/man1/quillet.1 share/man/man1/quillet-report.1 share/man/man5/quilletrc.5 \
+  share/man/man5/quillet-formats.5 share/bash-completion/completions/quillet \
+  share/bash-completion/completions/quillet-report include/quillet/trace/trace_file.h; do
   [ -s "$prefix/$file" ] || fail "no $file"
 done
 "$here/check_links.sh" "$prefix/share/doc/quillet" || fail 'a document links to nothing'
