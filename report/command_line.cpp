@@ -13,8 +13,8 @@ namespace Quillet {
 namespace {
 
 constexpr const char* description =
-    "Compares every result of a Quillet project with what its own trace holds, and says what\n"
-    "became of each sample. Nothing is written into the project.";
+    "Compares every result of a Quillet project with what its own trace holds, and tells the\n"
+    "state of each sample. Nothing is written into the project.";
 
 constexpr const char* statusText =
     "Status: 0 all is converted, 1 no report, 2 results are missing, 3 results are not to be\n"
@@ -84,10 +84,11 @@ CommandLine readCommandLine(const std::vector<std::string>& words) {
   output("--json", line.json, "write the table as JSON");
   output("--fastq", line.fastq, "write the reads with their qualities");
   output("--fasta", line.fasta, "write the reads");
-  app.add_flag("--trim", line.trim, "cut the reads of --fastq and --fasta to what is good")
+  app.add_flag("--trim", line.trim, "cut the reads of --fastq and --fasta to the trim range")
       ->disable_flag_override();
   app.add_option("--mixed", line.mixedRatio,
-                 "how high a second peak is, by the called one, to be a mixed base: 0.33")
+                 "count a base as mixed when its second peak is at least RATIO times the called "
+                 "one;\n0.33 unless given")
       ->type_name("RATIO")
       ->check(ratioFault);
 
