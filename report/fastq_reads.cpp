@@ -8,7 +8,6 @@ namespace Quillet {
 
 namespace {
 
-constexpr std::uint8_t leastQuality = 10;  // that a trace with qualities has at least once
 constexpr std::uint8_t mostQuality = 127;  // a higher byte is none
 constexpr std::uint8_t mostWritten = 93;   // "~" in FASTQ
 constexpr char qualityZero = '!';
@@ -29,21 +28,14 @@ char writtenIdByte(char byte) {
   return code <= ' ' || code == 0x7F ? '_' : byte;
 }
 
-bool holdsQualities(std::span<const std::uint8_t> qualities) {
-  return std::any_of(qualities.begin(), qualities.end(), [](std::uint8_t quality) {
-    return quality >= leastQuality && quality <= mostQuality;
-  });
-}
-
 }  // namespace
 
 std::optional<Read> readOf(const AuditedSample& sample, bool trim) {
   const SampleRow& row = sample.row;
   if (sample.content == nullptr || row.state == SampleState::hidden) return {};
   const BaseCalls& calls = sample.content->calls;
-  if (calls.count == 0) return {};
+  if (calls.count == 0 || !calls.hasUsableQualities()) return {};
   const std::span<const std::uint8_t> qualities(calls.qualities.get(), calls.count);
-  if (!holdsQualities(qualities)) return {};
 
   std::uint32_t start = 0;
   std::uint32_t end = calls.count;

@@ -160,7 +160,7 @@ void OutputFile::fail(int errorNumber) const {
 }
 
 void removeBegunFilesOnSignals() {
-  for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+  for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGALRM, SIGXCPU}) {
     // What is ignored stays ignored, as under nohup.
     if (std::signal(number, removeBegunFiles) == SIG_IGN) std::signal(number, SIG_IGN);
   }
