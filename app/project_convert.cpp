@@ -55,6 +55,7 @@ bool Batch::read(Tessaly::String& path, TraceContent& content) {
   }
   trace.getBaseCalls(bases_, qualities_, peaks_);
   content = trace.takeContent();
+  content.calls = BaseCalls();  // copied out: a second copy only takes memory
   return true;
 }
 
