@@ -92,6 +92,10 @@ AbifBuilder& AbifBuilder::change(const std::string& name, std::uint32_t number,
   return *this;
 }
 
+AbifBuilder& AbifBuilder::type(const std::string& name, std::uint32_t number, std::uint16_t value) {
+  return change(name, number, [=](Entry& e) { e.type = value; });
+}
+
 AbifBuilder& AbifBuilder::count(const std::string& name, std::uint32_t number,
                                 std::uint32_t value) {
   return change(name, number, [=](Entry& e) { e.count = value; });
@@ -159,7 +163,7 @@ void AbifBuilder::putEntry(std::string& bytes, std::size_t at, const Entry& entr
   name.resize(4, ' ');
   bytes.replace(at, 4, name);
   put(bytes, at + 4, entry.number, 4);
-  put(bytes, at + 8, entry.elementSize == 2 ? 4 : 2, 2);  // short or char
+  put(bytes, at + 8, entry.type.value_or(entry.elementSize == 2 ? 4 : 2), 2);
   put(bytes, at + 10, entry.elementSize, 2);
   put(bytes, at + 12, entry.count.value_or(size / entry.elementSize), 4);
   put(bytes, at + 16, entry.dataSize.value_or(size), 4);

@@ -38,6 +38,9 @@ class AbifBuilder {
   /// Adds an entry after the others. Up to 4 bytes of data are stored in the entry itself.
   AbifBuilder& entry(const std::string& name, std::uint32_t number, const std::string& data,
                      std::uint32_t elementSize = 1);
+  /// The type of an entry's elements; otherwise 4 (short) for elements of 2 bytes, 2 (char) for
+  /// others.
+  AbifBuilder& type(const std::string& name, std::uint32_t number, std::uint16_t value);
   /// Adds `count` entries before the others, with names and sizes like those of instruments.
   AbifBuilder& otherEntries(int count);
   AbifBuilder& last(const std::string& name, std::uint32_t number);
@@ -71,6 +74,7 @@ class AbifBuilder {
     std::uint32_t elementSize = 1;
     std::string data;
     bool inEntry = false;  // the entry's offset field holds the data
+    std::optional<std::uint16_t> type;
     std::optional<std::uint32_t> count;
     std::optional<std::uint32_t> dataSize;
     std::optional<std::uint32_t> dataOffset;

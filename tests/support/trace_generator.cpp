@@ -2,28 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <random>
+
+#include "tests/support/dice.h"
 
 namespace {
 
 constexpr char letters[] = "ACGT";
-
-/// Random numbers that are the same with every standard library. The standard defines the engine's
-/// numbers exactly, but not those of its distributions.
-class Dice {
- public:
-  explicit Dice(std::uint32_t seed) : engine_(seed) {}
-
-  /// 0 .. count - 1
-  std::uint32_t below(std::uint32_t count) { return static_cast<std::uint32_t>(engine_()) % count; }
-  int between(int low, int high) {
-    return low + static_cast<int>(below(static_cast<std::uint32_t>(high - low + 1)));
-  }
-  double unit() { return static_cast<double>(engine_()) / 4294967296.0; }
-
- private:
-  std::mt19937 engine_;
-};
 
 void addPeak(std::vector<double>& signal, int centre, double height, double width) {
   const int reach = static_cast<int>(4 * width);
