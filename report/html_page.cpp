@@ -106,14 +106,15 @@ void HtmlPage::add(const AuditedSample& sample) {
     const BaseCalls& calls = sample.content->calls;
     strip = qualityStrip({calls.qualities.get(), calls.count});
   }
-  const std::string picture = about_.hasPictures ? tracePicture(sample) : std::string();
-  if (!picture.empty()) {
+  const TracePicture picture = about_.hasPictures ? tracePicture(sample) : TracePicture();
+  const bool hasPicture = !picture.bytes.empty();
+  if (hasPicture) {
     pictures_.write("<script type=\"application/octet-stream+base64\" id=\"t" +
-                    std::to_string(rowCount_) + "\">" + base64Of(deflated(picture)) +
-                    "</script>\n");
+                    std::to_string(rowCount_) + "\">" +
+                    base64Of(deflated(picture.bytes, picture.cuts)) + "</script>\n");
   }
   if (rowCount_ > 0) rows_.write(",\n");
-  rows_.write(pageRow(row, strip, !picture.empty()));
+  rows_.write(pageRow(row, strip, hasPicture));
   ++rowCount_;
 }
 

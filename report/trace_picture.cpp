@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <limits>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "foundation/channels.h"
@@ -56,14 +57,14 @@ std::uint32_t highestPercentile(const Channels& channels) {
 /// The picture in the making.
 class PictureBytes {
  public:
-  explicit PictureBytes(std::size_t expected) { bytes_.reserve(expected); }
+  explicit PictureBytes(std::size_t expected) { picture_.bytes.reserve(expected); }
 
   void word(std::size_t value) {
     for (int shift = 0; shift < 32; shift += 8) byte(value >> shift);
   }
   /// Keeps the lowest eight bits.
-  void byte(std::size_t value) { bytes_ += static_cast<char>(value & highestByte); }
-  void all(std::span<const char> values) { bytes_.append(values.data(), values.size()); }
+  void byte(std::size_t value) { picture_.bytes += static_cast<char>(value & highestByte); }
+  void all(std::span<const char> values) { picture_.bytes.append(values.data(), values.size()); }
 
   /// The differences of the levels of a channel.
   void channel(std::span<const std::uint16_t> samples, std::uint32_t top) {
@@ -80,8 +81,11 @@ class PictureBytes {
   template <typename At>
   void positions(std::size_t count, At at) {
     using Limits = std::numeric_limits<std::int16_t>;
-    const std::size_t low = bytes_.size();
-    bytes_.resize(low + 2 * count);
+    std::string& bytes = picture_.bytes;
+    const std::size_t low = bytes.size();
+    const std::size_t high = low + count;
+    bytes.resize(high + count);
+    picture_.cuts.push_back(high);
     std::int64_t reached = 0;
     for (std::size_t i = 0; i < count; ++i) {
       const std::int64_t jump = at(i) - reached;
@@ -89,15 +93,18 @@ class PictureBytes {
           std::clamp(jump, std::int64_t{Limits::min()}, std::int64_t{Limits::max()});
       reached += difference;
       const auto bits = static_cast<std::uint16_t>(difference);  // two's complement
-      bytes_[low + i] = static_cast<char>(bits & highestByte);
-      bytes_[low + count + i] = static_cast<char>(bits >> 8);
+      bytes[low + i] = static_cast<char>(bits & highestByte);
+      bytes[high + i] = static_cast<char>(bits >> 8);
     }
   }
 
-  std::string taken() { return std::move(bytes_); }
+  /// Bytes of another kind follow.
+  void cut() { picture_.cuts.push_back(picture_.bytes.size()); }
+
+  TracePicture taken() { return std::move(picture_); }
 
  private:
-  std::string bytes_;
+  TracePicture picture_;
 };
 
 /// A mixed base: what stands under the call.
@@ -132,16 +139,22 @@ void putTrace(PictureBytes& picture, const TraceContent& content, std::uint32_t 
   }
   const BaseCalls& calls = content.calls;
   if (calls.count == 0) return;
+  picture.cut();
   picture.all({calls.bases.get(), calls.count});
+  picture.cut();
   picture.all({reinterpret_cast<const char*>(calls.qualities.get()), calls.count});
+  picture.cut();
   picture.positions(calls.count, [&calls](std::size_t base) { return positionOf(calls, base); });
 }
 
 void putResult(PictureBytes& picture, const PhdResult& result) {
+  picture.cut();
   picture.all(result.bases);
+  picture.cut();
   for (const std::int32_t quality : result.qualities) {
     picture.byte(static_cast<std::size_t>(std::clamp(quality, 0, 255)));
   }
+  picture.cut();
   picture.positions(result.positions.size(),
                     [&result](std::size_t base) { return std::int64_t{result.positions[base]}; });
 }
@@ -157,7 +170,7 @@ PictureScale pictureScale(const TraceContent& content) {
   return {.top = amplitude, .inSight = amplitude};
 }
 
-std::string tracePicture(const AuditedSample& sample) {
+TracePicture tracePicture(const AuditedSample& sample) {
   const TraceContent* const content = sample.content;
   const PhdResult* const result = sample.result;
   const std::size_t pointCount = content == nullptr ? 0 : content->channels.pointCount();

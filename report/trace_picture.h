@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "audit/project_audit.h"
 #include "trace/trace_content.h"
@@ -43,8 +45,13 @@ struct PictureScale {
 /// percentile of the channel in which that is highest. 1 at least.
 PictureScale pictureScale(const TraceContent& content);
 
-/// The bytes described above: the trace, and the result where it says something else. Empty when
-/// there is neither a sample nor a call nor such a result.
-std::string tracePicture(const AuditedSample& sample);
+struct TracePicture {
+  std::string bytes;              // as described above
+  std::vector<std::size_t> cuts;  // places after which bytes of another kind follow; ascending
+};
+
+/// The picture of a trace, and of the result where it says something else. No bytes when there is
+/// neither a sample nor a call nor such a result.
+TracePicture tracePicture(const AuditedSample& sample);
 
 }  // namespace Quillet
