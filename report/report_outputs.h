@@ -5,13 +5,14 @@
 
 #include "audit/project_audit.h"
 #include "report/command_line.h"
+#include "report/html_page.h"
 #include "report/output_file.h"
 #include "report/summary.h"
 
 namespace Quillet {
 
 /// All outputs of one run: the files that the command line names, and the summary on standard
-/// output where no file takes its place. Each gets every row as it comes; none is held.
+/// output where no file takes its place. Each gets every row as it comes; none is held in memory.
 ///
 /// Errors: as OutputFile; then no output has its name, unless it is the last step that fails.
 /// Use: construct, add() each row, finish() once.
@@ -25,7 +26,7 @@ class ReportOutputs {
   void finish();
 
   const StateCounts& counts() const { return summary_.counts(); }
-  /// Whether rows go to the terminal, where a meter would stand between them.
+  /// Whether rows go to the terminal as they come, where a meter would stand between them.
   bool fillTerminal() const;
 
  private:
@@ -40,7 +41,9 @@ class ReportOutputs {
   File json_;
   File fastq_;
   File fasta_;
-  File console_;  // for the summary
+  File html_;
+  std::optional<HtmlPage> page_;  // what html_ will hold
+  File console_;                  // for the summary
 };
 
 }  // namespace Quillet
