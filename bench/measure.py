@@ -14,31 +14,11 @@ import statistics
 import subprocess
 import sys
 import tempfile
-import time
+
+from runs import Run, in_memory
 
 BENCH = os.path.dirname(os.path.abspath(__file__))
 RESULTS = ("phd_dir", "poly_dir", "other_dir")
-
-
-class Run:
-    """Time and memory of one run of a program."""
-
-    def __init__(self, command, folder):
-        note = os.path.join(folder, "peak")
-        start = time.perf_counter()
-        # Through `time`: the peak memory of a forked child includes that of this process.
-        child = subprocess.Popen(
-            ["/usr/bin/time", "-q", "-f", "%M", "-o", note, *command],
-            cwd=folder, env={**os.environ, "PWD": folder},
-            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        _, status, usage = os.wait4(child.pid, 0)
-        child.returncode = os.waitstatus_to_exitcode(status)
-        self.seconds = time.perf_counter() - start
-        self.cpu = usage.ru_utime + usage.ru_stime
-        with open(note) as peak:
-            self.peak = int(peak.read())  # KiB
-        if child.returncode != 0:
-            sys.exit(f"{' '.join(command)} has failed with status {child.returncode}")
 
 
 def empty_results(folder):
@@ -198,14 +178,6 @@ class Bench:
             print_table(f"{title}, {files:,} files of 12,000 samples and 900 bases:", files, runs,
                         "quillet")
             shutil.rmtree(folder)
-
-
-def in_memory():
-    """A folder in memory, so that no disk is measured; None when there is none."""
-    mounts = [line.split() for line in open("/proc/mounts")]
-    shm = "/dev/shm"
-    backed = any(mount[1] == shm and mount[2] == "tmpfs" for mount in mounts)
-    return shm if backed and os.access(shm, os.W_OK) else None
 
 
 def main():
