@@ -262,7 +262,7 @@ TraceContents failedTrace(std::uint32_t seed, int baseCount) {
     trace.bases += dice.below(3) == 0 ? 'N' : letters[highest.channel];
     trace.qualities.push_back(trace.bases.back() == 'N' ? dice.between(2, 4) : dice.between(3, 11));
     trace.peaks.push_back(highest.sample);
-    position += 14.0 + 3.0 * std::abs(dice.deviation());
+    position = highest.sample + 12.0 + 3.0 * std::abs(dice.deviation());
   }
   return trace;
 }
