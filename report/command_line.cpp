@@ -27,6 +27,7 @@ std::vector<std::string> rewritten(const CLI::App& app, std::vector<std::string>
                                                             {"-list", "-l"},
                                                             {"-nostrip", "-s"},
                                                             {"-help", "--help"},
+                                                            {"-overwrite", "--overwrite"},
                                                             {"-version", "--version"}};
   for (std::size_t index = 0; index < words.size(); ++index) {
     std::string& word = words[index];
@@ -46,7 +47,7 @@ std::string ratioFault(const std::string& text) {
 }
 
 void refuseTwoOnStandardOutput(const CommandLine& line) {
-  const auto outputs = {&line.tsv, &line.json, &line.fastq, &line.fasta};
+  const auto outputs = {&line.tsv, &line.json, &line.fastq, &line.fasta, &line.html};
   const auto count = std::count_if(outputs.begin(), outputs.end(),
                                    [](const auto* name) { return *name == std::string("-"); });
   if (count > 1) throw UsageError("only one output can be `-', standard output");
@@ -80,10 +81,14 @@ CommandLine readCommandLine(const std::vector<std::string>& words) {
            name, [&file](const std::string& value) { file = value; }, help)
         ->type_name("FILE");
   };
+  output("-o,--html", line.html, "write the report as one page, which shows the traces too");
   output("--tsv", line.tsv, "write the table; - is standard output");
   output("--json", line.json, "write the table as JSON");
   output("--fastq", line.fastq, "write the reads with their qualities");
   output("--fasta", line.fasta, "write the reads");
+  app.add_flag_callback(
+         "--no-pictures", [&line] { line.pictures = false; }, "leave the traces out of the page")
+      ->disable_flag_override();
   app.add_flag("--trim", line.trim, "cut the reads of --fastq and --fasta to the trim range")
       ->disable_flag_override();
   app.add_option("--mixed", line.mixedRatio,

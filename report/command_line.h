@@ -16,7 +16,9 @@ struct CommandLine {
   std::optional<std::string> json;
   std::optional<std::string> fastq;
   std::optional<std::string> fasta;
-  bool trim = false;  // of FASTQ and FASTA
+  std::optional<std::string> html;
+  bool trim = false;     // of FASTQ and FASTA
+  bool pictures = true;  // of traces, in the page
   double mixedRatio = 0.33;
 };
 

@@ -5,6 +5,7 @@
 
 #include "audit/project_audit.h"
 #include "report/command_line.h"
+#include "report/html_page.h"
 #include "report/output_file.h"
 #include "report/summary.h"
 
@@ -40,7 +41,9 @@ class ReportOutputs {
   File json_;
   File fastq_;
   File fasta_;
-  File console_;  // for the summary
+  File html_;
+  std::optional<HtmlPage> page_;  // what html_ will hold
+  File console_;                  // for the summary
 };
 
 }  // namespace Quillet

@@ -1,7 +1,9 @@
 #include "report/summary.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include "report/escaped_text.h"
 
@@ -40,35 +42,18 @@ std::string sampleLine(const SampleRow& row, bool forTerminal) {
 
 }  // namespace
 
-void Summary::add(const SampleRow& row) {
-  counts_.add(row.state);
-  std::vector<SampleRow>& samples = samples_[static_cast<std::size_t>(row.state)];
-  if (row.state == SampleState::converted || samples.size() == mostSamples) return;
-  SampleRow& kept = samples.emplace_back();
-  kept.sample = row.sample;
-  kept.trace = row.trace;
-  kept.state = row.state;
-  kept.detail = row.detail;
-}
-
 std::string Summary::text(bool forTerminal) const {
-  std::string counts;
-  std::string samples;
-  std::uint64_t notConverted = 0;
-  std::uint64_t shown = 0;
+  std::string text;
   for (int number = 0; number < sampleStateCount; ++number) {
     const auto state = static_cast<SampleState>(number);
-    counts += countLine(state, counts_.of(state));
-    if (state == SampleState::converted) continue;
-    notConverted += counts_.of(state);
-    for (const SampleRow& row : samples_[static_cast<std::size_t>(number)]) {
-      if (shown == mostSamples) break;
-      samples += sampleLine(row, forTerminal);
-      ++shown;
-    }
+    text += countLine(state, counts().of(state));
   }
-  if (notConverted > shown) samples += "and " + std::to_string(notConverted - shown) + " more\n";
-  return samples.empty() ? counts : counts + '\n' + samples;
+  const std::vector<const SampleRow*> rows = worst_.rows();
+  if (!rows.empty()) text += '\n';
+  for (const SampleRow* row : rows) text += sampleLine(*row, forTerminal);
+  const std::uint64_t leftOut = worst_.leftOut();
+  if (leftOut > 0) text += "and " + std::to_string(leftOut) + " more\n";
+  return text;
 }
 
 }  // namespace Quillet

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <array>
+#include <cstddef>
 #include <string>
-#include <vector>
 
 #include "audit/sample_row.h"
 #include "report/state_counts.h"
+#include "report/worst_samples.h"
 
 namespace Quillet {
 
@@ -17,14 +17,13 @@ class Summary {
  public:
   static constexpr std::size_t mostSamples = 20;
 
-  void add(const SampleRow& row);
-  const StateCounts& counts() const { return counts_; }
+  void add(const SampleRow& row) { worst_.add(row); }
+  const StateCounts& counts() const { return worst_.counts(); }
   /// For a terminal all control characters in names are escaped.
   std::string text(bool forTerminal) const;
 
  private:
-  StateCounts counts_;
-  std::array<std::vector<SampleRow>, sampleStateCount> samples_;  // by state, without figures
+  WorstSamples worst_{mostSamples};
 };
 
 }  // namespace Quillet
