@@ -22,7 +22,7 @@ function levelAt(levels, sample) {
 }
 
 /// Adds the curve from kept sample `first` to `last` to the context's path. Where `isDense`, half a pixel
-/// holds several samples: from the lowest to the highest of each looks the same and takes a tenth of the
+/// holds several samples: a line from the lowest to the highest looks the same and takes a tenth of the
 /// time.
 function addCurve(context, levels, first, last, xOf, yOf, isDense) {
   context.moveTo(xOf(2 * first), yOf(levels[first]));
@@ -35,11 +35,11 @@ function addCurve(context, levels, first, last, xOf, yOf, isDense) {
     const column = Math.round(2 * xOf(2 * k));
     let low = levels[k];
     let high = low;
-    while (k < last && Math.round(2 * xOf(2 * k + 2)) === column) {
-      ++k;
+    for (; k <= last && Math.round(2 * xOf(2 * k)) === column; ++k) {
       low = Math.min(low, levels[k]);
-      high = Math.max(high, levels[k]);
+      high = Math.max(high, levels[k], levelAt(levels, 2 * k + 1));
     }
+    --k;
     context.lineTo(column / 2, yOf(low));
     context.lineTo(column / 2, yOf(high));
   }
@@ -92,9 +92,11 @@ function compareReadings(calls, reading) {
   return { partners, kinds, missing: [...calls.positions.keys()].filter((i) => !paired.has(i)) };
 }
 
-/// The sample of the first difference within the samples `begin` to `end`: another letter or a missing
-/// base if there is one, else another quality or position; undefined without any.
-function firstDifference({ calls, reading }, comparison, { begin, end }) {
+/// The sample of the first difference of both readings within the good stretch: of another letter or a
+/// missing base if there is one, else of another quality or position; undefined without any.
+function firstDifference({ picture: { calls, reading }, comparison, row }) {
+  if (!comparison || calls.bases.length === 0) return undefined;
+  const { begin, end } = trimOfCalls(calls, row);
   const ofKind = (kind) => reading.positions.filter((_, j) => comparison.kinds[j] === kind);
   const letters = [...ofKind(2), ...comparison.missing.map((i) => calls.positions[i])];
   const isInside = (sample) => sample >= begin && sample <= end;

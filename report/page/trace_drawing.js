@@ -46,8 +46,7 @@ function levelScale({ picture, sight }, { top, baseline }) {
 
 /// The good stretch in samples, its borders halfway to the neighbours. Without figures it is the whole
 /// trace; it is empty where nothing is good.
-function trimOfScene({ picture, row }) {
-  const { positions } = picture.calls;
+function trimOfCalls({ positions }, row) {
   const border = (i) => (positions[i - 1] + positions[i]) / 2;
   if (row.trim_end === 0) return { begin: Infinity, end: Infinity };
   return {
@@ -62,7 +61,7 @@ function roundStep(least) {
   return [1, 2, 5, 10].map((digit) => digit * power).find((step) => step >= least);
 }
 
-function write(context, text, x, y, colour, align = "center", font = "11px") {
+function write(context, text, x, y, align = "center", colour = colourOf("--faint"), font = "11px") {
   context.font = `${font} system-ui, sans-serif`;
   context.textAlign = align;
   context.textBaseline = "middle";
@@ -70,24 +69,28 @@ function write(context, text, x, y, colour, align = "center", font = "11px") {
   context.fillText(text, x, y);
 }
 
+function isInside({ left, right }, x) {
+  return x >= left && x <= right;
+}
+
 /// Calls `visit(i, x)` for each base of these calls that is in sight.
 function visitBases(scene, { positions }, visit) {
   positions.forEach((position, i) => {
     const x = xOfSample(scene, position);
-    if (x >= scene.left && x <= scene.right) visit(i, x);
+    if (isInside(scene, x)) visit(i, x);
   });
 }
 
 /// The trimmed ends and the base in focus, below all else.
 function drawGround(context, scene, rows) {
   const inside = (x) => Math.min(Math.max(x, scene.left), scene.right);
-  const trim = trimOfScene(scene);
+  const trim = trimOfCalls(scene.picture.calls, scene.row);
   for (const ends of [[0, Math.min(trim.begin, scene.extent)], [trim.end, scene.extent]]) {
     const [x, end] = ends.map((sample) => inside(xOfSample(scene, sample))).sort((a, b) => a - b);
     if (ends[0] >= ends[1] || end <= x) continue;
     context.fillStyle = colourOf("--shade");
     context.fillRect(x, rows.bars, end - x, rows.baseline - rows.bars);
-    if (end - x > 60) write(context, "trimmed", (x + end) / 2, rows.baseline - 9, colourOf("--faint"));
+    if (end - x > 60) write(context, "trimmed", (x + end) / 2, rows.baseline - 9);
   }
   const marked = scene.numbered.positions[scene.marked];
   if (marked === undefined) return;
@@ -104,7 +107,7 @@ function drawScale(context, scene, rows) {
     const y = Math.round(yOf((height * 255) / scene.picture.top));
     context.fillStyle = colourOf(height === 0 ? "--faint" : "--line");
     context.fillRect(scene.left, y, scene.right - scene.left, 1);
-    write(context, formatNumber(height), scene.left - 6, y, colourOf("--faint"), "right");
+    write(context, formatNumber(height), scene.left - 6, y, "right");
   }
 }
 
@@ -133,7 +136,7 @@ function drawCurves(context, scene, rows) {
     let before = left - 9;
     for (const k of cutSamples(levels, first, last, (scene.sight * 255) / picture.top)) {
       const x = xOf(2 * k);
-      if (x < left || x > right || Math.abs(x - before) < 9) continue;
+      if (!isInside(scene, x) || Math.abs(x - before) < 9) continue;
       before = x;
       context.beginPath();
       context.moveTo(x - 4, rows.top - 3);
@@ -173,12 +176,12 @@ function drawQualities(context, scene, rows) {
   const bottom = rows.bars + barHeight;
   drawBars(context, scene, bottom, barHeight, () => false);
   const y = Math.round(bottom - barHeight / 3);
-  write(context, "Q 20", scene.left - 6, y, colourOf("--faint"), "right");
+  write(context, "Q 20", scene.left - 6, y, "right");
   for (let x = scene.left; x < scene.right; x += 6) context.fillRect(x, y, 2, 1);
   const step = Math.max(10, roundStep(60 / (spacingOf(scene.numbered) * scene.scale)));
   visitBases(scene, scene.numbered, (i, x) => {
     if ((i + 1) % step !== 0) return;
-    write(context, formatNumber(i + 1), x, 6, colourOf("--faint"));
+    write(context, formatNumber(i + 1), x, 6);
     context.fillRect(x - 0.5, 13, 1, 4);
   });
 }
@@ -193,7 +196,7 @@ function drawLetters(context, scene, calls, y) {
     const letter = shownLetter(scene, calls.bases[i]);
     context.globalAlpha = calls.qualities[i] < 20 ? 0.5 : 1;
     context.fillStyle = letterColour(letter);
-    if (spacing >= 6) write(context, letter, x, y, context.fillStyle, "center", font);
+    if (spacing >= 6) write(context, letter, x, y, "center", context.fillStyle, font);
     else context.fillRect(x - spacing * 0.35, y - 5, spacing * 0.7, 10);
   });
   context.globalAlpha = 1;
@@ -207,7 +210,7 @@ function drawSeconds(context, scene, y) {
   visitBases(scene, calls, (i, x) => {
     if (!mixed.has(i)) return;
     const letter = shownLetter(scene, mixed.get(i).letter);
-    if (spacing >= 6) write(context, letter, x, y, letterColour(letter), "center", "bold 11px");
+    if (spacing >= 6) write(context, letter, x, y, "center", letterColour(letter), "bold 11px");
     context.fillStyle = colourOf("--mixed");
     context.fillRect(x - width / 2, y + 6, width, 2.5);
   });
@@ -240,8 +243,8 @@ function drawTrace(context, scene) {
   drawSeconds(context, scene, rows.second);
   if (comparison) {
     drawReading(context, scene, rows.result);
-    write(context, "trace", left - 6, rows.letters, colourOf("--faint"), "right");
-    write(context, "result", left - 6, rows.result, colourOf("--faint"), "right");
+    write(context, "trace", left - 6, rows.letters, "right");
+    write(context, "result", left - 6, rows.result, "right");
   }
   if (picture.pointCount > 0) drawCurves(context, scene, rows);
   if (scene.pointer === null) return;
@@ -249,22 +252,20 @@ function drawTrace(context, scene) {
   context.fillRect(Math.round(scene.pointer), rows.bars, 1, rows.baseline - rows.bars);
 }
 
-/// Draws the whole read: qualities, mixed bases as ticks, a box from `begin` to `end` (x) around what is
-/// in sight. A trace without calls shows its signal.
-function drawOverview(context, scene, begin, end) {
-  const { picture, height, left, right } = scene;
-  const trim = trimOfScene(scene);
+/// Draws the whole read: qualities, mixed bases as ticks, a box around the `visible` samples that begin at
+/// `from`. A trace without calls shows its signal.
+function drawOverview(context, scene, from, visible) {
+  const { picture, height, left, scale } = scene;
+  const trim = trimOfCalls(picture.calls, scene.row);
   drawBars(context, scene, height - 1, height - 9, (x) => {
     const sample = sampleAtX(scene, x);
     return sample < trim.begin || sample > trim.end;
   });
-  if (scene.numbered.bases.length === 0) {
-    drawCurves(context, scene, { top: 12, baseline: height - 2 });
-  }
+  if (scene.numbered.bases.length === 0) drawCurves(context, scene, { top: 12, baseline: height - 2 });
   context.fillStyle = colourOf("--mixed");
   visitBases(scene, picture.calls, (i, x) => picture.mixed.has(i) && context.fillRect(x - 1, 1, 2, 6));
   context.strokeStyle = colourOf("--ink");
   context.lineWidth = 1.5;
-  const x = Math.max(left, begin);
-  context.strokeRect(x + 0.75, 0.75, Math.max(4, Math.min(right, end) - x - 1.5), height - 1.5);
+  const width = Math.min(visible, scene.extent) * scale;
+  context.strokeRect(left + from * scale + 0.75, 0.75, Math.max(4, width - 1.5), height - 1.5);
 }
