@@ -95,7 +95,7 @@ function compareReadings(calls, reading) {
 /// The sample of the first difference of both readings within the good stretch: of another letter or a
 /// missing base if there is one, else of another quality or position; undefined without any.
 function firstDifference({ picture: { calls, reading }, comparison, row }) {
-  if (!comparison || calls.bases.length === 0) return undefined;
+  if (!comparison) return undefined;
   const { begin, end } = trimOfCalls(calls, row);
   const ofKind = (kind) => reading.positions.filter((_, j) => comparison.kinds[j] === kind);
   const letters = [...ofKind(2), ...comparison.missing.map((i) => calls.positions[i])];

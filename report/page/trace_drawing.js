@@ -34,7 +34,7 @@ function sampleAtX(scene, x) {
 function rowsOfScene(scene) {
   const letters = 54;
   const result = letters + (scene.picture.mixed.size > 0 ? 33 : 20);
-  const top = (scene.comparison ? result + 22 : result) + 2;
+  const top = (scene.picture.reading ? result + 22 : result) + 2;
   return { bars: 17, letters, second: 68, result, top, baseline: Math.max(top + 20, scene.height - 7) };
 }
 
@@ -90,7 +90,7 @@ function drawGround(context, scene, rows) {
     if (ends[0] >= ends[1] || end <= x) continue;
     context.fillStyle = colourOf("--shade");
     context.fillRect(x, rows.bars, end - x, rows.baseline - rows.bars);
-    if (end - x > 60) write(context, "trimmed", (x + end) / 2, rows.baseline - 9);
+    if (end - x > 60) write(context, "trimmed", (x + end) / 2, rows.top + 8);
   }
   const marked = scene.numbered.positions[scene.marked];
   if (marked === undefined) return;
@@ -224,6 +224,7 @@ function drawReading(context, scene, y) {
   const width = Math.max(2, Math.min(14, spacingOf(picture.reading) * scene.scale - 1));
   context.strokeStyle = context.fillStyle = colourOf("--untrusted");
   context.lineWidth = 1.3;
+  if (!comparison) return;
   visitBases(scene, picture.reading, (j, x) => {
     if (comparison.kinds[j] === 2) context.strokeRect(x - width / 2, y - 8.5, width, 17);
     if (comparison.kinds[j] === 1) context.fillRect(x - width / 2, y + 7, width, 1.5);
@@ -241,12 +242,13 @@ function drawTrace(context, scene) {
   if (numbered.bases.length > 0) drawQualities(context, scene, rows);
   drawLetters(context, scene, picture.calls, rows.letters);
   drawSeconds(context, scene, rows.second);
-  if (comparison) {
+  if (picture.reading) {
     drawReading(context, scene, rows.result);
-    write(context, "trace", left - 6, rows.letters, "right");
+    if (comparison) write(context, "trace", left - 6, rows.letters, "right");
     write(context, "result", left - 6, rows.result, "right");
   }
   if (picture.pointCount > 0) drawCurves(context, scene, rows);
+  else write(context, "no trace, only a result", left, rows.top + 8, "left");
   if (scene.pointer === null) return;
   context.fillStyle = colourOf("--faint");
   context.fillRect(Math.round(scene.pointer), rows.bars, 1, rows.baseline - rows.bars);
@@ -264,6 +266,9 @@ function drawOverview(context, scene, from, visible) {
   if (scene.numbered.bases.length === 0) drawCurves(context, scene, { top: 12, baseline: height - 2 });
   context.fillStyle = colourOf("--mixed");
   visitBases(scene, picture.calls, (i, x) => picture.mixed.has(i) && context.fillRect(x - 1, 1, 2, 6));
+  context.fillStyle = colourOf("--untrusted");
+  const isOther = (j) => scene.comparison?.kinds[j] === 2;
+  if (picture.reading) visitBases(scene, picture.reading, (j, x) => isOther(j) && context.fillRect(x - 1, 1, 2, 5));
   context.strokeStyle = colourOf("--ink");
   context.lineWidth = 1.5;
   const width = Math.min(visible, scene.extent) * scale;

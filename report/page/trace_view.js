@@ -274,7 +274,7 @@ function openingView(row, picture) {
   const numbered = calls.bases.length > 0 || !reading ? calls : reading;
   const spacing = spacingOf(numbered);
   const view = {
-    row, picture, numbered, comparison: reading && compareReadings(calls, reading),
+    row, picture, numbered, comparison: reading && numbered === calls ? compareReadings(calls, reading) : null,
     extent: picture.pointCount || Math.max(0, ...numbered.positions) + Math.ceil(spacing),
     home: baseWidth / spacing, scale: baseWidth / spacing, sight: picture.inSight,
     isReversed: false, isMoved: false, isWhole: false, marked: null, pointer: null,
@@ -292,7 +292,7 @@ function showTitle(part, row) {
     row.well && `well ${row.well}`,
     row.capillary !== null && `capillary ${row.capillary}`,
     row.bases !== null && counted(row.bases, "base"),
-    row.trim_end > 0 && `good ${formatNumber(row.trim_start + 1)} to ${formatNumber(row.trim_end)}`,
+    row.contiguous > 0 && `good ${formatNumber(row.trim_start + 1)} to ${formatNumber(row.trim_end)}`,
     row.mean_quality !== null && `mean Q ${row.mean_quality.toFixed(1)}`,
   ];
   const detail = row.detail && ` (${row.detail.replaceAll(/,(?=\S)/g, ", ")})`;
@@ -319,7 +319,7 @@ function readoutOf(scene, at, sample) {
   });
   const second = picture.mixed.get(at);
   if (second) nodes.push(`· second ${shownLetter(scene, second.letter)}, ${second.percent} % of the called `);
-  const j = comparison && numbered !== picture.reading ? comparison.partners.indexOf(at) : -1;
+  const j = comparison ? comparison.partners.indexOf(at) : -1;
   if (j >= 0) nodes.push(`· result ${callOf(picture.reading, j)}`);
   return nodes;
 }
