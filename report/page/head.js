@@ -1,95 +1,66 @@
 // The head: two bars, a chip for each of their parts, and the sentence of one state.
 
-/// The columns that chips filter by.
 const chipColumns = ["state", "contiguous"];
-
-/// The parts of the first bar, worst first: a state, its count and its filter.
-function stateParts() {
-  return pageData.states
-    .map(({ name, severity }) => ({
-      label: name,
-      look: severity,
-      filter: `state:${name}`,
-      count: sampleRows.filter((row) => row.state === name).length,
-    }))
-    .filter(({ count }) => count > 0);
-}
-
-/// The parts of the second bar: whole reads by their good stretch.
-function readParts() {
-  const whole = sampleRows.filter((row) => row.severity === "whole");
-  const part = (label, look, terms, holds) => ({
-    label,
-    look,
-    filter: `state:converted ${terms}`,
-    count: whole.filter((row) => holds(row.contiguous)).length,
-  });
-  return [
-    part("above 600", "good", "contiguous>600", (length) => gradeOf(length) === "good"),
-    part("300 to 600", "fair", "contiguous>299 contiguous<601", (length) => gradeOf(length) === "fair"),
-    part("below 300", "poor", "contiguous<300", (length) => gradeOf(length) === "poor"),
-    part("no calls", "none", 'contiguous:""', (length) => length === null),
-  ].filter(({ count }) => count > 0);
-}
 
 /// A small drawn shape. What it says stands in words beside it.
 function mark(look) {
   return element("span", { className: `mark ${look}`, "aria-hidden": "true" });
 }
 
-/// One bar with its chips. `parts` stand in the order of the chips; the bar shows them in `barOrder`.
-function barGroup(title, parts, barOrder, onFilter) {
-  const bar = element("div", {
-    className: "bar",
-    role: "img",
-    "aria-label": `${title}: ${parts.map((p) => `${p.label} ${formatNumber(p.count)}`).join(", ")}`,
-  });
-  for (const { label, look, count, filter } of barOrder) {
-    const part = element("span", {
-      className: `part ${look}`,
-      title: `${label} ${formatNumber(count)}`,
-      onclick: () => onFilter(filter),
-    });
-    part.style.flexGrow = String(count);
-    bar.append(part);
-  }
-  const chips = parts.map(({ label, look, count, filter }) =>
-    element("button", {
-      type: "button",
-      className: "chip",
-      "data-filter": filter,
-      "aria-pressed": "false",
-      onclick: () => onFilter(filter),
-    }, mark(look), `${label} `, element("b", { text: formatNumber(count) })));
-  const group = element("div", { className: "bar-group", role: "group", "aria-label": title });
-  group.append(bar, element("div", { className: "chips" }, ...chips));
-  return group;
+/// The parts of the bars that stand for samples: {label, look, filter, count}. States come worst first.
+function barParts() {
+  const whole = sampleRows.filter((row) => row.severity === "whole");
+  const part = (label, look, filter, rows) => ({ label, look, filter, count: rows.length });
+  const reads = (label, look, terms) => part(label, look, `state:converted ${terms}`,
+    whole.filter(({ contiguous }) => gradeOf(contiguous) === look));
+  const states = pageData.states.map(({ name, severity }) =>
+    part(name, severity, `state:${name}`, sampleRows.filter((row) => row.state === name)));
+  const grades = [
+    reads("above 600", "good", "contiguous>600"),
+    reads("300 to 600", "fair", "contiguous>299 contiguous<601"),
+    reads("below 300", "poor", "contiguous<300"),
+    reads("no calls", "none", 'contiguous:""'),
+  ];
+  return [states, grades].map((parts) => parts.filter(({ count }) => count > 0));
 }
 
-/// Fills the head. `onFilter(terms)` is called for a chip. Returns {update(text)}, which shows what the
+/// One bar and its chips. The bar has the whole results on its left.
+function barGroup(title, parts, onFilter) {
+  const text = ({ label, count }) => `${label} ${formatNumber(count)}`;
+  const label = `${title}: ${parts.map(text).join(", ")}`;
+  const bar = element("div", { className: "bar", role: "img", "aria-label": label });
+  const chips = element("div", { className: "chips" });
+  for (const part of parts) {
+    const onclick = () => onFilter(part.filter);
+    const piece = element("span", { className: `part ${part.look}`, title: text(part), onclick });
+    piece.style.flexGrow = part.count;
+    if (part.look in { good: 1, fair: 1, poor: 1, none: 1 }) bar.append(piece);
+    else bar.prepend(piece);
+    const settings = { type: "button", className: "chip", "data-filter": part.filter, onclick };
+    chips.append(element("button", settings, mark(part.look), `${part.label} `,
+      element("b", { text: formatNumber(part.count) })));
+  }
+  return element("div", { className: "bar-group", role: "group", "aria-label": title }, bar, chips);
+}
+
+/// Fills the head. `onFilter(terms)` is called for a chip. Returns update(text), which shows what the
 /// filter's text says: the pressed chip, and the sentence of its state, else of the worst one.
 function createHead(panel, onFilter) {
-  const states = stateParts();
-  const reads = readParts();
+  const [states, grades] = barParts();
   const bars = panel.querySelector(".bars");
-  if (states.length > 0) bars.append(barGroup("Results", states, [...states].reverse(), onFilter));
-  if (reads.length > 0) bars.append(barGroup("Good stretch of whole reads", reads, reads, onFilter));
-  bars.hidden = states.length === 0;
   const sentence = panel.querySelector(".sentence");
-  const chips = [...bars.querySelectorAll(".chip")];
-
-  function update(text) {
-    let chosen = null;
-    for (const chip of chips) {
-      const isPressed = hasFilter(text, chip.dataset.filter, chipColumns);
-      chip.setAttribute("aria-pressed", String(isPressed));
-      if (isPressed) chosen = /^state:(\S+)/.exec(chip.dataset.filter)[1];
+  if (states.length > 0) bars.append(barGroup("Results", states, onFilter));
+  if (grades.length > 0) bars.append(barGroup("Good stretch of whole reads", grades, onFilter));
+  bars.hidden = sentence.hidden = states.length === 0;
+  return (text) => {
+    let name = states[0]?.label;
+    for (const chip of bars.querySelectorAll(".chip")) {
+      const { tokens, isPressed } = partedFilter(text, chip.dataset.filter, chipColumns);
+      chip.setAttribute("aria-pressed", isPressed);
+      if (isPressed) name = comparisonOf(tokens[0]).value;
     }
-    const name = chosen ?? states[0]?.label;
-    sentence.hidden = name === undefined;
-    if (name === undefined) return;
+    if (!name) return;
     const { severity, text: explanation } = stateOf(name);
     sentence.replaceChildren(mark(severity), element("strong", { text: name }), `: ${explanation}`);
-  }
-  return { update };
+  };
 }

@@ -2,56 +2,42 @@
 
 const addressPause = 250;  // ms between two changes of the address; browsers refuse hundreds
 
-/// {row, base, problem} of an address' hash. `row` is null and `problem` a sentence when it names no
-/// sample; both are null for the address without a hash. `base` is null when there is none.
-function rowOfHash(hash, isEmptyHash) {
+/// {row, base, problem} of a hash. Without a row, `problem` says why; both are null for an address
+/// without a hash. `base` is null when there is none.
+function placeOfHash(hash, isEmptyHash) {
   const nowhere = (problem) => ({ row: null, base: null, problem });
-  if (hash === "" || hash === "#") {
-    return nowhere(isEmptyHash ? "The link names no sample; this is the first one." : null);
-  }
-  const malformed = "The link can not be read; this is the first sample.";
-  const [, encodedName, baseText] = /^#([^]*?)(?::([^:]*))?$/.exec(hash);
-  let name;
+  if (hash === "") return nowhere(isEmptyHash ? "The link names no sample. This is the first one." : null);
+  const [, nameText, baseText] = /^#(.*?)(?::([^:]*))?$/s.exec(hash);
+  let name = "";
   try {
-    name = decodeURIComponent(encodedName);
+    name = decodeURIComponent(nameText);
   } catch {
-    return nowhere(malformed);
+    // The name stays empty.
   }
   if (name === "" || (baseText !== undefined && !/^[1-9]\d{0,8}$/.test(baseText))) {
-    return nowhere(malformed);
+    return nowhere("The link can not be read. This is the first sample.");
   }
   const row = rowByLinkName.get(name);
-  if (!row) return nowhere(`There is no sample “${name}” here; this is the first one.`);
-  const base = baseText === undefined ? null : Number(baseText);
-  if (base !== null && base > (row.bases ?? 0)) {
-    return { row, base: null, problem: `${name} has no base ${formatNumber(base)}.` };
-  }
-  return { row, base, problem: null };
+  if (!row) return nowhere(`There is no sample “${name}”. This is the first one.`);
+  if (baseText > (row.bases ?? 0)) return { row, base: null, problem: `${name} has no base ${baseText}.` };
+  return { row, base: baseText === undefined ? null : Number(baseText), problem: null };
 }
 
 /// Writes the address. `current()` returns {row, base} at the time of writing. Returns changed(), to be
 /// called at each change; the address follows at most four times a second.
 function createAddress(current) {
   let timer = null;
-  let wanted = false;
-
   function write() {
     timer = null;
-    if (!wanted) return;
-    wanted = false;
-    timer = setTimeout(write, addressPause);
     const { row, base } = current();
-    if (!row) return;
     const hash = `#${encodeURIComponent(linkName(row))}${base === null ? "" : `:${base}`}`;
     try {
       history.replaceState(null, "", hash);
     } catch {
-      // A page inside a frame may not change its address; it works without.
+      // A page inside a frame may not change its address.
     }
   }
-
-  return function changed() {
-    wanted = true;
-    if (timer === null) write();
+  return () => {
+    timer ??= setTimeout(write, addressPause);
   };
 }

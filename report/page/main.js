@@ -1,118 +1,89 @@
 // The page: what is chosen, filtered and sorted, and who is told when it changes.
 
-const app = document.getElementById("app");
 const panelOf = (name) => document.querySelector(`[data-panel="${name}"]`);
-const filterField = app.querySelector("input[type=search]");
-const rowCount = app.querySelector("#row-count");
+const filterField = document.querySelector("input[type=search]");
+const rowCount = document.getElementById("row-count");
 const notice = document.querySelector(".notice");
 
-const orderByNeedOfAll = orderByNeed(sampleRows);
-let sortedRows = orderByNeedOfAll;  // all rows, in the table's order
-let rowsInSight = sortedRows;       // those that the filter leaves
-let sorting = null;                 // {column, descending}, or null for the order by need
-const isInSight = new Uint8Array(sampleRows.length).fill(1);  // by index
-const view = { chosen: null, isInSight: (row) => isInSight[row.index] === 1 };
+const rowsByNeed = orderByNeed(sampleRows);
+let sortedRows = rowsByNeed;  // all of them, in the table's order
+let rowsInSight = rowsByNeed;  // those of them that the filter leaves
+let sorting = null;            // {column, isDescending}; null for the order by need
+let inSight = new Set(sampleRows);
+let chosen = null;
 let map = null;
 
-const changeAddress = createAddress(() => ({ row: view.chosen, base: traceView.base() }));
-const openHelp = createHelp();
+const changeAddress = createAddress(() => ({ row: chosen, base: traceView.base() }));
+const openHelp = () => document.querySelector(".help").showModal();
 const traceView = createTraceView(panelOf("trace"), { onBase: changeAddress, onHelp: openHelp });
-const head = createHead(panelOf("head"), (terms) => {
-  setFilter(toggledFilter(filterField.value, terms, chipColumns));
-});
-const table = createTable(app.querySelector(".rows"), { onChoose: choose, onSort: sortBy });
+const updateHead = createHead(panelOf("head"), (terms) => toggleFilter(terms, chipColumns));
+const table = createTable(document.querySelector(".rows"), { onChoose: choose, onSort: sortBy });
 
-/// Says something above the parts of the page, until the next choice; nothing for null.
+/// Says something above the panels, until the next choice; null for nothing.
 function tell(text) {
   notice.textContent = text ?? "";
   notice.hidden = !text;
 }
 
-/// Draws a row's trace, at `base` or where the view opens it, and the neighbours' ahead.
-function showTrace(row, base) {
+/// Chooses a row in the table, on the map and for the trace, at `base` or where the trace view opens it.
+/// A filter that hides the row goes. The promise holds when the trace is drawn.
+function choose(row, base = null) {
+  if (!inSight.has(row)) {
+    filterField.value = "";
+    filterRows();
+  }
+  if (row !== chosen) tell(null);
+  chosen = row;
+  table.choose(row);
+  map?.choose(row);
   const drawn = traceView.show(row, base);
   const at = rowsInSight.indexOf(row);
   traceView.prefetch([rowsInSight[at + 1], rowsInSight[at - 1]].filter((near) => near));
-  return drawn;
-}
-
-/// Chooses a row in the table, on the map and for the trace. The promise holds when it is drawn.
-function choose(row, base = null) {
-  const before = view.chosen;
-  view.chosen = row;
-  table.choose(row);
-  if (map && before !== row) map.choose(before, row);
-  const drawn = showTrace(row, base);
-  if (before !== null) tell(null);
   changeAddress();
   return drawn;
 }
 
-/// Chooses a row that the filter may hide: then the filter goes.
-function reveal(row, base = null) {
-  if (!view.isInSight(row)) {
-    filterField.value = "";
-    applyFilter(row);
-  }
-  return choose(row, base);
-}
-
-/// Shows the rows that the filter leaves. When the chosen one is not among them, the first one is
-/// chosen, unless `next` will be.
-function applyFilter(next = null) {
-  const text = filterField.value;
-  const { matches, hint } = parseFilter(text);
+/// Shows the rows that the filter leaves.
+function filterRows() {
+  const { matches, hint } = parseFilter(filterField.value);
   rowsInSight = sortedRows.filter(matches);
-  isInSight.fill(0);
-  for (const row of rowsInSight) isInSight[row.index] = 1;
-  const total = counted(sampleRows.length, "row");
-  rowCount.textContent = hint || (rowsInSight.length === sampleRows.length ? total
-    : `${formatNumber(rowsInSight.length)} of ${total}`);
+  inSight = new Set(rowsInSight);
+  const all = counted(sampleRows.length, "row");
+  const isWhole = rowsInSight.length === sampleRows.length;
+  rowCount.textContent = hint || (isWhole ? all : `${formatNumber(rowsInSight.length)} of ${all}`);
   rowCount.classList.toggle("hint", hint !== "");
-  head.update(text);
+  updateHead(filterField.value);
   table.show(rowsInSight);
-  map?.redraw();
-  if (next || rowsInSight.length === 0) return;
-  if (view.chosen === null || !view.isInSight(view.chosen)) choose(rowsInSight[0]);
-  else table.choose(view.chosen);
+  map?.filter((row) => inSight.has(row));
 }
 
-/// Puts a text into the filter, as if it were typed.
-function setFilter(text) {
-  filterField.value = text;
+/// Filters by what stands in the field. When that hides the chosen row, the first one is chosen.
+function applyFilter() {
+  filterRows();
+  if (inSight.has(chosen)) table.choose(chosen);
+  else if (rowsInSight.length > 0) choose(rowsInSight[0]);
+}
+
+/// Puts terms into the filter in the place of others on the same columns, or takes them out.
+function toggleFilter(terms, columns) {
+  filterField.value = toggledFilter(filterField.value, terms, columns);
   applyFilter();
 }
 
 /// Sorts by a column: ascending, then descending, then by need again.
 function sortBy(column) {
-  if (sorting?.column !== column) sorting = { column, descending: false };
-  else if (!sorting.descending) sorting = { column, descending: true };
-  else sorting = null;
-  sortedRows = sorting ? orderByColumn(orderByNeedOfAll, column, sorting.descending) : orderByNeedOfAll;
-  rowsInSight = sortedRows.filter(view.isInSight);
-  table.markSort(sorting?.column ?? null, sorting?.descending);
+  if (sorting?.column !== column) sorting = { column, isDescending: false };
+  else sorting = sorting.isDescending ? null : { column, isDescending: true };
+  sortedRows = sorting ? orderByColumn(rowsByNeed, column, sorting.isDescending) : rowsByNeed;
+  rowsInSight = sortedRows.filter((row) => inSight.has(row));
+  table.markSort(sorting?.column, sorting?.isDescending);
   table.show(rowsInSight);
 }
 
-/// Goes to another row of the table.
+/// Goes up or down the table.
 function step(by) {
-  const at = rowsInSight.indexOf(view.chosen) + by;
-  const row = rowsInSight[Math.max(0, Math.min(at, rowsInSight.length - 1))];
-  if (row && row !== view.chosen) choose(row);
-}
-
-/// Puts the rows in sight on the clipboard as TSV and says so on the button.
-async function copyRows(button) {
-  const text = `${[pageData.columns.join("\t"), ...rowsInSight.map(tsvLine)].join("\n")}\n`;
-  const isCopied = await navigator.clipboard?.writeText(text).then(() => true, () => false)
-    || copyBySelection(text);
-  const label = button.textContent;
-  button.textContent = isCopied ? `Copied ${counted(rowsInSight.length, "row")}` : "Not copied";
-  button.disabled = true;
-  setTimeout(() => {
-    button.textContent = label;
-    button.disabled = false;
-  }, 1500);
+  const row = rowsInSight[rowsInSight.indexOf(chosen) + by];
+  if (row) choose(row);
 }
 
 /// Copies a text where the clipboard itself is refused. False when this is refused too.
@@ -126,56 +97,53 @@ function copyBySelection(text) {
   return isCopied;
 }
 
-/// Opens what the address names.
+/// Puts the rows in sight on the clipboard as TSV and says so on the button.
+async function copyRows({ currentTarget: button }) {
+  const text = [pageData.columns.join("\t"), ...rowsInSight.map(tsvLine), ""].join("\n");
+  const isCopied = await navigator.clipboard?.writeText(text).then(() => true, () => false)
+    || copyBySelection(text);
+  button.textContent = isCopied ? `Copied ${counted(rowsInSight.length, "row")}` : "Not copied";
+  setTimeout(() => {
+    button.textContent = "Copy as TSV";
+  }, 1500);
+}
+
+/// Opens what the address names, else the first row.
 function openAddress() {
   if (sampleRows.length === 0) return;
-  const { row, base, problem } = rowOfHash(location.hash, location.href.endsWith("#"));
-  reveal(row ?? rowsInSight[0] ?? orderByNeedOfAll[0], base);
+  const { row, base, problem } = placeOfHash(location.hash, location.href.endsWith("#"));
+  choose(row ?? rowsInSight[0] ?? rowsByNeed[0], base);
   tell(problem);
 }
 
-/// Draws everything again, after a change of colours.
+/// Draws everything again in other colours.
 function repaint() {
   forgetColours();
   table.repaint();
-  map?.redraw();
   traceView.repaint();
 }
 
-/// The place of a sample's row by its name in links. Throws when there is none.
+/// The row of a name in links. Throws when there is none.
 function rowNamed(name) {
-  const row = rowByLinkName.get(String(name));
+  const row = rowByLinkName.get(name);
   if (!row) throw new RangeError(`no sample ${name}`);
   return row;
 }
 
 document.getElementById("static")?.remove();
-app.hidden = false;
-applyFilterToAll();
+document.getElementById("app").hidden = false;
+panelOf("trace").hidden = sampleRows.length === 0;
+filterRows();
 performance.mark("table");
 
-/// Shows all rows for the first time; none is chosen yet.
-function applyFilterToAll() {
-  rowCount.textContent = counted(sampleRows.length, "row");
-  head.update("");
-  table.show(rowsInSight);
-  if (sampleRows.length === 0) panelOf("trace").hidden = true;
-}
-
 map = createMap(panelOf("map"), {
-  view,
-  onChoose: (row) => reveal(row),
-  onPlate: (plate) => setFilter(toggledFilter(filterField.value, filterToken("plate", plate ?? ""), ["plate"])),
+  onChoose: choose,
+  onPlate: (name) => toggleFilter(filterToken("plate", name), ["plate"]),
 });
-app.classList.toggle("without-map", map === null);
 openAddress();
 
-filterField.placeholder = "filter: words, contiguous<300, state:cut, plate:\"Run 7\"   ( / )";
-filterField.addEventListener("input", () => applyFilter());
-filterField.addEventListener("keydown", (event) => {
-  if (event.key === "Enter") filterField.blur();
-});
-app.querySelector(".copy").addEventListener("click", (event) => copyRows(event.currentTarget));
+filterField.addEventListener("input", applyFilter);
+document.querySelector(".copy").addEventListener("click", copyRows);
 listenForKeys({
   step,
   filter: () => filterField.select(),
@@ -188,18 +156,12 @@ document.addEventListener("colours", repaint);
 preparePrinting(traceView, () => ({
   rows: rowsInSight,
   filter: filterField.value,
-  row: view.chosen,
+  row: chosen,
 }));
 
 window.quillet = Object.freeze({
-  /// Chooses a sample, at a 1-based base or where the view opens it. The promise holds when it is drawn.
-  show: async (name, base = null) => {
-    await reveal(rowNamed(name), base);
-  },
-  /// The samples in the table's order.
+  show: async (name, base = null) => choose(rowNamed(name), base),
   order: () => rowsInSight.map((row) => row.sample),
-  /// Where a channel's curve passes the called position of a 1-based base, in CSS px of the window.
   pixelOf: (base, channel) => traceView.pixelOf(base, channel),
-  /// {x, y} of the sample's cell on the map, or null.
-  wellOf: (sample) => map?.placeOf(rowNamed(sample)) ?? null,
+  wellOf: (name) => map?.placeOf(rowNamed(name)) ?? null,
 });

@@ -2,53 +2,39 @@
 
 const mostPrintedRows = 1000;
 const printedColumns = [
-  "state", "sample", "detail", "read", "contiguous", "q20", "mean_quality", "mixed", "plate", "well",
+  "state", "sample", "detail", undefined, "contiguous", "q20", "mean_quality", "mixed", "plate", "well",
   "capillary", "bases",
 ];
 
-/// The table of the printed rows.
+/// A table of rows, with the columns that fit on paper.
 function printedTable(rows) {
   const columns = tableColumns.filter(({ name }) => printedColumns.includes(name));
-  const headings = columns.map((column) => element("th", {
-    scope: "col",
-    className: column.kind,
-    text: column.kind === "strip" ? `read, to ${formatNumber(longestRead)}` : column.label,
-  }));
-  const lines = rows.slice(0, mostPrintedRows).map((row) =>
+  const heading = element("tr", {}, ...columns.map((column) =>
+    element("th", { scope: "col", className: column.kind, text: column.heading.textContent })));
+  const lines = rows.map((row) =>
     element("tr", {}, ...columns.map((column, i) => tableCell(row, column, i))));
   return element("table", { className: "print-rows" },
-    element("thead", {}, element("tr", {}, ...headings)), element("tbody", {}, ...lines));
+    element("thead", {}, heading), element("tbody", {}, ...lines));
 }
 
-/// Makes the pages for paper before the browser prints, and removes them after it. `current()` returns
-/// {rows, filter, row}; `traceView` draws the trace.
+/// Makes the sheet before the browser prints, in the colours of paper, and removes it after it.
+/// `current()` returns {rows, filter, row}.
 function preparePrinting(traceView, current) {
-  let sheet = null;
+  const sheet = document.querySelector(".print-sheet");
 
-  function begin() {
-    if (sheet) return;
+  window.addEventListener("beforeprint", () => {
     document.documentElement.dataset.paper = "";
     forgetColours();
     const { rows, filter, row } = current();
-    let counts = filter.trim() === "" ? counted(rows.length, "sample")
-      : `${counted(rows.length, "sample")} by the filter ${filter}`;
-    if (rows.length > mostPrintedRows) {
-      counts += `; the first ${formatNumber(mostPrintedRows)} are printed`;
-    }
-    sheet = element("div", { className: "print-sheet" }, element("p", { text: `${counts}.` }));
-    sheet.append(printedTable(rows));
-    document.getElementById("app").before(sheet);
+    const rest = rows.length > mostPrintedRows ? `; the first ${formatNumber(mostPrintedRows)} are printed` : "";
+    const terms = filter.trim() === "" ? "" : `, filtered by ${filter}`;
+    const text = `${counted(rows.length, "sample")}${terms}${rest}.`;
+    sheet.replaceChildren(element("p", { text }), printedTable(rows.slice(0, mostPrintedRows)));
     if (row) traceView.print(row);
-  }
-
-  function end() {
-    if (!sheet) return;
-    sheet.remove();
-    sheet = null;
+  });
+  window.addEventListener("afterprint", () => {
+    sheet.replaceChildren();
     delete document.documentElement.dataset.paper;
     forgetColours();
-  }
-
-  window.addEventListener("beforeprint", begin);
-  window.addEventListener("afterprint", end);
+  });
 }
