@@ -7,59 +7,53 @@ function mark(look) {
   return element("span", { className: `mark ${look}`, "aria-hidden": "true" });
 }
 
-/// The parts of the bars that stand for samples: {label, look, filter, count}. States come worst first.
-function barParts() {
-  const whole = sampleRows.filter((row) => row.severity === "whole");
-  const part = (label, look, filter, rows) => ({ label, look, filter, count: rows.length });
-  const reads = (label, look, terms) => part(label, look, `state:converted ${terms}`,
-    whole.filter(({ contiguous }) => gradeOf(contiguous) === look));
-  const states = pageData.states.map(({ name, severity }) =>
-    part(name, severity, `state:${name}`, sampleRows.filter((row) => row.state === name)));
-  const grades = [
-    reads("above 600", "good", "contiguous>600"),
-    reads("300 to 600", "fair", "contiguous>299 contiguous<601"),
-    reads("below 300", "poor", "contiguous<300"),
-    reads("no calls", "none", 'contiguous:""'),
-  ];
-  return [states, grades].map((parts) => parts.filter(({ count }) => count > 0));
-}
+/// What the bars show: [label, look, filter] of each part, states worst first.
+const stateParts = pageData.states.map(({ name, severity }) => [name, severity, `state:${name}`]);
+const gradeParts = [
+  ["above 600", "good", "state:converted contiguous>600"],
+  ["300 to 600", "fair", "state:converted contiguous>299 contiguous<601"],
+  ["below 300", "poor", "state:converted contiguous<300"],
+  ["no calls", "none", 'state:converted contiguous:""'],
+];
 
-/// One bar and its chips. The bar has the whole results on its left.
-function barGroup(title, parts, onFilter) {
-  const text = ({ label, count }) => `${label} ${formatNumber(count)}`;
-  const label = `${title}: ${parts.map(text).join(", ")}`;
-  const bar = element("div", { className: "bar", role: "img", "aria-label": label });
+/// A bar with a chip for each part that has samples; "" when none has. `put` says at which end of the
+/// bar a further part goes.
+function barGroup(title, parts, put, onFilter) {
+  const bar = element("div", { className: "bar", role: "img" });
   const chips = element("div", { className: "chips" });
-  for (const part of parts) {
-    const onclick = () => onFilter(part.filter);
-    const piece = element("span", { className: `part ${part.look}`, title: text(part), onclick });
-    piece.style.flexGrow = part.count;
-    if (part.look in { good: 1, fair: 1, poor: 1, none: 1 }) bar.append(piece);
-    else bar.prepend(piece);
-    const settings = { type: "button", className: "chip", "data-filter": part.filter, onclick };
-    chips.append(element("button", settings, mark(part.look), `${part.label} `,
-      element("b", { text: formatNumber(part.count) })));
+  for (const [label, look, filter] of parts) {
+    const count = sampleRows.filter(parseFilter(filter).matches).length;
+    if (count === 0) continue;
+    const onclick = () => onFilter(filter);
+    const number = formatNumber(count);
+    const piece = element("span", { className: `part ${look}`, title: `${label} ${number}`, onclick });
+    piece.style.flexGrow = count;
+    bar[put](piece);
+    const settings = { type: "button", className: "chip", "data-filter": filter, onclick };
+    chips.append(element("button", settings, mark(look), `${label} `, element("b", { text: number })));
   }
+  bar.setAttribute("aria-label", `${title}: ${chips.textContent}`);
+  if (!bar.firstChild) return "";
   return element("div", { className: "bar-group", role: "group", "aria-label": title }, bar, chips);
 }
 
 /// Fills the head. `onFilter(terms)` is called for a chip. Returns update(text), which shows what the
 /// filter's text says: the pressed chip, and the sentence of its state, else of the worst one.
 function createHead(panel, onFilter) {
-  const [states, grades] = barParts();
   const bars = panel.querySelector(".bars");
   const sentence = panel.querySelector(".sentence");
-  if (states.length > 0) bars.append(barGroup("Results", states, onFilter));
-  if (grades.length > 0) bars.append(barGroup("Good stretch of whole reads", grades, onFilter));
-  bars.hidden = sentence.hidden = states.length === 0;
+  bars.append(
+    barGroup("Results", stateParts, "prepend", onFilter),
+    barGroup("Good stretch of whole reads", gradeParts, "append", onFilter),
+  );
+  bars.hidden = sentence.hidden = sampleRows.length === 0;
+  const chips = [...bars.querySelectorAll(".chip")];
   return (text) => {
-    let name = states[0]?.label;
-    for (const chip of bars.querySelectorAll(".chip")) {
-      const { tokens, isPressed } = partedFilter(text, chip.dataset.filter, chipColumns);
-      chip.setAttribute("aria-pressed", isPressed);
-      if (isPressed) name = comparisonOf(tokens[0]).value;
-    }
-    if (!name) return;
+    if (chips.length === 0) return;
+    const isPressed = ({ dataset }) => partedFilter(text, dataset.filter, chipColumns).isPressed;
+    for (const chip of chips) chip.setAttribute("aria-pressed", isPressed(chip));
+    const chip = chips.find(isPressed) ?? chips[0];
+    const name = comparisonOf(filterTokens(chip.dataset.filter)[0]).value;
     const { severity, text: explanation } = stateOf(name);
     sentence.replaceChildren(mark(severity), element("strong", { text: name }), `: ${explanation}`);
   };

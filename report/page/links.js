@@ -31,6 +31,7 @@ function createAddress(current) {
     timer = null;
     const { row, base } = current();
     const hash = `#${encodeURIComponent(linkName(row))}${base === null ? "" : `:${base}`}`;
+    if (hash === location.hash) return;
     try {
       history.replaceState(null, "", hash);
     } catch {

@@ -86,22 +86,15 @@ function step(by) {
   if (row) choose(row);
 }
 
-/// Copies a text where the clipboard itself is refused. False when this is refused too.
-function copyBySelection(text) {
-  const area = element("textarea", { className: "off-screen", "aria-hidden": "true" });
-  area.value = text;
-  document.body.append(area);
-  area.select();
-  const isCopied = document.execCommand("copy");
-  area.remove();
-  return isCopied;
-}
-
 /// Puts the rows in sight on the clipboard as TSV and says so on the button.
-async function copyRows({ currentTarget: button }) {
+function copyRows({ currentTarget: button }) {
   const text = [pageData.columns.join("\t"), ...rowsInSight.map(tsvLine), ""].join("\n");
-  const isCopied = await navigator.clipboard?.writeText(text).then(() => true, () => false)
-    || copyBySelection(text);
+  // The older way: it needs no permission, and works wherever the page was opened.
+  document.addEventListener("copy", (event) => {
+    event.clipboardData.setData("text/plain", text);
+    event.preventDefault();
+  }, { once: true });
+  const isCopied = document.execCommand("copy");
   button.textContent = isCopied ? `Copied ${counted(rowsInSight.length, "row")}` : "Not copied";
   setTimeout(() => {
     button.textContent = "Copy as TSV";

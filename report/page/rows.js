@@ -29,7 +29,7 @@ const sampleRows = pageData.rows.map((values, index) => {
 });
 
 /// Bases of the longest read: the right end of every strip.
-const longestRead = sampleRows.reduce((most, row) => Math.max(most, row.bases ?? 0), 1);
+const longestRead = sampleRows.reduce((most, row) => Math.max(most, row.bases ?? 0), 0);
 
 /// How good a read is by its good stretch; "none" when that is unknown.
 function gradeOf(contiguous) {

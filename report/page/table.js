@@ -103,7 +103,7 @@ function createTable(scroller, { onChoose, onSort }) {
 
   for (const column of tableColumns) {
     if (column.name) column.heading.firstChild.addEventListener("click", () => onSort(column));
-    else column.heading.textContent = `read, to ${formatNumber(longestRead)}`;
+    else column.heading.append(`, to ${formatNumber(longestRead)}`);
   }
   scroller.addEventListener("scroll", render);
   new ResizeObserver(render).observe(scroller);
