@@ -1,6 +1,6 @@
 // Curves through the stored samples, and the rule that sets two readings side by side.
 
-/// The two inner control points, as levels, of the cubic from kept sample `k` to the next (Catmull-Rom).
+/// The inner control points, as levels, of the cubic from kept sample `k` to the next (Catmull-Rom).
 /// Never below 0: a steep foot of a peak would dive under the zero line.
 function controlLevels(levels, k) {
   const from = levels[k];
@@ -21,17 +21,20 @@ function levelAt(levels, sample) {
   return u * u * u * levels[k] + 3 * u * t * (u * one + t * two) + t * t * t * levels[k + 1];
 }
 
-/// Adds the curve from kept sample `first` to `last` to the context's path. Where `isDense`, half a pixel
-/// holds several samples: a line from the lowest to the highest looks the same and takes a tenth of the
-/// time.
-function addCurve(context, levels, first, last, xOf, yOf, isDense) {
-  context.moveTo(xOf(2 * first), yOf(levels[first]));
-  for (let k = first; k < last && !isDense; ++k) {
+/// Adds the curve from kept sample `first` to `last` to the path.
+function addCurve(pen, levels, first, last, xOf, yOf) {
+  pen.moveTo(xOf(2 * first), yOf(levels[first]));
+  for (let k = first; k < last; ++k) {
     const [one, two] = controlLevels(levels, k);
     const at = (part, level) => [xOf(2 * k + part), yOf(level)];
-    context.bezierCurveTo(...at(2 / 3, one), ...at(4 / 3, two), ...at(2, levels[k + 1]));
+    pen.bezierCurveTo(...at(2 / 3, one), ...at(4 / 3, two), ...at(2, levels[k + 1]));
   }
-  for (let k = first; k <= last && isDense; ++k) {
+}
+
+/// The same where half a pixel holds several samples: it goes from the lowest to the highest of each,
+/// which looks the same and takes a tenth of the time.
+function addDenseCurve(pen, levels, first, last, xOf, yOf) {
+  for (let k = first; k <= last; ++k) {
     const column = Math.round(2 * xOf(2 * k));
     let low = levels[k];
     let high = low;
@@ -40,22 +43,9 @@ function addCurve(context, levels, first, last, xOf, yOf, isDense) {
       high = Math.max(high, levels[k], levelAt(levels, 2 * k + 1));
     }
     --k;
-    context.lineTo(column / 2, yOf(low));
-    context.lineTo(column / 2, yOf(high));
+    pen.lineTo(column / 2, yOf(low));
+    pen.lineTo(column / 2, yOf(high));
   }
-}
-
-/// Where a channel leaves the picture: the highest kept sample of each run above `limit`.
-function cutSamples(levels, first, last, limit) {
-  const highest = [];
-  let isAbove = false;
-  for (let k = first; k <= last; ++k) {
-    const wasAbove = isAbove;
-    isAbove = levels[k] > limit || levels[k] === 255;
-    if (isAbove && !wasAbove) highest.push(k);
-    else if (isAbove && levels[k] > levels[highest.at(-1)]) highest[highest.length - 1] = k;
-  }
-  return highest;
 }
 
 /// The mean distance of neighbouring calls in samples; 12 where there are too few to tell.
@@ -64,23 +54,20 @@ function spacingOf({ positions }) {
   return mean >= 1 ? mean : 12;
 }
 
-/// Sets the bases of a second reading beside the trace's own: base i against base i where there are as
-/// many, else each against the own one that is nearest by position, at most half a base away, in order
-/// and none twice.
+/// Sets a second reading beside the trace's own: base i against base i where there are as many, else
+/// each base against the nearest own one, at most half a base away, in order and none twice.
 ///
-/// `partners` are indices of own bases, -1 for none. `kinds` has 2 where the letter is another or there
-/// is no own base, 1 where only quality or position differ, else 0. `missing` are own bases without a
-/// partner.
+/// `partners`: indices of own bases, -1 for none. `kinds`: 2 where the letter is another or there is no
+/// partner, 1 where only quality or position differ, else 0. `missing`: positions of own bases without
+/// a partner.
 function compareReadings(calls, reading) {
+  const own = calls.positions;
   const reach = spacingOf(calls) / 2;
-  const ownCount = calls.bases.length;
-  const isSameCount = reading.bases.length === ownCount;
   let next = 0;
   const partners = reading.positions.map((position, j) => {
-    if (isSameCount) return j;
-    const gap = (i) => Math.abs(calls.positions[i] - position);
-    while (next < ownCount && calls.positions[next] < position - reach) ++next;
-    while (next + 1 < ownCount && gap(next + 1) < gap(next)) ++next;
+    if (reading.bases.length === calls.bases.length) return j;
+    const gap = (i) => Math.abs(own[i] - position);
+    while (own[next] < position - reach || gap(next + 1) < gap(next)) ++next;
     return gap(next) <= reach ? next++ : -1;
   });
   const isSame = (part, j) => calls[part][partners[j]] === reading[part][j];
@@ -89,17 +76,16 @@ function compareReadings(calls, reading) {
     return isSame("qualities", j) && isSame("positions", j) ? 0 : 1;
   });
   const paired = new Set(partners);
-  return { partners, kinds, missing: [...calls.positions.keys()].filter((i) => !paired.has(i)) };
+  return { partners, kinds, missing: own.filter((_, i) => !paired.has(i)) };
 }
 
-/// The sample of the first difference of both readings within the good stretch: of another letter or a
-/// missing base if there is one, else of another quality or position; undefined without any.
-function firstDifference({ picture: { calls, reading }, comparison, row }) {
+/// The sample of the first difference within the good stretch: of another letter or a missing base if
+/// there is one, else of another quality or position; undefined without any.
+function firstDifference({ picture, comparison, row }) {
   if (!comparison) return undefined;
-  const { begin, end } = trimOfCalls(calls, row);
-  const ofKind = (kind) => reading.positions.filter((_, j) => comparison.kinds[j] === kind);
-  const letters = [...ofKind(2), ...comparison.missing.map((i) => calls.positions[i])];
-  const isInside = (sample) => sample >= begin && sample <= end;
-  const first = (samples) => samples.filter(isInside).sort((a, b) => a - b)[0];
-  return first(letters) ?? first(ofKind(1));
+  const { begin, end } = trimOfCalls(picture.calls, row);
+  const ofKind = (kind) => picture.reading.positions.filter((_, j) => comparison.kinds[j] === kind);
+  const first = (samples) =>
+    samples.filter((at) => at >= begin && at <= end).sort((a, b) => a - b)[0];
+  return first([...ofKind(2), ...comparison.missing]) ?? first(ofKind(1));
 }

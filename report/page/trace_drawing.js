@@ -1,16 +1,16 @@
 // Draws a trace: on the screen's canvases and on those for paper.
 //
 // A scene says what and where: `row` and its `picture`; `numbered`, the calls that numbers count (the
-// trace's own, or the result's where the trace has none); `comparison` of both readings, or null; `width`
-// and `height` of the canvas and `left` and `right` edge of the curves, in CSS px; `extent`, the samples
-// of the trace; `from`, the sample at the left edge (counted from the end if `isReversed`: reverse
-// complement); `scale`, px for a sample; `sight`, the amplitude at the upper edge; `marked`, the base in
-// focus (from 0), and `pointer`, its x, or null.
+// trace's own, or the result's where it has none), and `spacing`, their mean distance in samples;
+// `comparison` of both readings, or null; `width` and `height` of the canvas, `left` and `right` edge of
+// the curves; `extent`, the samples of the trace; `from`, the sample at the left edge (counted from the
+// end if `isReversed`: reverse complement); `scale`, px for a sample; `sight`, the amplitude at the
+// upper edge; `marked`, the base in focus (from 0), and `pointer`, its x, or null.
 
 const complements = { A: "T", C: "G", G: "C", T: "A", a: "t", c: "g", g: "c", t: "a" };
 const barHeight = 26;
 
-/// The letter of a base as the scene shows it.
+/// A letter of the trace as the scene shows it.
 function shownLetter(scene, letter) {
   return scene.isReversed ? complements[letter] ?? letter : letter;
 }
@@ -30,12 +30,23 @@ function sampleAtX(scene, x) {
   return scene.isReversed ? scene.extent - 1 - place : place;
 }
 
-/// y of the middles of the rows, and of the curves' edges.
-function rowsOfScene(scene) {
-  const letters = 54;
-  const result = letters + (scene.picture.mixed.size > 0 ? 33 : 20);
-  const top = (scene.picture.reading ? result + 22 : result) + 2;
-  return { bars: 17, letters, second: 68, result, top, baseline: Math.max(top + 20, scene.height - 7) };
+function isInside({ left, right }, x) {
+  return x >= left && x <= right;
+}
+
+/// Calls `visit(x, i)` for each of these samples that is in sight.
+function visitSamples(scene, samples, visit) {
+  samples.forEach((sample, i) => {
+    const x = xOfSample(scene, sample);
+    if (isInside(scene, x)) visit(x, i);
+  });
+}
+
+/// y of the rows of letters, and of the curves' edges.
+function rowsOfScene({ picture, height }) {
+  const result = picture.mixed.size > 0 ? 87 : 74;
+  const top = (picture.reading ? result + 22 : result) + 2;
+  return { bars: 17, letters: 54, second: 68, result, top, baseline: Math.max(top + 20, height - 7) };
 }
 
 /// A function that gives the y of a level.
@@ -49,228 +60,208 @@ function levelScale({ picture, sight }, { top, baseline }) {
 function trimOfCalls({ positions }, row) {
   const border = (i) => (positions[i - 1] + positions[i]) / 2;
   if (row.trim_end === 0) return { begin: Infinity, end: Infinity };
-  return {
-    begin: row.trim_start > 0 ? border(row.trim_start) : -Infinity,
-    end: row.trim_end < positions.length ? border(row.trim_end) || Infinity : Infinity,
-  };
+  return { begin: border(row.trim_start) || -Infinity, end: border(row.trim_end) || Infinity };
 }
 
-/// The least step of 1, 2 or 5 times a power of ten that is not below `least`.
+/// The least of 1, 2 or 5 times a power of ten that is not below `least`.
 function roundStep(least) {
   const power = 10 ** Math.floor(Math.log10(Math.max(1, least)));
   return [1, 2, 5, 10].map((digit) => digit * power).find((step) => step >= least);
 }
 
-function write(context, text, x, y, align = "center", colour = colourOf("--faint"), font = "11px") {
-  context.font = `${font} system-ui, sans-serif`;
-  context.textAlign = align;
-  context.textBaseline = "middle";
-  context.fillStyle = colour;
-  context.fillText(text, x, y);
+function fill(pen, colour, ...box) {
+  pen.fillStyle = colourOf(colour);
+  pen.fillRect(...box);
 }
 
-function isInside({ left, right }, x) {
-  return x >= left && x <= right;
-}
-
-/// Calls `visit(i, x)` for each base of these calls that is in sight.
-function visitBases(scene, { positions }, visit) {
-  positions.forEach((position, i) => {
-    const x = xOfSample(scene, position);
-    if (isInside(scene, x)) visit(i, x);
-  });
+/// Writes centred, or as `align` says.
+function write(pen, text, x, y, align = "center", colour = colourOf("--faint"), font = "11px") {
+  pen.font = `${font} system-ui, sans-serif`;
+  pen.textAlign = align;
+  pen.textBaseline = "middle";
+  pen.fillStyle = colour;
+  pen.fillText(text, x, y);
 }
 
 /// The trimmed ends and the base in focus, below all else.
-function drawGround(context, scene, rows) {
+function drawGround(pen, scene, rows) {
   const inside = (x) => Math.min(Math.max(x, scene.left), scene.right);
-  const trim = trimOfCalls(scene.picture.calls, scene.row);
-  for (const ends of [[0, Math.min(trim.begin, scene.extent)], [trim.end, scene.extent]]) {
-    const [x, end] = ends.map((sample) => inside(xOfSample(scene, sample))).sort((a, b) => a - b);
-    if (ends[0] >= ends[1] || end <= x) continue;
-    context.fillStyle = colourOf("--shade");
-    context.fillRect(x, rows.bars, end - x, rows.baseline - rows.bars);
-    if (end - x > 60) write(context, "trimmed", (x + end) / 2, rows.top + 8);
+  const { begin, end } = trimOfCalls(scene.picture.calls, scene.row);
+  for (const [from, to] of [[0, Math.min(begin, scene.extent)], [end, scene.extent]]) {
+    const [x, edge] = [from, to].map((at) => inside(xOfSample(scene, at))).sort((a, b) => a - b);
+    if (from >= to) continue;
+    fill(pen, "--shade", x, rows.bars, edge - x, rows.baseline - rows.bars);
+    if (edge - x > 60) write(pen, "trimmed", (x + edge) / 2, rows.top + 8);
   }
-  const marked = scene.numbered.positions[scene.marked];
-  if (marked === undefined) return;
-  const width = Math.max(4, spacingOf(scene.numbered) * scene.scale * 0.9);
-  context.fillStyle = colourOf("--choice");
-  context.fillRect(xOfSample(scene, marked) - width / 2, 0, width, rows.baseline);
+  const width = Math.max(4, scene.spacing * scene.scale * 0.9);
+  const x = xOfSample(scene, scene.numbered.positions[scene.marked]);
+  if (isInside(scene, x)) fill(pen, "--choice", x - width / 2, 0, width, rows.baseline);
 }
 
 /// The zero line, and lines and numbers in the instrument's units.
-function drawScale(context, scene, rows) {
+function drawScale(pen, scene, rows) {
   const yOf = levelScale(scene, rows);
-  const step = roundStep((55 * scene.sight) / (rows.baseline - rows.top));
+  const step = roundStep((35 * scene.sight) / (rows.baseline - rows.top));
   for (let height = 0; height <= scene.sight; height += step) {
     const y = Math.round(yOf((height * 255) / scene.picture.top));
-    context.fillStyle = colourOf(height === 0 ? "--faint" : "--line");
-    context.fillRect(scene.left, y, scene.right - scene.left, 1);
-    write(context, formatNumber(height), scene.left - 6, y, "right");
+    fill(pen, height === 0 ? "--faint" : "--line", scene.left, y, scene.right - scene.left, 1);
+    write(pen, formatNumber(height), scene.left - 6, y, "right");
   }
 }
 
-/// The four curves, and a triangle over each peak that leaves the picture: hollow where the page holds no
-/// more of it.
-function drawCurves(context, scene, rows) {
+/// The four curves, and a triangle over each peak that leaves the picture: hollow where the page holds
+/// no more of it.
+function drawCurves(pen, scene, rows) {
   const { picture, left, right, scale } = scene;
   const ends = [left, right].map((x) => sampleAtX(scene, x) / 2).sort((a, b) => a - b);
   const first = Math.max(0, Math.floor(ends[0]) - 1);
   const last = Math.min(picture.levels[0].length - 1, Math.ceil(ends[1]) + 1);
-  if (last <= first) return;
+  const limit = Math.min(254, (scene.sight * 255) / picture.top);
   const xOf = (sample) => xOfSample(scene, sample);
   const isDense = 4 * scale < 1;
-  context.lineJoin = "round";
+  const add = isDense ? addDenseCurve : addCurve;
+  pen.lineJoin = "round";
   picture.levels.forEach((levels, channel) => {
-    context.strokeStyle = context.fillStyle = letterColour(shownLetter(scene, channelLetters[channel]));
-    context.save();
-    context.beginPath();
-    context.rect(left, rows.top - 2, right - left, rows.baseline - rows.top + 6);
-    context.clip();
-    context.lineWidth = isDense ? 1 : 1.7;
-    context.beginPath();
-    addCurve(context, levels, first, last, xOf, levelScale(scene, rows), isDense);
-    context.stroke();
-    context.restore();
+    const letter = shownLetter(scene, channelLetters[channel]);
+    pen.strokeStyle = pen.fillStyle = letterColour(letter);
+    pen.lineWidth = isDense ? 1 : 1.7;
+    pen.save();
+    pen.beginPath();
+    pen.rect(left, rows.top - 2, right - left, rows.baseline - rows.top + 6);
+    pen.clip();
+    pen.beginPath();
+    add(pen, levels, first, last, xOf, levelScale(scene, rows));
+    pen.stroke();
+    pen.restore();
     let before = left - 9;
-    for (const k of cutSamples(levels, first, last, (scene.sight * 255) / picture.top)) {
+    for (let k = first; k <= last; ++k) {
+      const isTop = levels[k] > limit && levels[k] >= levels[k - 1] && !(levels[k] < levels[k + 1]);
       const x = xOf(2 * k);
-      if (!isInside(scene, x) || Math.abs(x - before) < 9) continue;
+      if (!isTop || !isInside(scene, x) || Math.abs(x - before) < 9) continue;
       before = x;
-      context.beginPath();
-      context.moveTo(x - 4, rows.top - 3);
-      context.lineTo(x + 4, rows.top - 3);
-      context.lineTo(x, rows.top - 10);
-      context.closePath();
-      if (levels[k] === 255) context.stroke();
-      else context.fill();
+      pen.beginPath();
+      pen.moveTo(x - 4, rows.top - 3);
+      pen.lineTo(x + 4, rows.top - 3);
+      pen.lineTo(x, rows.top - 10);
+      pen.closePath();
+      if (levels[k] === 255) pen.stroke();
+      else pen.fill();
     }
   });
 }
 
 /// Bars of qualities from `bottom` upwards, `height` px for 60: one for each base, or the mean of 2 px
-/// where bases stand closer than 3 px. `isPale(x)` tells which are.
-function drawBars(context, scene, bottom, height, isPale) {
-  const spacing = spacingOf(scene.numbered) * scene.scale;
+/// where bases stand closer than 3 px. Those outside of `begin` to `end` (samples) are pale.
+function drawBars(pen, scene, bottom, height, { begin, end }) {
+  const spacing = scene.spacing * scene.scale;
   const width = spacing < 3 ? 2 : Math.min(14, spacing * 0.62);
   const columns = new Map();
-  visitBases(scene, scene.numbered, (i, x) => {
+  visitSamples(scene, scene.numbered.positions, (x, i) => {
     const at = spacing < 3 ? 2 * Math.round(x / 2) : x;
-    const column = columns.get(at) ?? { total: 0, count: 0 };
-    columns.set(at, { total: column.total + scene.numbered.qualities[i], count: column.count + 1 });
+    if (!columns.has(at)) columns.set(at, []);
+    columns.get(at).push(scene.numbered.qualities[i]);
   });
-  for (const [x, { total, count }] of columns) {
-    const quality = total / count;
+  for (const [x, qualities] of columns) {
+    const quality = qualities.reduce((sum, value) => sum + value) / qualities.length;
     const size = Math.max(1, (Math.min(quality, 60) / 60) * height);
-    context.globalAlpha = isPale(x) ? 0.4 : 1;
-    context.fillStyle = colourOf(quality < 20 ? "--low" : "--bar");
-    context.fillRect(x - width / 2, bottom - size, width, size);
+    const sample = sampleAtX(scene, x);
+    pen.globalAlpha = sample < begin || sample > end ? 0.4 : 1;
+    fill(pen, quality < 20 ? "--low" : "--bar", x - width / 2, bottom - size, width, size);
   }
-  context.globalAlpha = 1;
+  pen.globalAlpha = 1;
 }
 
-/// Quality bars with a line at 20, and the numbers of every tenth base, or of fewer where they would
+/// Quality bars with a line at 20, and the number of every tenth base, or of fewer where they would
 /// touch.
-function drawQualities(context, scene, rows) {
+function drawQualities(pen, scene, rows) {
   const bottom = rows.bars + barHeight;
-  drawBars(context, scene, bottom, barHeight, () => false);
+  drawBars(pen, scene, bottom, barHeight, {});
   const y = Math.round(bottom - barHeight / 3);
-  write(context, "Q 20", scene.left - 6, y, "right");
-  for (let x = scene.left; x < scene.right; x += 6) context.fillRect(x, y, 2, 1);
-  const step = Math.max(10, roundStep(60 / (spacingOf(scene.numbered) * scene.scale)));
-  visitBases(scene, scene.numbered, (i, x) => {
+  write(pen, "Q 20", scene.left - 6, y, "right");
+  for (let x = scene.left; x < scene.right; x += 6) pen.fillRect(x, y, 2, 1);
+  const step = Math.max(10, roundStep(60 / (scene.spacing * scene.scale)));
+  visitSamples(scene, scene.numbered.positions, (x, i) => {
     if ((i + 1) % step !== 0) return;
-    write(context, formatNumber(i + 1), x, 6);
-    context.fillRect(x - 0.5, 13, 1, 4);
+    write(pen, formatNumber(i + 1), x, 6);
+    pen.fillRect(x - 0.5, 13, 1, 4);
   });
 }
 
-/// The letters of calls with their middles at y: pale below quality 20; ticks where they would not be
-/// legible, nothing where these would not be.
-function drawLetters(context, scene, calls, y) {
-  const spacing = spacingOf(calls) * scene.scale;
-  if (spacing < 2) return;
+/// Letters with their middles at y: pale below quality 20, ticks where they would not be legible, and
+/// nothing where these would not be.
+function drawLetters(pen, scene, calls, y) {
+  const spacing = scene.spacing * scene.scale;
   const font = `bold ${Math.min(13.5, Math.max(9, spacing * 1.2))}px`;
-  visitBases(scene, calls, (i, x) => {
+  visitSamples(scene, calls.positions, (x, i) => {
     const letter = shownLetter(scene, calls.bases[i]);
-    context.globalAlpha = calls.qualities[i] < 20 ? 0.5 : 1;
-    context.fillStyle = letterColour(letter);
-    if (spacing >= 6) write(context, letter, x, y, "center", context.fillStyle, font);
-    else context.fillRect(x - spacing * 0.35, y - 5, spacing * 0.7, 10);
+    pen.globalAlpha = calls.qualities[i] < 20 ? 0.5 : 1;
+    pen.fillStyle = letterColour(letter);
+    if (spacing >= 6) write(pen, letter, x, y, "center", pen.fillStyle, font);
+    else if (spacing >= 2) pen.fillRect(x - spacing * 0.35, y - 5, spacing * 0.7, 10);
   });
-  context.globalAlpha = 1;
+  pen.globalAlpha = 1;
 }
 
 /// The second base under each mixed one, with a mark that stays when there is no room for letters.
-function drawSeconds(context, scene, y) {
-  const { calls, mixed } = scene.picture;
-  const spacing = spacingOf(calls) * scene.scale;
+function drawSeconds(pen, scene, y) {
+  const spacing = scene.spacing * scene.scale;
   const width = Math.max(2, Math.min(9, spacing * 0.7));
-  visitBases(scene, calls, (i, x) => {
-    if (!mixed.has(i)) return;
-    const letter = shownLetter(scene, mixed.get(i).letter);
-    if (spacing >= 6) write(context, letter, x, y, "center", letterColour(letter), "bold 11px");
-    context.fillStyle = colourOf("--mixed");
-    context.fillRect(x - width / 2, y + 6, width, 2.5);
-  });
+  for (const [base, second] of scene.picture.mixed) {
+    const letter = shownLetter(scene, second.letter);
+    visitSamples(scene, [scene.picture.calls.positions[base]], (x) => {
+      if (spacing >= 6) write(pen, letter, x, y, "center", letterColour(letter), "bold 11px");
+      fill(pen, "--mixed", x - width / 2, y + 6, width, 2.5);
+    });
+  }
 }
 
-/// The letters of the second reading at their own positions: boxed where they are other than the trace's
-/// own, underlined where only quality or position differ, a dash where a base is missing.
-function drawReading(context, scene, y) {
-  const { picture, comparison } = scene;
-  drawLetters(context, scene, picture.reading, y);
-  const width = Math.max(2, Math.min(14, spacingOf(picture.reading) * scene.scale - 1));
-  context.strokeStyle = context.fillStyle = colourOf("--untrusted");
-  context.lineWidth = 1.3;
-  if (!comparison) return;
-  visitBases(scene, picture.reading, (j, x) => {
-    if (comparison.kinds[j] === 2) context.strokeRect(x - width / 2, y - 8.5, width, 17);
-    if (comparison.kinds[j] === 1) context.fillRect(x - width / 2, y + 7, width, 1.5);
+/// The second reading at its own positions: boxed where letters are other than the trace's own,
+/// underlined where only quality or position differ, a dash where a base is missing.
+function drawReading(pen, scene, y) {
+  const { reading } = scene.picture;
+  const { kinds, missing } = scene.comparison ?? { kinds: [], missing: [] };
+  const width = Math.max(2, Math.min(14, scene.spacing * scene.scale - 1));
+  drawLetters(pen, scene, reading, y);
+  write(pen, "result", scene.left - 6, y, "right");
+  pen.strokeStyle = pen.fillStyle = colourOf("--untrusted");
+  pen.lineWidth = 1.3;
+  visitSamples(scene, reading.positions, (x, j) => {
+    if (kinds[j] === 2) pen.strokeRect(x - width / 2, y - 8.5, width, 17);
+    if (kinds[j] === 1) pen.fillRect(x - width / 2, y + 7, width, 1.5);
   });
-  const missing = { positions: comparison.missing.map((i) => picture.calls.positions[i]) };
-  visitBases(scene, missing, (_, x) => context.fillRect(x - 4, y - 1, 8, 2));
+  visitSamples(scene, missing, (x) => pen.fillRect(x - 4, y - 1, 8, 2));
 }
 
 /// Draws a whole scene.
-function drawTrace(context, scene) {
-  const { picture, numbered, comparison, left } = scene;
+function drawTrace(pen, scene) {
+  const { picture, numbered, left } = scene;
   const rows = rowsOfScene(scene);
-  drawGround(context, scene, rows);
-  if (picture.pointCount > 0) drawScale(context, scene, rows);
-  if (numbered.bases.length > 0) drawQualities(context, scene, rows);
-  drawLetters(context, scene, picture.calls, rows.letters);
-  drawSeconds(context, scene, rows.second);
-  if (picture.reading) {
-    drawReading(context, scene, rows.result);
-    if (comparison) write(context, "trace", left - 6, rows.letters, "right");
-    write(context, "result", left - 6, rows.result, "right");
-  }
-  if (picture.pointCount > 0) drawCurves(context, scene, rows);
-  else write(context, "no trace, only a result", left, rows.top + 8, "left");
-  if (scene.pointer === null) return;
-  context.fillStyle = colourOf("--faint");
-  context.fillRect(Math.round(scene.pointer), rows.bars, 1, rows.baseline - rows.bars);
+  drawGround(pen, scene, rows);
+  if (picture.pointCount > 0) drawScale(pen, scene, rows);
+  else write(pen, "no trace, only a result", left, rows.top + 8, "left");
+  if (numbered.bases.length > 0) drawQualities(pen, scene, rows);
+  drawLetters(pen, scene, picture.calls, rows.letters);
+  drawSeconds(pen, scene, rows.second);
+  if (picture.reading) drawReading(pen, scene, rows.result);
+  if (scene.comparison) write(pen, "trace", left - 6, rows.letters, "right");
+  if (picture.pointCount > 0) drawCurves(pen, scene, rows);
+  if (scene.pointer !== null) fill(pen, "--faint", Math.round(scene.pointer), rows.bars, 1, rows.baseline);
 }
 
-/// Draws the whole read: qualities, mixed bases as ticks, a box around the `visible` samples that begin at
-/// `from`. A trace without calls shows its signal.
-function drawOverview(context, scene, from, visible) {
-  const { picture, height, left, scale } = scene;
-  const trim = trimOfCalls(picture.calls, scene.row);
-  drawBars(context, scene, height - 1, height - 9, (x) => {
-    const sample = sampleAtX(scene, x);
-    return sample < trim.begin || sample > trim.end;
-  });
-  if (scene.numbered.bases.length === 0) drawCurves(context, scene, { top: 12, baseline: height - 2 });
-  context.fillStyle = colourOf("--mixed");
-  visitBases(scene, picture.calls, (i, x) => picture.mixed.has(i) && context.fillRect(x - 1, 1, 2, 6));
-  context.fillStyle = colourOf("--untrusted");
-  const isOther = (j) => scene.comparison?.kinds[j] === 2;
-  if (picture.reading) visitBases(scene, picture.reading, (j, x) => isOther(j) && context.fillRect(x - 1, 1, 2, 5));
-  context.strokeStyle = colourOf("--ink");
-  context.lineWidth = 1.5;
-  const width = Math.min(visible, scene.extent) * scale;
-  context.strokeRect(left + from * scale + 0.75, 0.75, Math.max(4, width - 1.5), height - 1.5);
+/// Draws the whole read: qualities, ticks for mixed bases and for differences, a box around the
+/// `visible` samples that begin at `from`. A trace without calls shows its signal.
+function drawOverview(pen, scene, from, visible) {
+  const { picture, numbered, comparison, height, left, scale } = scene;
+  const ticks = (samples, colour) =>
+    visitSamples(scene, samples, (x) => fill(pen, colour, x - 1, 1, 2, 6));
+  if (numbered.bases.length === 0) drawCurves(pen, scene, { top: 12, baseline: height - 2 });
+  drawBars(pen, scene, height - 1, height - 9, trimOfCalls(picture.calls, scene.row));
+  ticks(Array.from(picture.mixed.keys(), (base) => picture.calls.positions[base]), "--mixed");
+  if (comparison) {
+    ticks(picture.reading.positions.filter((_, j) => comparison.kinds[j] === 2), "--untrusted");
+  }
+  pen.strokeStyle = colourOf("--ink");
+  pen.lineWidth = 1.5;
+  const width = Math.max(4, Math.min(visible, scene.extent) * scale - 1.5);
+  pen.strokeRect(left + from * scale + 0.75, 0.75, width, height - 1.5);
 }

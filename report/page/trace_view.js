@@ -18,14 +18,14 @@ function createTraceView(panel, callbacks = {}) {
   let isPaintDue = false;
 
   const plotWidth = () => Math.max(50, curves.parentNode.clientWidth - gutter - 8);
+  const middle = () => gutter + plotWidth() / 2;
   const visible = () => plotWidth() / view.scale;
   const tell = (text) => (part(".trace-notice").textContent = text);
 
   /// The scene on a canvas, its scale and place kept within the trace.
   function sceneOn(canvas) {
     const least = Math.min(plotWidth() / view.extent, view.home);
-    const most = Math.max(view.home, 90 / spacingOf(view.numbered));
-    view.scale = view.isWhole ? least : Math.min(Math.max(view.scale, least), most);
+    view.scale = view.isWhole ? least : Math.min(Math.max(view.scale, least), 6 * view.home);
     view.from = Math.max(0, Math.min(view.from, view.extent - visible()));
     const { clientWidth: width, clientHeight: height } = canvas.parentNode;
     return { ...view, width, height, left: gutter, right: gutter + plotWidth() };
@@ -38,24 +38,24 @@ function createTraceView(panel, callbacks = {}) {
     return gaps.length > 0 ? gaps.indexOf(Math.min(...gaps)) : null;
   }
 
-  /// The base in focus, 1-based: the marked one, else the middle one once the view was moved, else null.
+  /// The base in focus, 1-based: the marked one, else the middle one once the view was moved, or null.
   function base() {
-    const focused = view?.marked ?? (view?.isMoved ? baseNear(gutter + plotWidth() / 2) : null);
+    const focused = view?.marked ?? (view?.isMoved ? baseNear(middle()) : null);
     return focused === null ? null : focused + 1;
   }
 
   function paint() {
     if (!view) return;
     const scene = sceneOn(curves);
-    const marked = scene.numbered.positions[scene.marked];
-    if (!isInside(scene, xOfSample(scene, marked))) scene.marked = view.marked = null;
+    const { positions } = view.numbered;
+    if (!isInside(scene, xOfSample(scene, positions[view.marked]))) scene.marked = view.marked = null;
     drawTrace(sizedContext(curves, scene.width, scene.height), scene);
     const whole = { ...sceneOn(overview), from: 0, scale: plotWidth() / view.extent };
     drawOverview(sizedContext(overview, whole.width, whole.height), whole, view.from, visible());
-    const at = view.pointer === null ? scene.marked : baseNear(view.pointer);
-    const sample = view.pointer === null ? view.numbered.positions[at] : sampleAtX(scene, view.pointer);
-    const readout = sample === undefined ? ["Point at the curves to read heights."] : readoutOf(scene, at, sample);
-    part(".readout").replaceChildren(...readout);
+    const isPointed = view.pointer !== null;
+    const at = isPointed ? baseNear(view.pointer) : view.marked;
+    const sample = isPointed ? sampleAtX(scene, view.pointer) : positions[at];
+    part(".readout").replaceChildren(...readoutOf(scene, at, sample));
     callbacks.onBase?.(base());
   }
 
@@ -98,7 +98,7 @@ function createTraceView(panel, callbacks = {}) {
     showTitle(part, row);
     part(".trace-empty").textContent = isText ? picture : "";
     panel.classList.toggle("without-picture", isText);
-    part("[data-action=reverse]").setAttribute("aria-pressed", "false");
+    part("[data-action=reverse]").ariaPressed = "false";
   }
 
   /// Puts a base (from 0) into focus and into the middle; says so if there is none.
@@ -121,26 +121,28 @@ function createTraceView(panel, callbacks = {}) {
   }
 
   /// Multiplies the scale and leaves the sample at x where it is.
-  function zoom(factor, x = view.pointer ?? gutter + plotWidth() / 2) {
-    const place = view.from + (x - gutter) / view.scale;
+  function zoom(factor) {
+    const x = (view.pointer ?? middle()) - gutter;
+    const place = view.from + x / view.scale;
     view.isWhole = false;
     view.scale *= factor;
     sceneOn(curves);
-    view.from = place - (x - gutter) / view.scale;
+    view.from = place - x / view.scale;
     pan(0);
   }
 
   function changeHeight(factor) {
-    view.sight = Math.min(Math.max(view.sight / factor, view.picture.top / 100), view.picture.top);
+    const { top } = view.picture;
+    view.sight = Math.min(Math.max(view.sight / factor, top / 100), top);
   }
 
-  /// Goes to the next mixed base to the right (1) or to the left (-1), from the one in focus or the edge.
+  /// Goes to the next mixed base to the right (1) or left (-1) of the one in focus, or into sight.
   function goToMixed(direction) {
     const step = view.isReversed ? -direction : direction;
-    const here = view.marked ?? baseNear(direction > 0 ? gutter : gutter + plotWidth()) - step;
+    const here = view.marked ?? baseNear(middle() - (direction * plotWidth()) / 2) - step;
     const ahead = [...view.picture.mixed.keys()].filter((base) => step * (base - here) > 0);
     if (ahead.length > 0) goTo(ahead.at(step > 0 ? 0 : -1));
-    else tell(view.picture.mixed.size > 0 ? "No more mixed bases this way." : "This read has no mixed bases.");
+    else tell(view.picture.mixed.size > 0 ? "No more mixed bases this way." : "No mixed bases.");
   }
 
   const actions = {
@@ -156,9 +158,9 @@ function createTraceView(panel, callbacks = {}) {
     right: () => pan(plotWidth() / 5),
     jump: () => jump.select(),
     reverse: () => {
-      const sample = sampleAtX(sceneOn(curves), gutter + plotWidth() / 2);
+      const sample = sampleAtX(sceneOn(curves), middle());
       view.isReversed = !view.isReversed;
-      part("[data-action=reverse]").setAttribute("aria-pressed", view.isReversed);
+      part("[data-action=reverse]").ariaPressed = view.isReversed;
       centre(sample);
     },
   };
@@ -185,48 +187,48 @@ function createTraceView(panel, callbacks = {}) {
     paintSoon();
   });
 
-  // Dragging the curves moves them, dragging the overview moves the box on it; a press outside of the box
-  // brings its middle there first. A press without a move puts the nearest base into focus.
+  // Dragging the curves moves them, dragging the overview moves its box; a press outside of the box
+  // brings its middle there first. A press on the curves without a move puts a base into focus.
   for (const canvas of [curves, overview]) {
     let pressed = 0;
     let last = null;
-    const xOf = (event) => event.clientX - canvas.getBoundingClientRect().left;
-    canvas.addEventListener("pointerdown", (event) => {
-      if (!view || event.button !== 0) return;
+    const listen = (type, act) => canvas.addEventListener(type, (event) => {
+      if (view) act(event.clientX - canvas.getBoundingClientRect().left, event);
+    });
+    listen("pointerdown", (x, event) => {
+      if (event.button !== 0) return;
       canvas.setPointerCapture(event.pointerId);
-      pressed = last = xOf(event);
-      const inBox = ((pressed - gutter) * view.extent) / plotWidth() - view.from;
+      pressed = last = x;
+      const inBox = ((x - gutter) * view.extent) / plotWidth() - view.from;
       if (canvas === curves || (inBox >= 0 && inBox <= visible())) return;
       view.from += inBox - visible() / 2;
       pan(0);
     });
-    canvas.addEventListener("pointermove", (event) => {
-      const x = xOf(event);
-      if (!view) return;
-      if (last !== null) pan((x - last) * (canvas === curves ? -1 : view.extent / visible()));
-      if (last !== null) last = x;
-      view.pointer = canvas === curves && x >= gutter && x <= gutter + plotWidth() ? x : null;
+    listen("pointermove", (x) => {
+      if (last !== null) {
+        pan((x - last) * (canvas === curves ? -1 : view.extent / visible()));
+        last = x;
+      }
+      view.pointer = canvas === curves && isInside(sceneOn(curves), x) ? x : null;
       paintSoon();
     });
-    canvas.addEventListener("pointerleave", () => {
-      if (!view) return;
+    listen("pointerleave", () => {
       view.pointer = null;
       paintSoon();
     });
-    canvas.addEventListener("lostpointercapture", () => (last = null));
-    canvas.addEventListener("click", (event) => {
-      if (!view || canvas === overview || Math.abs(xOf(event) - pressed) > 3) return;
-      view.marked = baseNear(pressed);
+    listen("click", (x) => {
+      if (canvas === curves && Math.abs(x - pressed) < 4) view.marked = baseNear(x);
       paintSoon();
     });
+    canvas.addEventListener("lostpointercapture", () => (last = null));
   }
   curves.addEventListener("wheel", (event) => {
     if (!view || event.ctrlKey) return;
     event.preventDefault();
+    const { deltaX, deltaY, shiftKey } = event;
     const unit = event.deltaMode === 0 ? 1 : 30;
-    const isSideways = event.shiftKey || Math.abs(event.deltaX) > Math.abs(event.deltaY);
-    if (isSideways) pan(unit * (event.deltaX || event.deltaY));
-    else zoom(Math.exp((-unit * event.deltaY) / 500));
+    if (shiftKey || Math.abs(deltaX) > Math.abs(deltaY)) pan(unit * (deltaX || deltaY));
+    else zoom(Math.exp((-unit * deltaY) / 500));
   }, { passive: false });
   new ResizeObserver(paintSoon).observe(curves.parentNode);
   window.addEventListener("resize", paintSoon); // The pixels in a CSS px may be others.
@@ -244,9 +246,9 @@ function createTraceView(panel, callbacks = {}) {
     const { top, baseline } = rowsOfScene(scene);
     const y = levelScale(scene, { top, baseline })(level);
     const box = curves.getBoundingClientRect();
+    const clipped = y < top || level >= 255;
     return {
-      x: box.left + x, y: box.top + Math.max(top, y), top: box.top + top, baseline: box.top + baseline,
-      clipped: y < top || level >= 255,
+      x: box.x + x, y: box.y + Math.max(top, y), top: box.y + top, baseline: box.y + baseline, clipped,
     };
   }
 
@@ -271,10 +273,12 @@ function createTraceView(panel, callbacks = {}) {
 /// else at the first good base, else where the signal begins.
 function openingView(row, picture) {
   const { calls, reading, levels } = picture;
-  const numbered = calls.bases.length > 0 || !reading ? calls : reading;
+  const hasCalls = calls.bases.length > 0;
+  const numbered = hasCalls || !reading ? calls : reading;
   const spacing = spacingOf(numbered);
   const view = {
-    row, picture, numbered, comparison: reading && numbered === calls ? compareReadings(calls, reading) : null,
+    row, picture, numbered, spacing,
+    comparison: hasCalls && reading ? compareReadings(calls, reading) : null,
     extent: picture.pointCount || Math.max(0, ...numbered.positions) + Math.ceil(spacing),
     home: baseWidth / spacing, scale: baseWidth / spacing, sight: picture.inSight,
     isReversed: false, isMoved: false, isWhole: false, marked: null, pointer: null,
@@ -305,6 +309,7 @@ function showTitle(part, row) {
 
 /// The readout at a sample, as nodes; `at` is the base next to it, or null.
 function readoutOf(scene, at, sample) {
+  if (sample === undefined) return ["Point at the curves to read heights."];
   const { picture, numbered, comparison } = scene;
   const callOf = ({ bases, qualities }, i) => `${shownLetter(scene, bases[i])} · Q ${qualities[i]}`;
   const call = at === null ? "" : `base ${formatNumber(at + 1)} · ${callOf(numbered, at)} · `;
@@ -318,15 +323,16 @@ function readoutOf(scene, at, sample) {
     nodes.push(letter, ` ${level >= 255 ? "over " : ""}${height}  `);
   });
   const second = picture.mixed.get(at);
-  if (second) nodes.push(`· second ${shownLetter(scene, second.letter)}, ${second.percent} % of the called `);
+  const letter = second && shownLetter(scene, second.letter);
+  if (second) nodes.push(`· second ${letter}, ${second.percent} % of the called `);
   const j = comparison ? comparison.partners.indexOf(at) : -1;
   if (j >= 0) nodes.push(`· result ${callOf(picture.reading, j)}`);
   return nodes;
 }
 
 function switchPalette(button) {
-  const isOther = button.getAttribute("aria-pressed") === "false";
-  button.setAttribute("aria-pressed", isOther);
+  const isOther = button.ariaPressed === "false";
+  button.ariaPressed = isOther;
   document.documentElement.dataset.palette = isOther ? "2" : "1";
   forgetColours();
   document.dispatchEvent(new Event("colours"));
@@ -334,19 +340,21 @@ function switchPalette(button) {
 
 /// Appends a canvas for each 100 bases of a view to `paper`; without calls, for as many samples.
 function drawPaper(paper, view) {
-  const spacing = spacingOf(view.numbered);
-  const { positions } = view.numbered;
+  const { spacing, numbered: { positions } } = view;
   const count = positions.length || Math.ceil(view.extent / spacing);
-  const startOf = (base) => (positions[base] ?? (positions.at(-1) ?? 0) + spacing * (base - positions.length + 1)) - spacing / 2;
+  const after = (base) => (positions.at(-1) ?? 0) + spacing * (base - positions.length + 1);
+  const startOf = (base) => (positions[base] ?? after(base)) - spacing / 2;
   const [left, width, height] = [46, 1030, 190];
   for (let first = 0; first < count; first += 100) {
     const from = startOf(first);
-    const label = `${view.row.sample} from base ${first + 1}`;
-    const canvas = element("canvas", { role: "img", "aria-label": label });
     const scale = (width - left) / (startOf(first + 100) - from);
     const right = left + (startOf(Math.min(count, first + 100)) - from) * scale;
-    const place = { left, right, width, height, from, scale, isReversed: false };
+    const place = { left, right, width, height, from, scale, isReversed: false, marked: null };
+    const label = `${view.row.sample} from base ${first + 1}`;
+    const canvas = element("canvas", { role: "img", "aria-label": label });
     paper.append(canvas);
-    drawTrace(sizedContext(canvas, width, height), { ...view, ...place, marked: null, pointer: null });
+    const pen = sizedContext(canvas, 2 * width, 2 * height); // Finer than a screen.
+    pen.scale(2, 2);
+    drawTrace(pen, { ...view, ...place, pointer: null });
   }
 }
