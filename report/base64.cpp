@@ -18,8 +18,9 @@ std::string base64Of(std::string_view bytes) {
   std::string text((bytes.size() + 2) / 3 * 4, padding);
   std::size_t place = 0;
   const auto put = [&](std::uint32_t three, int count) {
-    for (int shift = 18; count > 0; shift -= 6, --count)
+    for (int shift = 18; count > 0; shift -= 6, --count) {
       text[place++] = digits[three >> shift & 63];
+    }
   };
   std::size_t i = 0;
   for (; i + 3 <= bytes.size(); i += 3) {

@@ -91,7 +91,7 @@ void ReportOutputs::finish() {
 }
 
 bool ReportOutputs::fillTerminal() const {
-  const auto files = {&tsv_, &json_, &fastq_, &fasta_, &html_};
+  const auto files = {&tsv_, &json_, &fastq_, &fasta_};
   return std::any_of(files.begin(), files.end(),
                      [](const File* file) { return *file && (*file)->isTerminal(); });
 }

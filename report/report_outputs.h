@@ -12,7 +12,7 @@
 namespace Quillet {
 
 /// All outputs of one run: the files that the command line names, and the summary on standard
-/// output where no file takes its place. Each gets every row as it comes; none is held.
+/// output where no file takes its place. Each gets every row as it comes; none is held in memory.
 ///
 /// Errors: as OutputFile; then no output has its name, unless it is the last step that fails.
 /// Use: construct, add() each row, finish() once.
@@ -26,7 +26,7 @@ class ReportOutputs {
   void finish();
 
   const StateCounts& counts() const { return summary_.counts(); }
-  /// Whether rows go to the terminal, where a meter would stand between them.
+  /// Whether rows go to the terminal as they come, where a meter would stand between them.
   bool fillTerminal() const;
 
  private:

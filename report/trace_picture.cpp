@@ -181,7 +181,7 @@ TracePicture tracePicture(const AuditedSample& sample) {
   const std::size_t kept = (pointCount + step - 1) / step;
   const PictureScale scale = content == nullptr ? PictureScale() : pictureScale(*content);
   const std::vector<SecondBase> seconds = secondBases(sample);
-  constexpr std::size_t headSize = 8 * 4;
+  constexpr std::size_t headSize = std::size_t{8} * 4;
   PictureBytes picture(headSize + channelCount * kept + 4 * (baseCount + resultCount) +
                        2 * seconds.size());
   for (const std::size_t word :

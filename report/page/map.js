@@ -74,7 +74,7 @@ function runLines(rows) {
     const label = `Run ${notes.join(", ")}: ${counted(group.length, "capillary sample")}`;
     return [name, cellGrid(label, group, columnCount, 1, ({ capillary }) => [1, capillary])];
   });
-  if (lines.length > 0) lines.unshift([element("span"), columnNumbers(columnCount, columnCount > 24 ? 8 : 1)]);
+  if (lines.length > 0) lines.unshift([element("span", { className: "run-name", text: "capillary" }), columnNumbers(columnCount, columnCount > 24 ? 8 : 1)]);
   return lines.map((parts) => element("div", { className: "run" }, ...parts));
 }
 
@@ -103,7 +103,7 @@ function createMap(panel, { onChoose, onPlate }) {
   const plateButton = ({ name }) => element("button", {
     type: "button",
     className: "plate-name",
-    text: name || "without a plate's name",
+    text: name || "no plate",
     title: `Filter by the plate ${name}`,
     onclick: () => onPlate(name),
   });

@@ -31,21 +31,22 @@ export LC_ALL=C
   echo 'the function is not bound to quillet-report'
   status=1
 }
-long='--fasta|--fastq|--help|--json|--mixed|--trim|--tsv|--version'
-expect "$long|-d|-l|-s" ''
+long='--fasta|--fastq|--help|--html|--json|--mixed|--no-pictures|--trim|--tsv|--version'
+expect "$long|-d|-l|-o|-s" ''
 expect "$long" --
 expect '--fasta|--fastq' -s --fa
+expect '--help|--html' -o page.html --h
 expect '--trim|--tsv' --fastq x --t
 expect '' list  # the command line takes no file names
 expect 'lab one|results' -d ''
 expect 'lab one' -dir l
 expect 'lab one|list.txt|results|table one.tsv' -l ''
-for flag in -l -list --tsv --json --fastq --fasta; do
+for flag in -l -list -o --html --tsv --json --fastq --fasta; do
   expect 'table one.tsv' -s "$flag" ta
 done
 expect '' --mixed ''
 expect "$long" --mixed 0.5 --
 # The word after a flag that takes an argument is its argument, whatever it looks like.
-expect "$long|-d|-l|-s" -d --tsv ''
+expect "$long|-d|-l|-o|-s" -d --tsv ''
 expect 'lab one|list.txt|results|table one.tsv' --tsv -d --json ''
 exit $status

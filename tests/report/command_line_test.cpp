@@ -31,7 +31,8 @@ TEST(CommandLine, WithoutWordsAsksForTheSummaryOfTheWorkingDirectory) {
 
   EXPECT_FALSE(line.answer);
   EXPECT_THAT(line.projectFlags, IsEmpty());
-  EXPECT_FALSE(line.tsv || line.json || line.fastq || line.fasta);
+  EXPECT_FALSE(line.tsv || line.json || line.fastq || line.fasta || line.html);
+  EXPECT_TRUE(line.pictures);
   EXPECT_FALSE(line.trim);
   EXPECT_EQ(line.mixedRatio, 0.33);
 }
@@ -47,6 +48,15 @@ TEST(CommandLine, NamesTheOutputs) {
   EXPECT_EQ(line.fasta, "{}");
   EXPECT_TRUE(line.trim);
   EXPECT_EQ(line.mixedRatio, 0.5);
+}
+
+TEST(CommandLine, NamesThePageByEitherFlag) {
+  EXPECT_EQ(Quillet::readCommandLine({"-o", "page.html"}).html, "page.html");
+  EXPECT_EQ(Quillet::readCommandLine({"--html", "page.html"}).html, "page.html");
+  EXPECT_EQ(Quillet::readCommandLine({"--html=-"}).html, "-");
+  EXPECT_EQ(Quillet::readCommandLine({"-o", "-nostrip"}).html, "-nostrip");
+  EXPECT_TRUE(Quillet::readCommandLine({"-o", "page.html"}).pictures);
+  EXPECT_FALSE(Quillet::readCommandLine({"--no-pictures", "-o", "page.html"}).pictures);
 }
 
 TEST(CommandLine, TakesTheConvertersFlagsInBothSpellings) {
@@ -91,6 +101,10 @@ TEST(CommandLine, RefusesWhatItDoesNotKnow) {
                                                     {"names.txt"},
                                                     {"-o"},
                                                     {"-overwrite"},
+                                                    {"-overwrite", "page.html"},
+                                                    {"-o", "a", "--html", "b"},
+                                                    {"--html"},
+                                                    {"--no-pictures=1"},
                                                     {"-d"},
                                                     {"-list"},
                                                     {"--tsv"},
@@ -110,4 +124,5 @@ TEST(CommandLine, RefusesWhatItDoesNotKnow) {
 TEST(CommandLine, LetsOneOutputAtMostBeStandardOutput) {
   EXPECT_EQ(faultOf({"--tsv", "-", "--json", "b"}), "");
   EXPECT_EQ(faultOf({"--tsv", "-", "--fasta", "-"}), "only one output can be `-', standard output");
+  EXPECT_EQ(faultOf({"-o", "-", "--fasta", "-"}), "only one output can be `-', standard output");
 }

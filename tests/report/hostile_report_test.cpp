@@ -22,7 +22,7 @@ constexpr int secondsForAll = 17;  // one for each trace
 constexpr int secondsForAll = 180;
 #endif
 
-/// The table of a report within the promised memory and time.
+/// The table of a report, with all other outputs, within the promised memory and time.
 ReportResult reportWithin(const ProjectFolder& project, int kibibytes) {
   const std::string memory =
       underAddressSanitizer ? "" : "ulimit -v " + std::to_string(kibibytes) + " && ";
@@ -30,7 +30,7 @@ ReportResult reportWithin(const ProjectFolder& project, int kibibytes) {
       "sh", {.folder = project.path().string(),
              .arguments = {"-c", memory + "ulimit -t " + std::to_string(secondsForAll) +
                                      " && exec '" QUILLET_REPORT_PROGRAM "' --tsv - --json j" +
-                                     " --fastq q --fasta a"}});
+                                     " --fastq q --fasta a --html h"}});
   EXPECT_TRUE(result.out.ends_with('\n')) << result.err;
   if (!result.out.ends_with('\n')) return {result.status, result.err, {}};
   return {result.status, result.err, rowsOf(result.out)};

@@ -214,7 +214,10 @@ TEST_F(Run, ThatCanNotBeMadeSaysWhyAndHasStatus1) {
       {{"--tsv", "nowhere/t"}, "can not write nowhere/t: No such file or directory\n"},
       {{"--tsv", "chromat_dir"}, "can not write chromat_dir: Is a directory\n"},
       {{"--tsv", "new", "--fastq", "/dev/full"}, "can not write /dev/full: No space left"},
-      {{"--tsv", "new", "--json", "./link"}, "two outputs are the same file: "}};
+      {{"--tsv", "new", "--json", "./link"}, "two outputs are the same file: "},
+      {{"--tsv", "new", "-o", "./link"}, "two outputs are the same file: "},
+      {{"--html", "nowhere/page"}, "can not write nowhere/page: No such file or directory\n"},
+      {{"--html", "chromat_dir"}, "can not write chromat_dir: Is a directory\n"}};
   fs::create_symlink("new", project_.path() / "link");
   const std::vector<std::string> before = project_.entries(".");
   for (const auto& [words, message] : cases) {
@@ -229,11 +232,11 @@ TEST_F(Run, ThatCanNotBeMadeSaysWhyAndHasStatus1) {
 }
 
 TEST_F(Run, FailsWhenStandardOutputDoes) {
-  const std::vector<std::string> commands{
-      " > /dev/full",           " --tsv - > /dev/full",
-      " --fastq - > /dev/full", " >&-",
-      " --tsv t >&-",           " --tsv t > /dev/full",
-      " --version > /dev/full", " --tsv t --json - > /dev/full"};
+  const std::vector<std::string> commands{" > /dev/full",           " --tsv - > /dev/full",
+                                          " --fastq - > /dev/full", " >&-",
+                                          " --tsv t >&-",           " --tsv t > /dev/full",
+                                          " --version > /dev/full", " --tsv t --json - > /dev/full",
+                                          " --html - > /dev/full",  " --tsv t --html - >&-"};
   const std::vector<std::string> before = project_.entries(".");
   for (const std::string& command : commands) {
     const ProgramResult result =
@@ -294,4 +297,11 @@ TEST_F(Run, SendsATerminalNoControlCharacters) {
   if (result.out.find("converted") == std::string::npos) GTEST_SKIP() << "no terminal";
   EXPECT_THAT(result.out, HasSubstr("\n\\x1b[31m\t\torphan\tphd"));
   EXPECT_EQ(result.out.find('\x1b'), std::string::npos);
+
+  const ProgramResult page = runProgram(
+      "script", {.folder = project_.path().string(),
+                 .arguments = {"-qec", QUILLET_REPORT_PROGRAM " --html - 2>errors", "/dev/null"}});
+
+  EXPECT_THAT(page.out, HasSubstr("<td>&#27;[31m</td>"));
+  EXPECT_EQ(page.out.find('\x1b'), std::string::npos);
 }
