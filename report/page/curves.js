@@ -21,30 +21,17 @@ function levelAt(levels, sample) {
   return u * u * u * levels[k] + 3 * u * t * (u * one + t * two) + t * t * t * levels[k + 1];
 }
 
-/// Adds the curve from kept sample `first` to `last` to the path.
-function addCurve(pen, levels, first, last, xOf, yOf) {
+/// Adds the curve from kept sample `first` to `last` to the path. Where `isDense`, samples lie so close
+/// that lines from one to the next look the same.
+function addCurve(pen, levels, first, last, xOf, yOf, isDense) {
   pen.moveTo(xOf(2 * first), yOf(levels[first]));
-  for (let k = first; k < last; ++k) {
+  for (let sample = 2 * first; isDense && sample <= 2 * last; ++sample) {
+    pen.lineTo(xOf(sample), yOf(levelAt(levels, sample)));
+  }
+  for (let k = first; !isDense && k < last; ++k) {
     const [one, two] = controlLevels(levels, k);
     const at = (part, level) => [xOf(2 * k + part), yOf(level)];
     pen.bezierCurveTo(...at(2 / 3, one), ...at(4 / 3, two), ...at(2, levels[k + 1]));
-  }
-}
-
-/// The same where half a pixel holds several samples: it goes from the lowest to the highest of each,
-/// which looks the same and takes a tenth of the time.
-function addDenseCurve(pen, levels, first, last, xOf, yOf) {
-  for (let k = first; k <= last; ++k) {
-    const column = Math.round(2 * xOf(2 * k));
-    let low = levels[k];
-    let high = low;
-    for (; k <= last && Math.round(2 * xOf(2 * k)) === column; ++k) {
-      low = Math.min(low, levels[k]);
-      high = Math.max(high, levels[k], levelAt(levels, 2 * k + 1));
-    }
-    --k;
-    pen.lineTo(column / 2, yOf(low));
-    pen.lineTo(column / 2, yOf(high));
   }
 }
 

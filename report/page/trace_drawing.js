@@ -1,13 +1,12 @@
 // Draws a trace: on the screen's canvases and on those for paper.
 //
 // A scene says what and where: `row` and its `picture`; `numbered`, the calls that numbers count (the
-// trace's own, or the result's where it has none), and `spacing`, their mean distance in samples;
-// `comparison` of both readings, or null; `width` and `height` of the canvas, `left` and `right` edge of
-// the curves; `extent`, the samples of the trace; `from`, the sample at the left edge (counted from the
-// end if `isReversed`: reverse complement); `scale`, px for a sample; `sight`, the amplitude at the
-// upper edge; `marked`, the base in focus (from 0), and `pointer`, its x, or null.
+// result's where the trace has none), `spacing` samples apart; `comparison` of both readings, or null;
+// `width`, `height`, and edges of the curves `left` and `right`; `extent` samples of the trace; `from`,
+// the sample at the left (counted from the end if `isReversed`: reverse complement); `scale`, px for a
+// sample; `sight`, the amplitude at the top; `marked` base (from 0) and x of the `pointer`, or null.
 
-const complements = { A: "T", C: "G", G: "C", T: "A", a: "t", c: "g", g: "c", t: "a" };
+const complements = { A: "T", C: "G", G: "C", T: "A" };
 const barHeight = 26;
 
 /// A letter of the trace as the scene shows it.
@@ -119,7 +118,6 @@ function drawCurves(pen, scene, rows) {
   const limit = Math.min(254, (scene.sight * 255) / picture.top);
   const xOf = (sample) => xOfSample(scene, sample);
   const isDense = 4 * scale < 1;
-  const add = isDense ? addDenseCurve : addCurve;
   pen.lineJoin = "round";
   picture.levels.forEach((levels, channel) => {
     const letter = shownLetter(scene, channelLetters[channel]);
@@ -130,7 +128,7 @@ function drawCurves(pen, scene, rows) {
     pen.rect(left, rows.top - 2, right - left, rows.baseline - rows.top + 6);
     pen.clip();
     pen.beginPath();
-    add(pen, levels, first, last, xOf, levelScale(scene, rows));
+    addCurve(pen, levels, first, last, xOf, levelScale(scene, rows), isDense);
     pen.stroke();
     pen.restore();
     let before = left - 9;
@@ -150,24 +148,21 @@ function drawCurves(pen, scene, rows) {
   });
 }
 
-/// Bars of qualities from `bottom` upwards, `height` px for 60: one for each base, or the mean of 2 px
-/// where bases stand closer than 3 px. Those outside of `begin` to `end` (samples) are pale.
+/// Bars of qualities from `bottom` upwards, `height` px for 60: one for each base, or for the mean of
+/// several where they would be narrower than 2 px. Outside of `begin` to `end` (samples) they are pale.
 function drawBars(pen, scene, bottom, height, { begin, end }) {
+  const { positions, qualities } = scene.numbered;
   const spacing = scene.spacing * scene.scale;
-  const width = spacing < 3 ? 2 : Math.min(14, spacing * 0.62);
-  const columns = new Map();
-  visitSamples(scene, scene.numbered.positions, (x, i) => {
-    const at = spacing < 3 ? 2 * Math.round(x / 2) : x;
-    if (!columns.has(at)) columns.set(at, []);
-    columns.get(at).push(scene.numbered.qualities[i]);
-  });
-  for (const [x, qualities] of columns) {
-    const quality = qualities.reduce((sum, value) => sum + value) / qualities.length;
+  const every = Math.ceil(2 / spacing);
+  const width = every > 1 ? every * spacing : Math.min(14, spacing * 0.62);
+  visitSamples(scene, positions, (x, i) => {
+    const group = qualities.subarray(i, i + every);
+    const quality = group.reduce((sum, value) => sum + value) / group.length;
     const size = Math.max(1, (Math.min(quality, 60) / 60) * height);
-    const sample = sampleAtX(scene, x);
-    pen.globalAlpha = sample < begin || sample > end ? 0.4 : 1;
-    fill(pen, quality < 20 ? "--low" : "--bar", x - width / 2, bottom - size, width, size);
-  }
+    pen.globalAlpha = positions[i] < begin || positions[i] > end ? 0.4 : 1;
+    const colour = quality < 20 ? "--low" : "--bar";
+    if (i % every === 0) fill(pen, colour, x - width / 2, bottom - size, width, size);
+  });
   pen.globalAlpha = 1;
 }
 

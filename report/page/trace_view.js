@@ -25,7 +25,7 @@ function createTraceView(panel, callbacks = {}) {
   /// The scene on a canvas, its scale and place kept within the trace.
   function sceneOn(canvas) {
     const least = Math.min(plotWidth() / view.extent, view.home);
-    view.scale = view.isWhole ? least : Math.min(Math.max(view.scale, least), 6 * view.home);
+    view.scale = Math.min(Math.max(view.scale, least), 6 * view.home);
     view.from = Math.max(0, Math.min(view.from, view.extent - visible()));
     const { clientWidth: width, clientHeight: height } = canvas.parentNode;
     return { ...view, width, height, left: gutter, right: gutter + plotWidth() };
@@ -124,7 +124,6 @@ function createTraceView(panel, callbacks = {}) {
   function zoom(factor) {
     const x = (view.pointer ?? middle()) - gutter;
     const place = view.from + x / view.scale;
-    view.isWhole = false;
     view.scale *= factor;
     sceneOn(curves);
     view.from = place - x / view.scale;
@@ -151,7 +150,7 @@ function createTraceView(panel, callbacks = {}) {
     closer: () => zoom(1.4),
     farther: () => zoom(1 / 1.4),
     home: () => zoom(view.home / view.scale),
-    whole: () => (view.isWhole = view.isMoved = true),
+    whole: () => zoom(0),
     lower: () => changeHeight(1 / 1.25),
     higher: () => changeHeight(1.25),
     left: () => pan(-plotWidth() / 5),
@@ -281,7 +280,7 @@ function openingView(row, picture) {
     comparison: hasCalls && reading ? compareReadings(calls, reading) : null,
     extent: picture.pointCount || Math.max(0, ...numbered.positions) + Math.ceil(spacing),
     home: baseWidth / spacing, scale: baseWidth / spacing, sight: picture.inSight,
-    isReversed: false, isMoved: false, isWhole: false, marked: null, pointer: null,
+    isReversed: false, isMoved: false, marked: null, pointer: null,
   };
   const limit = (0.1 * picture.inSight * 255) / picture.top;
   const signal = () => 2 * levels[0].findIndex((_, k) => levels.some((channel) => channel[k] > limit));
