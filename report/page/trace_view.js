@@ -80,7 +80,8 @@ function createTraceView(panel, callbacks = {}) {
     tell("");
     if (view?.row !== row) {
       delete panel.dataset.shown;
-      const slow = setTimeout(() => present(row, "Waiting for the rest of the page."), 150);
+      showTitle(part, row);
+      const slow = setTimeout(present, 150, row, "Waiting for the rest of the page.");
       const picture = await pictureOf(row);
       clearTimeout(slow);
       if (mine !== request) return;
@@ -95,7 +96,6 @@ function createTraceView(panel, callbacks = {}) {
   function present(row, picture) {
     const isText = typeof picture === "string";
     view = isText ? null : openingView(row, picture);
-    showTitle(part, row);
     part(".trace-empty").textContent = isText ? picture : "";
     panel.classList.toggle("without-picture", isText);
     part("[data-action=reverse]").ariaPressed = "false";
@@ -303,7 +303,8 @@ function showTitle(part, row) {
   part(".pill").textContent = row.state;
   part(".pill").dataset.severity = row.severity;
   part(".facts").textContent = part(".facts").title = facts.filter(Boolean).join(" · ");
-  part(".trace-sentence").textContent = stateOf(row.state).text.replace(/(?=[.;:])/, () => detail);
+  const sentence = stateOf(row.state).text.replace(/(?=[.;:])/, () => detail);
+  part(".trace-sentence").textContent = part(".trace-sentence").title = sentence;
 }
 
 /// The readout at a sample, as nodes; `at` is the base next to it, or null.
