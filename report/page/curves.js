@@ -1,7 +1,7 @@
 // Curves through the stored samples, and the rule that sets two readings side by side.
 
-/// The inner control points, as levels, of the cubic from kept sample `k` to the next (Catmull-Rom).
-/// Never below 0: a steep foot of a peak would dive under the zero line.
+/// The inner control points, as levels, of the cubic from kept sample `k` to the next
+/// (Catmull-Rom). Never below 0: a steep foot of a peak would dive under the zero line.
 function controlLevels(levels, k) {
   const from = levels[k];
   const to = levels[k + 1];
@@ -21,8 +21,8 @@ function levelAt(levels, sample) {
   return u * u * u * levels[k] + 3 * u * t * (u * one + t * two) + t * t * t * levels[k + 1];
 }
 
-/// Adds the curve from kept sample `first` to `last` to the path. Where `isDense`, samples lie so close
-/// that lines from one to the next look the same.
+/// Adds the curve from kept sample `first` to `last` to the path. Where `isDense`, samples lie so
+/// close that lines from one to the next look the same.
 function addCurve(pen, levels, first, last, xOf, yOf, isDense) {
   pen.moveTo(xOf(2 * first), yOf(levels[first]));
   for (let sample = 2 * first; isDense && sample <= 2 * last; ++sample) {
@@ -41,12 +41,12 @@ function spacingOf({ positions }) {
   return mean >= 1 ? mean : 12;
 }
 
-/// Sets a second reading beside the trace's own: base i against base i where there are as many, else
-/// each base against the nearest own one, at most half a base away, in order and none twice.
+/// Sets a second reading beside the trace's own: base i against base i where there are as many,
+/// else each base against the nearest own one, at most half a base away, in order and none twice.
 ///
-/// `partners`: indices of own bases, -1 for none. `kinds`: 2 where the letter is another or there is no
-/// partner, 1 where only quality or position differ, else 0. `missing`: positions of own bases without
-/// a partner.
+/// `partners`: indices of own bases, -1 for none. `kinds`: 2 where the letter is another or there
+/// is no partner, 1 where only quality or position differ, else 0. `missing`: positions of own
+/// bases without a partner.
 function compareReadings(calls, reading) {
   const own = calls.positions;
   const reach = spacingOf(calls) / 2;
@@ -66,8 +66,8 @@ function compareReadings(calls, reading) {
   return { partners, kinds, missing: own.filter((_, i) => !paired.has(i)) };
 }
 
-/// The sample of the first difference within the good stretch: of another letter or a missing base if
-/// there is one, else of another quality or position; undefined without any.
+/// The sample of the first difference within the good stretch: of another letter or a missing base
+/// if there is one, else of another quality or position; undefined without any.
 function firstDifference({ picture, comparison, row }) {
   if (!comparison) return undefined;
   const { begin, end } = trimOfCalls(picture.calls, row);

@@ -5,8 +5,8 @@ const channelLetters = "ACGT";
 const damagedPicture = "The picture of this trace is damaged or missing. Make the page again.";
 const oldBrowser = "This browser can not unpack traces: it has no DecompressionStream.";
 
-/// The text of the element of a row's picture once it is whole: while the page loads, it can be missing
-/// or half there, and is whole when another element follows it.
+/// The text of the element of a row's picture once it is whole: while the page loads, it can be
+/// missing or half there, and is whole when another element follows it.
 async function pictureText(index) {
   for (;;) {
     const isLoading = document.readyState === "loading";
@@ -25,10 +25,10 @@ async function inflatedBytes(base64) {
 
 /// What the bytes of a row's picture say. Throws when they are no picture.
 ///
-/// `levels` has an array for each channel, in the order A, C, G, T, with every second sample; 255 is the
-/// amplitude `top` or more. `calls` and `reading` hold bases (a text), qualities and positions (samples);
-/// `reading` is the result's where that is another, or null. `mixed` maps bases (from 0) to {letter,
-/// percent}: the second base and its height, measured by the called one.
+/// `levels` has an array for each channel, in the order A, C, G, T, with every second sample; 255
+/// is the amplitude `top` or more. `calls` and `reading` hold bases (a text), qualities and
+/// positions (samples); `reading` is the result's where that is another, or null. `mixed` maps
+/// bases (from 0) to {letter, percent}: the second base and its height, measured by the called one.
 function unpackedPicture(bytes, row) {
   const head = new DataView(bytes.buffer);
   const [pointCount, kept, top, inSight, baseCount, mixedCount, resultCount, hasResult] =

@@ -1,10 +1,11 @@
 // Draws a trace: on the screen's canvases and on those for paper.
 //
-// A scene says what and where: `row` and its `picture`; `numbered`, the calls that numbers count (the
-// result's where the trace has none), `spacing` samples apart; `comparison` of both readings, or null;
-// `width`, `height`, and edges of the curves `left` and `right`; `extent` samples of the trace; `from`,
-// the sample at the left (counted from the end if `isReversed`: reverse complement); `scale`, px for a
-// sample; `sight`, the amplitude at the top; `marked` base (from 0) and x of the `pointer`, or null.
+// A scene says what and where: `row` and its `picture`; `numbered`, the calls that numbers count
+// (the result's where the trace has none), `spacing` samples apart; `comparison` of both readings,
+// or null; `width`, `height`, and edges of the curves `left` and `right`; `extent` samples of the
+// trace; `from`, the sample at the left (counted from the end if `isReversed`: reverse complement);
+// `scale`, px for a sample; `sight`, the amplitude at the top; `marked` base (from 0) and x of the
+// `pointer`, or null.
 
 const complements = { A: "T", C: "G", G: "C", T: "A" };
 const barHeight = 26;
@@ -45,7 +46,8 @@ function visitSamples(scene, samples, visit) {
 function rowsOfScene({ picture, height }) {
   const result = picture.mixed.size > 0 ? 87 : 74;
   const top = (picture.reading ? result + 22 : result) + 2;
-  return { bars: 17, letters: 54, second: 68, result, top, baseline: Math.max(top + 20, height - 7) };
+  const baseline = Math.max(top + 20, height - 7);
+  return { bars: 17, letters: 54, second: 68, result, top, baseline };
 }
 
 /// A function that gives the y of a level.
@@ -54,8 +56,8 @@ function levelScale({ picture, sight }, { top, baseline }) {
   return (level) => baseline - level * unit;
 }
 
-/// The good stretch in samples, its borders halfway to the neighbours. Without figures it is the whole
-/// trace; it is empty where nothing is good.
+/// The good stretch in samples, its borders halfway to the neighbours. Without figures it is the
+/// whole trace; it is empty where nothing is good.
 function trimOfCalls({ positions }, row) {
   const border = (i) => (positions[i - 1] + positions[i]) / 2;
   if (row.trim_end === 0) return { begin: Infinity, end: Infinity };
@@ -108,8 +110,8 @@ function drawScale(pen, scene, rows) {
   }
 }
 
-/// The four curves, and a triangle over each peak that leaves the picture: hollow where the page holds
-/// no more of it.
+/// The four curves, and a triangle over each peak that leaves the picture: hollow where the page
+/// holds no more of it.
 function drawCurves(pen, scene, rows) {
   const { picture, left, right, scale } = scene;
   const ends = [left, right].map((x) => sampleAtX(scene, x) / 2).sort((a, b) => a - b);
@@ -148,8 +150,9 @@ function drawCurves(pen, scene, rows) {
   });
 }
 
-/// Bars of qualities from `bottom` upwards, `height` px for 60: one for each base, or for the mean of
-/// several where they would be narrower than 2 px. Outside of `begin` to `end` (samples) they are pale.
+/// Bars of qualities from `bottom` upwards, `height` px for 60: one for each base, or for the mean
+/// of several where they would be narrower than 2 px. Outside of `begin` to `end` (samples) they
+/// are pale.
 function drawBars(pen, scene, bottom, height, { begin, end }) {
   const { positions, qualities } = scene.numbered;
   const spacing = scene.spacing * scene.scale;
@@ -182,8 +185,8 @@ function drawQualities(pen, scene, rows) {
   });
 }
 
-/// Letters with their middles at y: pale below quality 20, ticks where they would not be legible, and
-/// nothing where these would not be.
+/// Letters with their middles at y: pale below quality 20, ticks where they would not be legible,
+/// and nothing where these would not be.
 function drawLetters(pen, scene, calls, y) {
   const spacing = scene.spacing * scene.scale;
   const font = `bold ${Math.min(13.5, Math.max(9, spacing * 1.2))}px`;
@@ -201,13 +204,12 @@ function drawLetters(pen, scene, calls, y) {
 function drawSeconds(pen, scene, y) {
   const spacing = scene.spacing * scene.scale;
   const width = Math.max(2, Math.min(9, spacing * 0.7));
-  for (const [base, second] of scene.picture.mixed) {
-    const letter = shownLetter(scene, second.letter);
-    visitSamples(scene, [scene.picture.calls.positions[base]], (x) => {
-      if (spacing >= 6) write(pen, letter, x, y, "center", letterColour(letter), "bold 11px");
-      fill(pen, "--mixed", x - width / 2, y + 6, width, 2.5);
-    });
-  }
+  visitSamples(scene, scene.picture.calls.positions, (x, i) => {
+    if (!scene.picture.mixed.has(i)) return;
+    const letter = shownLetter(scene, scene.picture.mixed.get(i).letter);
+    if (spacing >= 6) write(pen, letter, x, y, "center", letterColour(letter), "bold 11px");
+    fill(pen, "--mixed", x - width / 2, y + 6, width, 2.5);
+  });
 }
 
 /// The second reading at its own positions: boxed where letters are other than the trace's own,
@@ -240,7 +242,8 @@ function drawTrace(pen, scene) {
   if (picture.reading) drawReading(pen, scene, rows.result);
   if (scene.comparison) write(pen, "trace", left - 6, rows.letters, "right");
   if (picture.pointCount > 0) drawCurves(pen, scene, rows);
-  if (scene.pointer !== null) fill(pen, "--faint", Math.round(scene.pointer), rows.bars, 1, rows.baseline);
+  const x = Math.round(scene.pointer);
+  if (scene.pointer !== null) fill(pen, "--faint", x, rows.bars, 1, rows.baseline);
 }
 
 /// Draws the whole read: qualities, ticks for mixed bases and for differences, a box around the

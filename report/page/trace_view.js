@@ -7,15 +7,15 @@ const actionOfKey = {
   "[": "lower", "]": "higher", r: "reverse", g: "jump", ArrowLeft: "left", ArrowRight: "right",
 };
 
-/// The operations of the panel. `callbacks` may offer onBase(base), called when the base in focus may be
-/// another (1-based, or null), and onHelp().
+/// The operations of the panel. `callbacks` may offer onBase(base), called when the base in focus
+/// may be another (1-based, or null), and onHelp().
 function createTraceView(panel, callbacks = {}) {
   const part = (selector) => panel.querySelector(selector);
   const [curves, overview, jump] = ["canvas.curves", "canvas.overview", "input"].map(part);
   const pictures = new Map(); // Promises by the index of the row.
   let view = null; // The scene in sight but for its sizes; `home` is the scale in which it opened.
   let request = 0; // Of the latest show(); an earlier one that ends later is dropped.
-  let isPaintDue = false;
+  let frame = null; // The next painting, where one is due.
 
   const plotWidth = () => Math.max(50, curves.parentNode.clientWidth - gutter - 8);
   const middle = () => gutter + plotWidth() / 2;
@@ -38,7 +38,8 @@ function createTraceView(panel, callbacks = {}) {
     return gaps.length > 0 ? gaps.indexOf(Math.min(...gaps)) : null;
   }
 
-  /// The base in focus, 1-based: the marked one, else the middle one once the view was moved, or null.
+  /// The base in focus, 1-based: the marked one, else the middle one once the view was moved, or
+  /// null.
   function base() {
     const focused = view?.marked ?? (view?.isMoved ? baseNear(middle()) : null);
     return focused === null ? null : focused + 1;
@@ -48,7 +49,8 @@ function createTraceView(panel, callbacks = {}) {
     if (!view) return;
     const scene = sceneOn(curves);
     const { positions } = view.numbered;
-    if (!isInside(scene, xOfSample(scene, positions[view.marked]))) scene.marked = view.marked = null;
+    const marked = xOfSample(scene, positions[view.marked]);
+    if (!isInside(scene, marked)) scene.marked = view.marked = null;
     drawTrace(sizedContext(curves, scene.width, scene.height), scene);
     const whole = { ...sceneOn(overview), from: 0, scale: plotWidth() / view.extent };
     drawOverview(sizedContext(overview, whole.width, whole.height), whole, view.from, visible());
@@ -60,10 +62,8 @@ function createTraceView(panel, callbacks = {}) {
   }
 
   function paintSoon() {
-    if (isPaintDue) return;
-    isPaintDue = true;
-    requestAnimationFrame(() => {
-      isPaintDue = false;
+    frame ??= requestAnimationFrame(() => {
+      frame = null;
       paint();
     });
   }
@@ -73,8 +73,8 @@ function createTraceView(panel, callbacks = {}) {
     return pictures.get(row.index);
   }
 
-  /// Draws a row; `base` is 1-based, or null for the place where a trace opens. Holds when it is drawn,
-  /// or when a later call has taken its place.
+  /// Draws a row; `base` is 1-based, or null for the place where a trace opens. Holds when it is
+  /// drawn, or when a later call has taken its place.
   async function show(row, base = null) {
     const mine = ++request;
     tell("");
@@ -131,8 +131,7 @@ function createTraceView(panel, callbacks = {}) {
   }
 
   function changeHeight(factor) {
-    const { top } = view.picture;
-    view.sight = Math.min(Math.max(view.sight / factor, top / 100), top);
+    view.sight = Math.min(Math.max(view.sight / factor, 1), view.picture.top);
   }
 
   /// Goes to the next mixed base to the right (1) or left (-1) of the one in focus, or into sight.
@@ -225,15 +224,14 @@ function createTraceView(panel, callbacks = {}) {
     if (!view || event.ctrlKey) return;
     event.preventDefault();
     const { deltaX, deltaY, shiftKey } = event;
-    const unit = event.deltaMode === 0 ? 1 : 30;
-    if (shiftKey || Math.abs(deltaX) > Math.abs(deltaY)) pan(unit * (deltaX || deltaY));
-    else zoom(Math.exp((-unit * deltaY) / 500));
+    if (shiftKey || Math.abs(deltaX) > Math.abs(deltaY)) pan(deltaX || deltaY);
+    else zoom(Math.exp(-deltaY / 500));
   }, { passive: false });
   new ResizeObserver(paintSoon).observe(curves.parentNode);
   window.addEventListener("resize", paintSoon); // The pixels in a CSS px may be others.
 
-  /// In CSS px of the window: where the curve of a channel (a letter; the trace's own channel) passes the
-  /// called position of a base (1-based). Null when that is not in sight.
+  /// In CSS px of the window: where the curve of a channel (a letter; the trace's own channel)
+  /// passes the called position of a base (1-based). Null when that is not in sight.
   function pixelOf(base, channel) {
     const levels = view?.picture.levels[channelLetters.indexOf(channel)];
     const sample = view?.picture.calls.positions[base - 1];
@@ -245,9 +243,12 @@ function createTraceView(panel, callbacks = {}) {
     const { top, baseline } = rowsOfScene(scene);
     const y = levelScale(scene, { top, baseline })(level);
     const box = curves.getBoundingClientRect();
-    const clipped = y < top || level >= 255;
     return {
-      x: box.x + x, y: box.y + Math.max(top, y), top: box.y + top, baseline: box.y + baseline, clipped,
+      x: box.x + x,
+      y: box.y + Math.max(top, y),
+      top: box.y + top,
+      baseline: box.y + baseline,
+      clipped: y < top || level >= 255,
     };
   }
 
@@ -268,8 +269,8 @@ function createTraceView(panel, callbacks = {}) {
   return { show, prefetch, key, repaint: paint, pixelOf, base, print };
 }
 
-/// The scene in which a picture opens: at the first difference of both readings within the good stretch,
-/// else at the first good base, else where the signal begins.
+/// The scene in which a picture opens: at the first difference of both readings within the good
+/// stretch, else at the first good base, else where the signal begins.
 function openingView(row, picture) {
   const { calls, reading, levels } = picture;
   const hasCalls = calls.bases.length > 0;
@@ -283,8 +284,9 @@ function openingView(row, picture) {
     isReversed: false, isMoved: false, marked: null, pointer: null,
   };
   const limit = (0.1 * picture.inSight * 255) / picture.top;
-  const signal = () => 2 * levels[0].findIndex((_, k) => levels.some((channel) => channel[k] > limit));
-  const start = firstDifference(view) ?? numbered.positions[row.trim_start ?? 0] ?? signal();
+  const isSignal = (_, k) => levels.some((channel) => channel[k] > limit);
+  const start = firstDifference(view) ?? numbered.positions[row.trim_start ?? 0] ??
+    2 * levels[0].findIndex(isSignal);
   return { ...view, from: start - 6 * spacing };
 }
 
@@ -295,7 +297,7 @@ function showTitle(part, row) {
     row.well && `well ${row.well}`,
     row.capillary !== null && `capillary ${row.capillary}`,
     row.bases !== null && counted(row.bases, "base"),
-    row.contiguous > 0 && `good ${formatNumber(row.trim_start + 1)} to ${formatNumber(row.trim_end)}`,
+    row.contiguous > 0 && `good ${row.trim_start + 1} to ${formatNumber(row.trim_end)}`,
     row.mean_quality !== null && `mean Q ${row.mean_quality.toFixed(1)}`,
   ];
   const detail = row.detail && ` (${row.detail.replaceAll(/,(?=\S)/g, ", ")})`;
@@ -340,15 +342,16 @@ function switchPalette(button) {
 
 /// Appends a canvas for each 100 bases of a view to `paper`; without calls, for as many samples.
 function drawPaper(paper, view) {
-  const { spacing, numbered: { positions } } = view;
-  const count = positions.length || Math.ceil(view.extent / spacing);
-  const after = (base) => (positions.at(-1) ?? 0) + spacing * (base - positions.length + 1);
-  const startOf = (base) => (positions[base] ?? after(base)) - spacing / 2;
+  const { spacing, numbered } = view;
+  const steps = Array.from({ length: Math.ceil(view.extent / spacing) }, (_, i) => i * spacing);
+  const starts = numbered.positions.length > 0 ? numbered.positions : steps;
+  const after = (base) => starts.at(-1) + spacing * (base - starts.length + 1);
+  const startOf = (base) => (starts[base] ?? after(base)) - spacing / 2;
   const [left, width, height] = [46, 1030, 190];
-  for (let first = 0; first < count; first += 100) {
+  for (let first = 0; first < starts.length; first += 100) {
     const from = startOf(first);
     const scale = (width - left) / (startOf(first + 100) - from);
-    const right = left + (startOf(Math.min(count, first + 100)) - from) * scale;
+    const right = left + (startOf(Math.min(starts.length, first + 100)) - from) * scale;
     const place = { left, right, width, height, from, scale, isReversed: false, marked: null };
     const label = `${view.row.sample} from base ${first + 1}`;
     const canvas = element("canvas", { role: "img", "aria-label": label });
