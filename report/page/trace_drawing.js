@@ -124,7 +124,7 @@ function drawCurves(pen, scene, rows) {
   picture.levels.forEach((levels, channel) => {
     const letter = shownLetter(scene, channelLetters[channel]);
     pen.strokeStyle = pen.fillStyle = letterColour(letter);
-    pen.lineWidth = isDense ? 1 : 1.7;
+    pen.lineWidth = isDense ? 1.2 : 1.8;
     pen.save();
     pen.beginPath();
     pen.rect(left, rows.top - 2, right - left, rows.baseline - rows.top + 6);
