@@ -1,6 +1,7 @@
 // The filter: one text field, one language, for people, chips and plates.
 
-const wordColumns = ["sample", "trace", "state", "detail", "plate", "well", "caller", "instrument"];
+const wordColumns =
+  ["sample", "trace", "state", "detail", "plate", "well", "caller", "instrument"];
 
 /// The terms of a text as they stand in it: parted by blanks, except between quotes.
 function filterTokens(text) {
@@ -9,19 +10,13 @@ function filterTokens(text) {
 
 /// A term without its quotes; a doubled quote between quotes is one.
 function withoutQuotes(token) {
-  return token.replace(/"((?:[^"]|"")*)(?:"|$)/g, (whole, inner) => inner.replaceAll('""', '"'));
+  return token.replace(/"((?:[^"]|"")*)(?:"|$)/g, (_, inner) => inner.replaceAll('""', '"'));
 }
 
-/// "plate:P07"; with quotes where the value needs them.
-function filterToken(column, value) {
-  const isPlain = value !== "" && !/[\s"]/.test(value);
-  return `${column}:${isPlain ? value : `"${value.replaceAll('"', '""')}"`}`;
-}
-
-/// {name, kind, sign, value, isQuoted} of a term, or null for a word. An unknown column makes a word.
+/// {name, kind, sign, value, isQuoted} of a term; null for a word, as with an unknown column.
 function comparisonOf(token) {
-  const [, name, sign, text] = /^(\w+)([:<>])([^]*)$/.exec(token) ?? [];
-  const column = name && columnByName.get(name.toLowerCase());
+  const [, name = "", sign, text] = /^(\w+)([:<>])(.*)$/s.exec(token) ?? [];
+  const column = columnByName.get(name.toLowerCase());
   if (!column) return null;
   return { ...column, sign, value: withoutQuotes(text), isQuoted: text.startsWith('"') };
 }
@@ -31,11 +26,11 @@ function numberOf(text) {
   return /^[-+]?(\d+\.?\d*|\.\d+)$/.test(text) ? Number(text) : NaN;
 }
 
-/// A test of rows for a comparison. A text is equal as a whole when some row has just this value, else in
-/// part; the quoted empty one is the unknown. What is unknown, or no number, is not less or more.
+/// A test of rows for a comparison. A text is equal as a whole when some row has just this value,
+/// else in part; the quoted empty one is the unknown. Every row passes before a value is typed.
 function testOf({ name, kind, sign, value, isQuoted }) {
   if (value === "") {
-    return isQuoted && sign === ":" ? (row) => row[name] === null || row[name] === "" : () => true;
+    return isQuoted && sign === ":" ? (row) => (row[name] ?? "") === "" : () => true;
   }
   const isText = kind === "text" || kind === "state";
   if (isText && sign === ":") {
@@ -44,54 +39,45 @@ function testOf({ name, kind, sign, value, isQuoted }) {
     const isWhole = stateByName.has(wanted) || sampleRows.some((row) => lower(row) === wanted);
     return (row) => (isWhole ? lower(row) === wanted : lower(row).includes(wanted));
   }
+  // Days compare as texts; other texts are not less or more than anything.
   const limit = name === "run_date" ? value : isText ? NaN : numberOf(value);
   const holds = { ":": (x) => x === limit, "<": (x) => x < limit, ">": (x) => x > limit }[sign];
   if (kind === "positions") return (row) => row[name]?.some(holds) ?? false;
   return (row) => row[name] !== null && holds(row[name]);
 }
 
-/// What is wrong with a comparison, for the one who types; "" when nothing is.
+/// What is wrong with a comparison, for the one who types; undefined when nothing is.
 function hintOf({ name, kind, sign, value }) {
-  if (value === "" || name === "run_date") return "";
-  if (kind !== "text" && kind !== "state") return numberOf(value) >= -Infinity ? "" : `“${value}” is no number`;
-  return sign === ":" ? "" : `${name} holds no numbers`;
+  if (value === "" || name === "run_date") return undefined;
+  const isText = kind === "text" || kind === "state";
+  if (isText) return sign === ":" ? undefined : `${name} holds no numbers`;
+  return Number.isNaN(numberOf(value)) ? `“${value}” is no number` : undefined;
 }
 
 /// {matches(row), hint} of a text. All of its terms must hold.
 function parseFilter(text) {
-  const comparisons = [];
-  const words = [];
-  for (const token of filterTokens(text)) {
-    const comparison = comparisonOf(token);
-    if (comparison) comparisons.push(comparison);
-    else words.push(withoutQuotes(token).toLowerCase());
-  }
+  const tokens = filterTokens(text);
+  const comparisons = tokens.map(comparisonOf).filter((comparison) => comparison);
+  const words = tokens.filter((token) => !comparisonOf(token)).map(withoutQuotes);
   const tests = comparisons.map(testOf);
-  const wordsOf = (row) => {
+  const hasWord = (row, word) => {
     row.words ??= wordColumns.map((name) => row[name] ?? "").join("\n").toLowerCase();
-    return row.words;
+    return row.words.includes(word.toLowerCase());
   };
   return {
-    matches: (row) => tests.every((test) => test(row))
-      && words.every((word) => wordsOf(row).includes(word)),
-    hint: comparisons.map(hintOf).find((hint) => hint !== "") ?? "",
+    matches: (row) => tests.every((test) => test(row)) && words.every((word) => hasWord(row, word)),
+    hint: comparisons.map(hintOf).find((hint) => hint),
   };
 }
 
-/// The terms of `text` on the columns, those not on them, and whether the former are those of `wanted`.
-function partedFilter(text, wanted, columns) {
-  const isOn = (token) => columns.includes(comparisonOf(token)?.name);
-  const present = filterTokens(text).filter(isOn);
-  const tokens = filterTokens(wanted);
-  return {
-    others: filterTokens(text).filter((token) => !isOn(token)),
-    tokens,
-    isPressed: present.length === tokens.length && tokens.every((token) => present.includes(token)),
-  };
-}
-
-/// `text` with `wanted` in the place of its terms on the columns; without them if it has `wanted`.
+/// {isPressed, text}: whether the terms of `text` on `columns` are those of `wanted`; and `text`
+/// with these in the place of those, or without them if it has them.
 function toggledFilter(text, wanted, columns) {
-  const { others, tokens, isPressed } = partedFilter(text, wanted, columns);
-  return [...others, ...(isPressed ? [] : tokens)].join(" ");
+  const isOn = (token) => columns.includes(comparisonOf(token)?.name);
+  const tokens = filterTokens(text);
+  const present = tokens.filter(isOn);
+  const terms = filterTokens(wanted);
+  const isPressed = present.join(" ") === terms.join(" ");
+  const others = tokens.filter((token) => !isOn(token));
+  return { isPressed, text: [...others, ...(isPressed ? [] : terms)].join(" ") };
 }

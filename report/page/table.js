@@ -5,22 +5,19 @@ const headingHeight = 28;
 const rowsAround = 6;  // in the document beyond those in sight, at either end
 
 /// The cell of a row in a column.
-function tableCell(row, column, columnIndex) {
-  const cell = element("td", { className: column.kind, "aria-colindex": columnIndex + 1 });
-  if (column.kind === "strip") {
-    cell.append(stripCanvas(row));
-    return cell;
-  }
-  const value = shownValue(row, column);
-  if (column.kind === "state") cell.append(mark(row.severity));
-  if (column.name === "contiguous" && value !== "") cell.append(mark(gradeOf(row.contiguous)));
-  cell.append(value);
+function tableCell(row, { name, kind }, columnIndex) {
+  const cell = element("td", { className: kind, "aria-colindex": columnIndex + 1 });
+  if (kind === "state") cell.append(mark(row.severity));
+  if (name === "contiguous" && row[name] !== null) cell.append(mark(gradeOf(row[name])));
+  const isWhole = kind === "number" && Number.isInteger(row[name]) && name !== "mean_quality";
+  if (kind === "strip") cell.append(stripCanvas(row));
+  else cell.append(isWhole ? formatNumber(row[name]) : valueText(row, name));
   return cell;
 }
 
-/// Brings the table to life. `onChoose(row)` is called for a click, `onSort(column)` for one on a heading.
-/// Returns show(rows): these rows from the first one on; choose(row): marks it and brings it into sight;
-/// markSort(column, isDescending); repaint(): draws the strips again.
+/// Brings the table to life. `onChoose(row)` is called for a click, `onSort(column)` for one on a
+/// heading. Returns show(rows): these rows from the first one on; choose(row): marks it and brings
+/// it into sight; markSort(column, isDescending); repaint(): draws the strips again.
 function createTable(scroller, { onChoose, onSort }) {
   const grid = scroller.querySelector("table");
   const body = grid.querySelector("tbody");
@@ -45,7 +42,8 @@ function createTable(scroller, { onChoose, onSort }) {
   function render() {
     const top = Math.min(Math.floor(scroller.scrollTop / rowHeight), rows.length);
     const first = Math.max(0, top - rowsAround);
-    const end = Math.min(rows.length, top + Math.ceil(scroller.clientHeight / rowHeight) + rowsAround);
+    const last = top + Math.ceil(scroller.clientHeight / rowHeight) + rowsAround;
+    const end = Math.min(rows.length, last);
     for (const [position, line] of lines) {
       if (position >= first && position < end) continue;
       line.remove();
@@ -76,7 +74,6 @@ function createTable(scroller, { onChoose, onSort }) {
     rows.forEach((row, position) => positions.set(row, position));
     grid.setAttribute("aria-rowcount", rows.length + 1);
     empty.hidden = rows.length > 0;
-    empty.textContent = sampleRows.length > 0 ? "No sample matches the filter." : "The project is empty.";
     scroller.scrollTop = 0;
     repaint();
   }
@@ -84,13 +81,11 @@ function createTable(scroller, { onChoose, onSort }) {
   function choose(row) {
     lines.get(positions.get(chosen))?.setAttribute("aria-selected", "false");
     chosen = row;
-    grid.removeAttribute("aria-activedescendant");
-    if (!positions.has(row)) return;
     const top = positions.get(row) * rowHeight;
     const highest = top - (scroller.clientHeight - headingHeight - rowHeight);
     scroller.scrollTop = Math.max(Math.min(scroller.scrollTop, top), highest);
     render();
-    lines.get(positions.get(row))?.setAttribute("aria-selected", "true");
+    lines.get(positions.get(row)).setAttribute("aria-selected", "true");
     grid.setAttribute("aria-activedescendant", `row-${row.index}`);
   }
 
@@ -114,7 +109,7 @@ function createTable(scroller, { onChoose, onSort }) {
   // A text that does not fit is told whole.
   body.addEventListener("mouseover", ({ target }) => {
     const cell = target.closest("td");
-    if (cell && cell.scrollWidth > cell.clientWidth) cell.title = cell.textContent;
+    if (cell?.scrollWidth > cell?.clientWidth) cell.title = cell.textContent;
   });
   return { show, choose, markSort, repaint };
 }
