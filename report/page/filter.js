@@ -13,45 +13,36 @@ function withoutQuotes(token) {
   return token.replace(/"((?:[^"]|"")*)(?:"|$)/g, (_, inner) => inner.replaceAll('""', '"'));
 }
 
-/// {name, kind, sign, value, isQuoted} of a term; null for a word, as with an unknown column.
-function comparisonOf(token) {
-  const [, name = "", sign, text] = /^(\w+)([:<>])(.*)$/s.exec(token) ?? [];
-  const column = columnByName.get(name.toLowerCase());
-  if (!column) return null;
-  return { ...column, sign, value: withoutQuotes(text), isQuoted: text.startsWith('"') };
-}
-
 /// A number, or NaN when the text is none.
 function numberOf(text) {
   return /^[-+]?(\d+\.?\d*|\.\d+)$/.test(text) ? Number(text) : NaN;
 }
 
-/// A test of rows for a comparison. A text is equal as a whole when some row has just this value,
-/// else in part; the quoted empty one is the unknown. Every row passes before a value is typed.
-function testOf({ name, kind, sign, value, isQuoted }) {
-  if (value === "") {
-    return isQuoted && sign === ":" ? (row) => (row[name] ?? "") === "" : () => true;
-  }
+/// {name, test(row), hint} of a term that compares a column; null for a word, as with an unknown
+/// column. A text is equal as a whole when some row has just this value, else in part; the quoted
+/// empty one is the unknown. Every row passes before a value is typed, and none when it should be a
+/// number and is not: then the hint says so.
+function comparisonOf(token) {
+  const [, typedName = "", sign, text] = /^(\w+)([:<>])(.*)$/s.exec(token) ?? [];
+  const { name, kind } = columnByName.get(typedName.toLowerCase()) ?? {};
+  if (!name) return null;
+  const value = withoutQuotes(text);
+  if (text === "") return { name, test: () => true };
+  if (value === "" && sign === ":") return { name, test: (row) => (row[name] ?? "") === "" };
   const isText = kind === "text" || kind === "state";
   if (isText && sign === ":") {
     const wanted = value.toLowerCase();
     const lower = (row) => (row[name] ?? "").toLowerCase();
     const isWhole = stateByName.has(wanted) || sampleRows.some((row) => lower(row) === wanted);
-    return (row) => (isWhole ? lower(row) === wanted : lower(row).includes(wanted));
+    const test = (row) => (isWhole ? lower(row) === wanted : lower(row).includes(wanted));
+    return { name, test };
   }
   // Days compare as texts; other texts are not less or more than anything.
   const limit = name === "run_date" ? value : isText ? NaN : numberOf(value);
+  const hint = Number.isNaN(limit) ? `no number: ${token}` : undefined;
   const holds = { ":": (x) => x === limit, "<": (x) => x < limit, ">": (x) => x > limit }[sign];
-  if (kind === "positions") return (row) => row[name]?.some(holds) ?? false;
-  return (row) => row[name] !== null && holds(row[name]);
-}
-
-/// What is wrong with a comparison, for the one who types; undefined when nothing is.
-function hintOf({ name, kind, sign, value }) {
-  if (value === "" || name === "run_date") return undefined;
-  const isText = kind === "text" || kind === "state";
-  if (isText) return sign === ":" ? undefined : `${name} holds no numbers`;
-  return Number.isNaN(numberOf(value)) ? `“${value}” is no number` : undefined;
+  const test = (row) => [row[name]].flat().some((x) => x !== null && holds(x));
+  return { name, test, hint };
 }
 
 /// {matches(row), hint} of a text. All of its terms must hold.
@@ -59,14 +50,14 @@ function parseFilter(text) {
   const tokens = filterTokens(text);
   const comparisons = tokens.map(comparisonOf).filter((comparison) => comparison);
   const words = tokens.filter((token) => !comparisonOf(token)).map(withoutQuotes);
-  const tests = comparisons.map(testOf);
   const hasWord = (row, word) => {
     row.words ??= wordColumns.map((name) => row[name] ?? "").join("\n").toLowerCase();
     return row.words.includes(word.toLowerCase());
   };
   return {
-    matches: (row) => tests.every((test) => test(row)) && words.every((word) => hasWord(row, word)),
-    hint: comparisons.map(hintOf).find((hint) => hint),
+    matches: (row) =>
+      comparisons.every(({ test }) => test(row)) && words.every((word) => hasWord(row, word)),
+    hint: comparisons.find(({ hint }) => hint)?.hint,
   };
 }
 

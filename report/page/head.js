@@ -2,41 +2,29 @@
 
 const chipColumns = ["state", "contiguous"];
 
-/// The parts of the bars: [label, look, filter], states worst first.
-const stateParts = pageData.states.map(({ name, severity }) => [name, severity, `state:${name}`]);
-const gradeParts = [
-  ["above 600", "good", "state:converted contiguous>600"],
-  ["300 to 600", "fair", "state:converted contiguous>299 contiguous<601"],
-  ["below 300", "poor", "state:converted contiguous<300"],
-  ["no calls", "none", 'state:converted contiguous:""'],
-];
-
 /// A small drawn shape. What it says stands in words beside it.
 function mark(look) {
   return element("span", { className: `mark ${look}`, "aria-hidden": "true" });
 }
 
-/// Puts a bar into `bars`, with a chip for each part that has samples. `put` says at which end of
-/// the bar a further part goes.
-function addBar(bars, title, parts, put, onFilter) {
-  const bar = element("div", { className: "bar", role: "img" });
-  const chips = element("div", { className: "chips" });
-  for (const [label, look, filter] of parts) {
+/// Counts the rows of the group's chips, hides the chips without, and makes the parts of its bar.
+function fillBar(group, onFilter) {
+  const bar = group.querySelector(".bar");
+  for (const chip of group.querySelectorAll(".chip")) {
+    const { filter } = chip.dataset;
     const count = sampleRows.filter(parseFilter(filter).matches).length;
-    if (count === 0) continue;
     const onclick = () => onFilter(filter);
-    const number = formatNumber(count);
-    const part = element("span", { className: `part ${look}`, title: `${label} ${number}`, onclick });
+    chip.addEventListener("click", onclick);
+    chip.hidden = count === 0;
+    chip.lastChild.textContent = formatNumber(count);
+    const className = `part ${chip.firstChild.classList[1]}`;
+    const part = element("span", { className, title: chip.textContent, onclick });
     part.style.flexGrow = count;
-    bar[put](part);
-    const settings = { type: "button", className: "chip", "data-filter": filter, onclick };
-    const text = [`${label} `, element("b", { text: number })];
-    chips.append(element("button", settings, mark(look), ...text));
+    if (count > 0) bar.append(part);
   }
-  if (!bar.firstChild) return;
-  bar.setAttribute("aria-label", `${title}: ${chips.textContent}`);
-  const settings = { className: "bar-group", role: "group", "aria-label": title };
-  bars.append(element("div", settings, bar, chips));
+  group.hidden = !bar.firstChild;
+  const texts = [...bar.children].map(({ title }) => title);
+  bar.setAttribute("aria-label", texts.join(", "));
 }
 
 /// Fills the head. `onFilter(terms)` is called for a chip. Returns update(text), which shows what
@@ -44,9 +32,8 @@ function addBar(bars, title, parts, put, onFilter) {
 function createHead(panel, onFilter) {
   const bars = panel.querySelector(".bars");
   const sentence = panel.querySelector(".sentence");
-  addBar(bars, "Results", stateParts, "prepend", onFilter);
-  addBar(bars, "Good stretch of whole reads", gradeParts, "append", onFilter);
-  const chips = [...bars.querySelectorAll(".chip")];
+  for (const group of bars.children) fillBar(group, onFilter);
+  const chips = [...bars.querySelectorAll(".chip:not([hidden])")];
   bars.hidden = sentence.hidden = chips.length === 0;
   return (text) => {
     const isPressed = ({ dataset }) => toggledFilter(text, dataset.filter, chipColumns).isPressed;

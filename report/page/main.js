@@ -145,7 +145,9 @@ listenForKeys({
 window.addEventListener("hashchange", openAddress);
 window.matchMedia("(prefers-color-scheme: dark)").addEventListener("change", repaint);
 document.addEventListener("colours", repaint);
-preparePrinting(traceView, () => ({ rows: rowsInSight, filter: filterField.value, row: chosen }));
+preparePrinting(table, traceView, () => {
+  return { rows: rowsInSight, filter: filterField.value, row: chosen };
+});
 
 window.quillet = Object.freeze({
   show: async (name, base = null) => choose(rowNamed(name), base),

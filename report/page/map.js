@@ -22,10 +22,10 @@ function grouped(rows, keyOf) {
 
 /// A cell's sample in words.
 function cellText({ sample, state, detail, contiguous }) {
-  return `${sample}: ${state} ${detail && `(${detail}) `}· good stretch ${contiguous ?? "unknown"}`;
+  return `${sample}: ${state}, ${detail && `${detail}, `}good stretch ${contiguous ?? "unknown"}`;
 }
 
-/// A grid of cells by `placeOf(row)`, [line, column]. A cell shows its worst sample and their number.
+/// A grid of cells by `placeOf(row)`, [line, column]. A cell shows its worst sample, and how many.
 function cellGrid(label, rows, [lineCount, columnCount], placeOf) {
   const grid = element("div", { className: "cells", role: "img", "aria-label": label });
   grid.style.setProperty("--lines", lineCount);
@@ -87,7 +87,7 @@ function runLines(rows) {
 }
 
 /// Fills the map; null, and no map, without wells and capillaries. `onChoose(row)` is called for a
-/// cell, `onPlate(name)` for a plate's name. Returns choose(row); filter(isInSight), which dims cells;
+/// cell, `onPlate(name)` for a plate's name. Returns choose(row); filter(isInSight) dims cells;
 /// placeOf(row): {x, y} of its cell in CSS px of the window, brought into sight, or null.
 function createMap(panel, { onChoose, onPlate }) {
   const plates = platesOf(sampleRows);

@@ -17,7 +17,8 @@ function tableCell(row, { name, kind }, columnIndex) {
 
 /// Brings the table to life. `onChoose(row)` is called for a click, `onSort(column)` for one on a
 /// heading. Returns show(rows): these rows from the first one on; choose(row): marks it and brings
-/// it into sight; markSort(column, isDescending); repaint(): draws the strips again.
+/// it into sight; markSort(column, isDescending); repaint(paperLines): makes the lines anew, those
+/// in sight or as many for paper.
 function createTable(scroller, { onChoose, onSort }) {
   const grid = scroller.querySelector("table");
   const body = grid.querySelector("tbody");
@@ -26,6 +27,7 @@ function createTable(scroller, { onChoose, onSort }) {
   let chosen = null;
   const positions = new Map();  // in `rows`
   const lines = new Map();      // those in the document, by position
+  let paperLines = 0;           // put into the document for paper, from the first one on
 
   function tableLine(position) {
     const row = rows[position];
@@ -41,9 +43,9 @@ function createTable(scroller, { onChoose, onSort }) {
   /// Takes out the lines that have left and puts in those that have entered.
   function render() {
     const top = Math.min(Math.floor(scroller.scrollTop / rowHeight), rows.length);
-    const first = Math.max(0, top - rowsAround);
+    const first = paperLines > 0 ? 0 : Math.max(0, top - rowsAround);
     const last = top + Math.ceil(scroller.clientHeight / rowHeight) + rowsAround;
-    const end = Math.min(rows.length, last);
+    const end = Math.min(rows.length, paperLines || last);
     for (const [position, line] of lines) {
       if (position >= first && position < end) continue;
       line.remove();
@@ -62,7 +64,8 @@ function createTable(scroller, { onChoose, onSort }) {
     body.style.setProperty("--below", `${(rows.length - end) * rowHeight}px`);
   }
 
-  function repaint() {
+  function repaint(newPaperLines = 0) {
+    paperLines = newPaperLines;
     lines.clear();
     body.replaceChildren();
     render();
