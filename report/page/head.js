@@ -7,20 +7,23 @@ function mark(look) {
   return element("span", { className: `mark ${look}`, "aria-hidden": "true" });
 }
 
-/// Counts the rows of the group's chips, hides the chips without, and makes the parts of its bar.
+/// Counts the rows of the group's chips, removes those without, and makes the parts of its bar.
 function fillBar(group, onFilter) {
   const bar = group.querySelector(".bar");
   for (const chip of group.querySelectorAll(".chip")) {
     const { filter } = chip.dataset;
     const count = sampleRows.filter(parseFilter(filter).matches).length;
+    if (count === 0) {
+      chip.remove();
+      continue;
+    }
     const onclick = () => onFilter(filter);
     chip.addEventListener("click", onclick);
-    chip.hidden = count === 0;
     chip.lastChild.textContent = formatNumber(count);
     const className = `part ${chip.firstChild.classList[1]}`;
     const part = element("span", { className, title: chip.textContent, onclick });
     part.style.flexGrow = count;
-    if (count > 0) bar.append(part);
+    bar.append(part);
   }
   group.hidden = !bar.firstChild;
   const texts = [...bar.children].map(({ title }) => title);
@@ -33,7 +36,7 @@ function createHead(panel, onFilter) {
   const bars = panel.querySelector(".bars");
   const sentence = panel.querySelector(".sentence");
   for (const group of bars.children) fillBar(group, onFilter);
-  const chips = [...bars.querySelectorAll(".chip:not([hidden])")];
+  const chips = [...bars.querySelectorAll(".chip")];
   bars.hidden = sentence.hidden = chips.length === 0;
   return (text) => {
     const isPressed = ({ dataset }) => toggledFilter(text, dataset.filter, chipColumns).isPressed;

@@ -145,6 +145,7 @@ listenForKeys({
 window.addEventListener("hashchange", openAddress);
 window.matchMedia("(prefers-color-scheme: dark)").addEventListener("change", repaint);
 document.addEventListener("colours", repaint);
+window.addEventListener("resize", () => table.repaint());  // pixels of the screen can have changed
 preparePrinting(table, traceView, () => {
   return { rows: rowsInSight, filter: filterField.value, row: chosen };
 });

@@ -20,7 +20,7 @@ function stateOf(name) {
 /// All rows in the order of the audit: the values by their names in the TSV, `strip` and
 /// `hasPicture`; and the severity of the state.
 const sampleRows = pageData.rows.map((values, index) => {
-  const row = { index, severity: "" };
+  const row = { index };
   [...pageData.columns, "strip", "hasPicture"].forEach((name, i) => {
     row[name] = values[i];
   });

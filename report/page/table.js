@@ -62,6 +62,8 @@ function createTable(scroller, { onChoose, onSort }) {
     }
     body.style.setProperty("--above", `${first * rowHeight}px`);
     body.style.setProperty("--below", `${(rows.length - end) * rowHeight}px`);
+    const chosenLine = lines.get(positions.get(chosen));
+    grid.setAttribute("aria-activedescendant", chosenLine?.id ?? "");
   }
 
   function repaint(newPaperLines = 0) {
@@ -89,7 +91,6 @@ function createTable(scroller, { onChoose, onSort }) {
     scroller.scrollTop = Math.max(Math.min(scroller.scrollTop, top), highest);
     render();
     lines.get(positions.get(row)).setAttribute("aria-selected", "true");
-    grid.setAttribute("aria-activedescendant", `row-${row.index}`);
   }
 
   function markSort(sorted, isDescending) {
