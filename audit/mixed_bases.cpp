@@ -1,44 +1,88 @@
 #include "audit/mixed_bases.h"
 
 #include <algorithm>
-#include <cstdlib>
-
-#include "foundation/channels.h"
+#include <cstddef>
+#include <limits>
+#include <span>
 
 namespace Quillet {
 
 namespace {
 
-bool isHighEnough(const MixedSearch& search, std::int32_t base, int called, int second) {
-  const double calledHeight = search.found.channel(called).heights[static_cast<std::size_t>(base)];
-  const double secondHeight = search.found.channel(second).heights[static_cast<std::size_t>(base)];
-  return secondHeight >= search.ratio * calledHeight;
+constexpr std::int64_t farthest = 32;  // samples; bounds the work for positions that make no sense
+
+/// The samples that stand under a call: indices, the end exclusive.
+struct Place {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+};
+
+Place placeUnder(const MixedSearch& search, std::int32_t base) {
+  const bool isLast = base + 1 == search.bases.length();
+  const std::int64_t pointCount = search.channels.pointCount();
+  const std::int64_t before = base == 0 ? 0 : search.positions[base - 1];
+  const std::int64_t after = isLast ? pointCount : search.positions[base + 1];
+  if (after < before) return {};
+  const std::int64_t reach = std::min((after - before) / 8, farthest);
+  const std::int64_t begin = std::max<std::int64_t>(search.positions[base] - reach, 0);
+  const std::int64_t end = std::min(search.positions[base] + reach + 1, pointCount);
+  if (begin >= end) return {};
+  return {.begin = static_cast<std::size_t>(begin), .end = static_cast<std::size_t>(end)};
 }
 
-/// The search notes the sample after a maximum, so one is taken off.
-bool standsUnderCall(const MixedSearch& search, std::int32_t base) {
-  const bool isLast = base + 1 == search.bases.length();
-  const std::int64_t before = base == 0 ? 0 : search.positions[base - 1];
-  const std::int64_t after = isLast ? search.pointCount : search.positions[base + 1];
-  const auto index = static_cast<std::size_t>(base);
-  const std::int64_t distance =
-      std::int64_t{search.found.secondPeaks().positions[index]} - 1 - search.positions[base];
-  return 8 * std::abs(distance) <= after - before;
+/// Whether the sample at `index` is part of a peak's top: the nearest other samples on both sides,
+/// not farther than `farthest`, are lower.
+bool isTop(std::span<const std::uint16_t> samples, std::size_t index) {
+  const std::uint16_t height = samples[index];
+  const auto reach = static_cast<std::size_t>(farthest);
+  const std::size_t begin = index - std::min(index, reach);
+  const std::size_t end = std::min(samples.size(), index + reach);
+  std::size_t before = index;
+  while (before > begin && samples[before] == height) --before;
+  std::size_t after = index;
+  while (after + 1 < end && samples[after] == height) ++after;
+  return samples[before] < height && samples[after] < height;
+}
+
+/// The height of the highest peak whose top reaches into the place; 0 without one.
+std::uint16_t highestTop(std::span<const std::uint16_t> samples, Place place) {
+  std::uint16_t highest = 0;
+  for (std::size_t index = place.begin; index < place.end; ++index) {
+    if (samples[index] > highest && isTop(samples, index)) highest = samples[index];
+  }
+  return highest;
+}
+
+double ratioOf(std::uint16_t second, std::uint16_t called) {
+  if (called == 0) return std::numeric_limits<double>::infinity();
+  return static_cast<double>(second) / static_cast<double>(called);
 }
 
 }  // namespace
 
-std::vector<std::uint32_t> mixedPositions(const MixedSearch& search) {
-  std::vector<std::uint32_t> mixed;
+std::vector<MixedBase> mixedBases(const MixedSearch& search) {
+  std::vector<MixedBase> mixed;
   const auto length = static_cast<std::uint32_t>(search.bases.length());
   for (std::uint32_t i = search.begin; i < std::min(search.end, length); ++i) {
     const auto base = static_cast<std::int32_t>(i);
     const int called = channelOf(search.bases[base]);
-    const int second = channelOf(search.found.secondPeaks().bases[i]);
-    if (called == noChannel || second == noChannel) continue;
-    if (standsUnderCall(search, base) && isHighEnough(search, base, called, second)) {
-      mixed.push_back(i + 1);
+    const Place place = placeUnder(search, base);
+    if (called == noChannel || place.begin == place.end) continue;
+
+    std::uint16_t height = 0;
+    int second = noChannel;
+    for (int channel = 0; channel < channelCount; ++channel) {
+      if (channel == called) continue;
+      const std::uint16_t found = highestTop(search.channels[channel], place);
+      if (found <= height) continue;
+      height = found;
+      second = channel;
     }
+    if (second == noChannel) continue;
+    const auto samples = search.channels[called].subspan(place.begin, place.end - place.begin);
+    const double ratio = ratioOf(height, *std::ranges::max_element(samples));
+    if (ratio < search.ratio) continue;
+    mixed.push_back({.position = i + 1, .second = channelLetters[second], .ratio = ratio});
   }
   return mixed;
 }

@@ -141,7 +141,6 @@ class ProjectAudit::Examination {
     }
     visit({.row = row,
            .content = canBeRead() ? &reading_.content : nullptr,
-           .peaks = trace_.holdsCalls ? &peaks_ : nullptr,
            .result = said_ ? &*said_ : nullptr});
   }
 
@@ -150,13 +149,12 @@ class ProjectAudit::Examination {
     const BaseCalls& calls = reading_.content.calls;
     CallFigures figures =
         figuresOf({calls.bases.get(), calls.count}, {calls.qualities.get(), calls.count});
-    figures.mixedPositions = mixedPositions({.bases = expected_->bases(),
-                                             .positions = expected_->positions(),
-                                             .pointCount = reading_.content.channels.pointCount(),
-                                             .found = peaks_,
-                                             .begin = figures.trimStart,
-                                             .end = figures.trimEnd,
-                                             .ratio = audit_.mixedRatio_});
+    figures.mixed = mixedBases({.bases = expected_->bases(),
+                                .positions = expected_->positions(),
+                                .channels = reading_.content.channels,
+                                .begin = figures.trimStart,
+                                .end = figures.trimEnd,
+                                .ratio = audit_.mixedRatio_});
     return figures;
   }
 
@@ -279,7 +277,7 @@ void ProjectAudit::visitOrphans(const std::function<void(const AuditedSample&)>&
       const ResultFile phd(project_.phdPath().text() + sample + std::string(phdSuffix));
       if (const auto text = phd.textFrom(0)) said = readPhdResult(*text);
     }
-    visit({.row = row, .content = nullptr, .peaks = nullptr, .result = said ? &*said : nullptr});
+    visit({.row = row, .content = nullptr, .result = said ? &*said : nullptr});
   }
 }
 

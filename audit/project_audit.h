@@ -19,7 +19,6 @@ namespace Quillet {
 struct AuditedSample {
   const SampleRow& row;
   const TraceContent* content;  // null when the trace can not be read; channels as stored
-  const PolyPeaks* peaks;       // null without calls; what the trace alone gives
   const PhdResult* result;      // what a whole .phd.1 says that is not right; else null
 };
 

@@ -28,4 +28,11 @@ const char* textOf(SampleState state) {
   return "converted";
 }
 
+std::vector<std::uint32_t> mixedPositions(const CallFigures& figures) {
+  std::vector<std::uint32_t> positions;
+  positions.reserve(figures.mixed.size());
+  for (const MixedBase& base : figures.mixed) positions.push_back(base.position);
+  return positions;
+}
+
 }  // namespace Quillet

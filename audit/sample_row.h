@@ -27,16 +27,26 @@ inline constexpr int sampleStateCount = 10;
 /// "differs", "no-poly": as reports write it.
 const char* textOf(SampleState state);
 
+/// A base with a second peak under its call.
+struct MixedBase {
+  std::uint32_t position = 0;  // 1-based number of the base
+  char second = 'N';           // A, C, G or T
+  double ratio = 0;  // height of the second peak, measured by the called one; may be infinite
+};
+
 /// Figures of the calls as stored, untruncated; a quality above 127 counts as 0.
 struct CallFigures {
   double meanQuality = 0;
-  std::uint32_t q20 = 0;                      // bases of quality 20 or more
-  std::uint32_t contiguous = 0;               // length of the longest good stretch
-  std::uint32_t trimStart = 0;                // 0-based; Mott's trimming
-  std::uint32_t trimEnd = 0;                  // exclusive; 0 and 0 when nothing is left
-  std::uint32_t noCalls = 0;                  // bases other than A, C, G, T in either case
-  std::vector<std::uint32_t> mixedPositions;  // 1-based, ascending
+  std::uint32_t q20 = 0;         // bases of quality 20 or more
+  std::uint32_t contiguous = 0;  // length of the longest good stretch
+  std::uint32_t trimStart = 0;   // 0-based; Mott's trimming
+  std::uint32_t trimEnd = 0;     // exclusive; 0 and 0 when nothing is left
+  std::uint32_t noCalls = 0;     // bases other than A, C, G, T in either case
+  std::vector<MixedBase> mixed;  // by ascending position
 };
+
+/// The positions of the mixed bases.
+std::vector<std::uint32_t> mixedPositions(const CallFigures& figures);
 
 /// What the instrument wrote beside the trace.
 struct InstrumentNotes {

@@ -37,8 +37,8 @@ void putFigures(Json& object, const std::optional<CallFigures>& figures) {
   object["trim_start"] = figures->trimStart;
   object["trim_end"] = figures->trimEnd;
   object["no_calls"] = figures->noCalls;
-  object["mixed"] = figures->mixedPositions.size();
-  object["mixed_positions"] = figures->mixedPositions;
+  object["mixed"] = figures->mixed.size();
+  object["mixed_positions"] = mixedPositions(*figures);
 }
 
 }  // namespace

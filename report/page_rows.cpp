@@ -44,8 +44,8 @@ void putFigures(Json& values, const CallFigures& figures) {
   values.push_back(figures.trimStart);
   values.push_back(figures.trimEnd);
   values.push_back(figures.noCalls);
-  values.push_back(figures.mixedPositions.size());
-  values.push_back(figures.mixedPositions);
+  values.push_back(figures.mixed.size());
+  values.push_back(mixedPositions(figures));
 }
 
 Json states() {

@@ -107,30 +107,10 @@ class PictureBytes {
   TracePicture picture_;
 };
 
-/// A mixed base: what stands under the call.
-struct SecondBase {
-  char letter;
-  std::uint32_t percent;  // of the called height
-};
-
-std::vector<SecondBase> secondBases(const AuditedSample& sample) {
-  std::vector<SecondBase> seconds;
-  if (sample.content == nullptr || sample.peaks == nullptr || !sample.row.figures) return seconds;
-  for (const std::uint32_t number : sample.row.figures->mixedPositions) {
-    const std::size_t base = number - 1;
-    const char letter = sample.peaks->secondPeaks().bases[base];
-    const int called = channelOf(sample.content->calls.bases[base]);
-    const int second = channelOf(letter);
-    std::uint64_t percent = 0;
-    if (called != noChannel && second != noChannel) {
-      const std::uint64_t calledHeight = sample.peaks->channel(called).heights[base];
-      const std::uint64_t height = sample.peaks->channel(second).heights[base];
-      percent =
-          calledHeight == 0 ? highestByte : (200 * height + calledHeight) / (2 * calledHeight);
-    }
-    seconds.push_back({letter, std::min(static_cast<std::uint32_t>(percent), highestByte)});
-  }
-  return seconds;
+/// A ratio in percent, rounded, 255 at most.
+std::uint32_t percentOf(double ratio) {
+  const double percent = 100 * ratio + 0.5;
+  return percent < highestByte ? static_cast<std::uint32_t>(percent) : highestByte;
 }
 
 void putTrace(PictureBytes& picture, const TraceContent& content, std::uint32_t top) {
@@ -180,18 +160,19 @@ TracePicture tracePicture(const AuditedSample& sample) {
 
   const std::size_t kept = (pointCount + step - 1) / step;
   const PictureScale scale = content == nullptr ? PictureScale() : pictureScale(*content);
-  const std::vector<SecondBase> seconds = secondBases(sample);
+  std::span<const MixedBase> mixed;
+  if (sample.row.figures) mixed = sample.row.figures->mixed;
   constexpr std::size_t headSize = std::size_t{8} * 4;
   PictureBytes picture(headSize + channelCount * kept + 4 * (baseCount + resultCount) +
-                       2 * seconds.size());
+                       2 * mixed.size());
   for (const std::size_t word :
        {pointCount, kept, std::size_t{scale.top}, std::size_t{scale.inSight}, baseCount,
-        seconds.size(), resultCount, std::size_t{result != nullptr}}) {
+        mixed.size(), resultCount, std::size_t{result != nullptr}}) {
     picture.word(word);
   }
   if (content != nullptr) putTrace(picture, *content, scale.top);
-  for (const SecondBase& second : seconds) picture.byte(static_cast<unsigned char>(second.letter));
-  for (const SecondBase& second : seconds) picture.byte(second.percent);
+  for (const MixedBase& base : mixed) picture.byte(static_cast<unsigned char>(base.second));
+  for (const MixedBase& base : mixed) picture.byte(percentOf(base.ratio));
   if (result != nullptr) putResult(picture, *result);
   return picture.taken();
 }

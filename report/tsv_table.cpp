@@ -62,8 +62,8 @@ void putFigures(TsvLine& line, const CallFigures& figures) {
   line.number(figures.trimStart);
   line.number(figures.trimEnd);
   line.number(figures.noCalls);
-  line.number(figures.mixedPositions.size());
-  line.positions(figures.mixedPositions);
+  line.number(figures.mixed.size());
+  line.positions(mixedPositions(figures));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The filter: one text field, one language, for people, chips and plates.
 
-const wordColumns = ["sample", "trace", "state", "detail", "plate", "well", "caller", "instrument"];
+const wordColumns =
+  ["sample", "trace", "state", "detail", "plate", "well", "caller", "instrument"];
 
 /// The terms of a text as they stand in it: parted by blanks, except between quotes.
 function filterTokens(text) {
@@ -9,21 +10,7 @@ function filterTokens(text) {
 
 /// A term without its quotes; a doubled quote between quotes is one.
 function withoutQuotes(token) {
-  return token.replace(/"((?:[^"]|"")*)(?:"|$)/g, (whole, inner) => inner.replaceAll('""', '"'));
-}
-
-/// "plate:P07"; with quotes where the value needs them.
-function filterToken(column, value) {
-  const isPlain = value !== "" && !/[\s"]/.test(value);
-  return `${column}:${isPlain ? value : `"${value.replaceAll('"', '""')}"`}`;
-}
-
-/// {name, kind, sign, value, isQuoted} of a term, or null for a word. An unknown column makes a word.
-function comparisonOf(token) {
-  const [, name, sign, text] = /^(\w+)([:<>])([^]*)$/.exec(token) ?? [];
-  const column = name && columnByName.get(name.toLowerCase());
-  if (!column) return null;
-  return { ...column, sign, value: withoutQuotes(text), isQuoted: text.startsWith('"') };
+  return token.replace(/"((?:[^"]|"")*)(?:"|$)/g, (_, inner) => inner.replaceAll('""', '"'));
 }
 
 /// A number, or NaN when the text is none.
@@ -31,67 +18,57 @@ function numberOf(text) {
   return /^[-+]?(\d+\.?\d*|\.\d+)$/.test(text) ? Number(text) : NaN;
 }
 
-/// A test of rows for a comparison. A text is equal as a whole when some row has just this value, else in
-/// part; the quoted empty one is the unknown. What is unknown, or no number, is not less or more.
-function testOf({ name, kind, sign, value, isQuoted }) {
-  if (value === "") {
-    return isQuoted && sign === ":" ? (row) => row[name] === null || row[name] === "" : () => true;
-  }
+/// {name, test(row), hint} of a term that compares a column; null for a word, as with an unknown
+/// column. A text is equal as a whole when some row has just this value, else in part; the quoted
+/// empty one is the unknown. Every row passes before a value is typed, and none when it should be a
+/// number and is not: then the hint says so.
+function comparisonOf(token) {
+  const [, typedName = "", sign, text] = /^(\w+)([:<>])(.*)$/s.exec(token) ?? [];
+  const { name, kind } = columnByName.get(typedName.toLowerCase()) ?? {};
+  if (!name) return null;
+  const value = withoutQuotes(text);
+  if (text === "") return { name, test: () => true };
+  if (value === "" && sign === ":") return { name, test: (row) => (row[name] ?? "") === "" };
   const isText = kind === "text" || kind === "state";
   if (isText && sign === ":") {
     const wanted = value.toLowerCase();
     const lower = (row) => (row[name] ?? "").toLowerCase();
     const isWhole = stateByName.has(wanted) || sampleRows.some((row) => lower(row) === wanted);
-    return (row) => (isWhole ? lower(row) === wanted : lower(row).includes(wanted));
+    const test = (row) => (isWhole ? lower(row) === wanted : lower(row).includes(wanted));
+    return { name, test };
   }
+  // Days compare as texts; other texts are not less or more than anything.
   const limit = name === "run_date" ? value : isText ? NaN : numberOf(value);
+  const hint = Number.isNaN(limit) ? `no number: ${token}` : undefined;
   const holds = { ":": (x) => x === limit, "<": (x) => x < limit, ">": (x) => x > limit }[sign];
-  if (kind === "positions") return (row) => row[name]?.some(holds) ?? false;
-  return (row) => row[name] !== null && holds(row[name]);
-}
-
-/// What is wrong with a comparison, for the one who types; "" when nothing is.
-function hintOf({ name, kind, sign, value }) {
-  if (value === "" || name === "run_date") return "";
-  if (kind !== "text" && kind !== "state") return numberOf(value) >= -Infinity ? "" : `“${value}” is no number`;
-  return sign === ":" ? "" : `${name} holds no numbers`;
+  const test = (row) => [row[name]].flat().some((x) => x !== null && holds(x));
+  return { name, test, hint };
 }
 
 /// {matches(row), hint} of a text. All of its terms must hold.
 function parseFilter(text) {
-  const comparisons = [];
-  const words = [];
-  for (const token of filterTokens(text)) {
-    const comparison = comparisonOf(token);
-    if (comparison) comparisons.push(comparison);
-    else words.push(withoutQuotes(token).toLowerCase());
-  }
-  const tests = comparisons.map(testOf);
-  const wordsOf = (row) => {
+  const tokens = filterTokens(text);
+  const comparisons = tokens.map(comparisonOf).filter((comparison) => comparison);
+  const words = tokens.filter((token) => !comparisonOf(token)).map(withoutQuotes);
+  const hasWord = (row, word) => {
     row.words ??= wordColumns.map((name) => row[name] ?? "").join("\n").toLowerCase();
-    return row.words;
+    return row.words.includes(word.toLowerCase());
   };
   return {
-    matches: (row) => tests.every((test) => test(row))
-      && words.every((word) => wordsOf(row).includes(word)),
-    hint: comparisons.map(hintOf).find((hint) => hint !== "") ?? "",
+    matches: (row) =>
+      comparisons.every(({ test }) => test(row)) && words.every((word) => hasWord(row, word)),
+    hint: comparisons.find(({ hint }) => hint)?.hint,
   };
 }
 
-/// The terms of `text` on the columns, those not on them, and whether the former are those of `wanted`.
-function partedFilter(text, wanted, columns) {
-  const isOn = (token) => columns.includes(comparisonOf(token)?.name);
-  const present = filterTokens(text).filter(isOn);
-  const tokens = filterTokens(wanted);
-  return {
-    others: filterTokens(text).filter((token) => !isOn(token)),
-    tokens,
-    isPressed: present.length === tokens.length && tokens.every((token) => present.includes(token)),
-  };
-}
-
-/// `text` with `wanted` in the place of its terms on the columns; without them if it has `wanted`.
+/// {isPressed, text}: whether the terms of `text` on `columns` are those of `wanted`; and `text`
+/// with these in the place of those, or without them if it has them.
 function toggledFilter(text, wanted, columns) {
-  const { others, tokens, isPressed } = partedFilter(text, wanted, columns);
-  return [...others, ...(isPressed ? [] : tokens)].join(" ");
+  const isOn = (token) => columns.includes(comparisonOf(token)?.name);
+  const tokens = filterTokens(text);
+  const present = tokens.filter(isOn);
+  const terms = filterTokens(wanted);
+  const isPressed = present.join(" ") === terms.join(" ");
+  const others = tokens.filter((token) => !isOn(token));
+  return { isPressed, text: [...others, ...(isPressed ? [] : terms)].join(" ") };
 }

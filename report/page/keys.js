@@ -1,7 +1,7 @@
 // Keys. The list of them stands in the page.
 
-/// Listens for keys. `actions`: step(by) to another row, filter(), help(), other(event) for the rest, true
-/// when it took the key. None acts while one types, in a dialog, or with Ctrl, Alt or Meta.
+/// Listens for keys: step(by) goes to another row, filter() and help() as they say; other(event) is
+/// true when it took the key. None acts while one types, in a dialog, or with Ctrl, Alt or Meta.
 function listenForKeys({ step, filter, help, other }) {
   document.addEventListener("keydown", (event) => {
     if (event.ctrlKey || event.altKey || event.metaKey || event.isComposing) return;

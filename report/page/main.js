@@ -6,10 +6,10 @@ const rowCount = document.getElementById("row-count");
 const notice = document.querySelector(".notice");
 
 const rowsByNeed = orderByNeed(sampleRows);
-let sortedRows = rowsByNeed;  // all of them, in the table's order
+let sortedRows = rowsByNeed;   // all of them, in the table's order
 let rowsInSight = rowsByNeed;  // those of them that the filter leaves
+let inSight = new Set(rowsByNeed);
 let sorting = null;            // {column, isDescending}; null for the order by need
-let inSight = new Set(sampleRows);
 let chosen = null;
 let map = null;
 
@@ -19,20 +19,20 @@ const traceView = createTraceView(panelOf("trace"), { onBase: changeAddress, onH
 const updateHead = createHead(panelOf("head"), (terms) => toggleFilter(terms, chipColumns));
 const table = createTable(document.querySelector(".rows"), { onChoose: choose, onSort: sortBy });
 
-/// Says something above the panels, until the next choice; null for nothing.
-function tell(text) {
-  notice.textContent = text ?? "";
-  notice.hidden = !text;
+/// Says something above the panels, until another row is chosen; nothing without a text.
+function tell(text = "") {
+  notice.textContent = text;
+  notice.hidden = text === "";
 }
 
-/// Chooses a row in the table, on the map and for the trace, at `base` or where the trace view opens it.
+/// Chooses a row in the table, on the map and for the trace, at `base` or where it opens by itself.
 /// A filter that hides the row goes. The promise holds when the trace is drawn.
 function choose(row, base = null) {
   if (!inSight.has(row)) {
     filterField.value = "";
     filterRows();
   }
-  if (row !== chosen) tell(null);
+  if (row !== chosen) tell();
   chosen = row;
   table.choose(row);
   map?.choose(row);
@@ -48,10 +48,9 @@ function filterRows() {
   const { matches, hint } = parseFilter(filterField.value);
   rowsInSight = sortedRows.filter(matches);
   inSight = new Set(rowsInSight);
-  const all = counted(sampleRows.length, "row");
-  const isWhole = rowsInSight.length === sampleRows.length;
-  rowCount.textContent = hint || (isWhole ? all : `${formatNumber(rowsInSight.length)} of ${all}`);
-  rowCount.classList.toggle("hint", hint !== "");
+  const some = inSight.size < sampleRows.length ? `${formatNumber(inSight.size)} of ` : "";
+  rowCount.textContent = hint ?? some + counted(sampleRows.length, "row");
+  rowCount.classList.toggle("hint", hint !== undefined);
   updateHead(filterField.value);
   table.show(rowsInSight);
   map?.filter((row) => inSight.has(row));
@@ -66,7 +65,7 @@ function applyFilter() {
 
 /// Puts terms into the filter in the place of others on the same columns, or takes them out.
 function toggleFilter(terms, columns) {
-  filterField.value = toggledFilter(filterField.value, terms, columns);
+  filterField.value = toggledFilter(filterField.value, terms, columns).text;
   applyFilter();
 }
 
@@ -89,7 +88,7 @@ function step(by) {
 /// Puts the rows in sight on the clipboard as TSV and says so on the button.
 function copyRows({ currentTarget: button }) {
   const text = [pageData.columns.join("\t"), ...rowsInSight.map(tsvLine), ""].join("\n");
-  // The older way: it needs no permission, and works wherever the page was opened.
+  // The older way needs no permission and works wherever the page was opened from.
   document.addEventListener("copy", (event) => {
     event.clipboardData.setData("text/plain", text);
     event.preventDefault();
@@ -104,7 +103,7 @@ function copyRows({ currentTarget: button }) {
 /// Opens what the address names, else the first row.
 function openAddress() {
   if (sampleRows.length === 0) return;
-  const { row, base, problem } = placeOfHash(location.hash, location.href.endsWith("#"));
+  const { row, base, problem } = placeOfAddress(location);
   choose(row ?? rowsInSight[0] ?? rowsByNeed[0], base);
   tell(problem);
 }
@@ -123,7 +122,7 @@ function rowNamed(name) {
   return row;
 }
 
-document.getElementById("static")?.remove();
+document.getElementById("static").remove();
 document.getElementById("app").hidden = false;
 panelOf("trace").hidden = sampleRows.length === 0;
 filterRows();
@@ -131,7 +130,7 @@ performance.mark("table");
 
 map = createMap(panelOf("map"), {
   onChoose: choose,
-  onPlate: (name) => toggleFilter(filterToken("plate", name), ["plate"]),
+  onPlate: (name) => toggleFilter(`plate:"${name.replaceAll('"', '""')}"`, ["plate"]),
 });
 openAddress();
 
@@ -146,11 +145,10 @@ listenForKeys({
 window.addEventListener("hashchange", openAddress);
 window.matchMedia("(prefers-color-scheme: dark)").addEventListener("change", repaint);
 document.addEventListener("colours", repaint);
-preparePrinting(traceView, () => ({
-  rows: rowsInSight,
-  filter: filterField.value,
-  row: chosen,
-}));
+window.addEventListener("resize", () => table.repaint());  // pixels of the screen can have changed
+preparePrinting(table, traceView, () => {
+  return { rows: rowsInSight, filter: filterField.value, row: chosen };
+});
 
 window.quillet = Object.freeze({
   show: async (name, base = null) => choose(rowNamed(name), base),

@@ -1,8 +1,8 @@
-// The rows: one object for each, as cells and as TSV, in order, and by their names in links.
+// The rows: one object for each, as texts, in order, and by their names in links.
 
 const pageData = JSON.parse(document.getElementById("rows").textContent);
 
-/// The table's columns by its headings: {name, kind, heading}. `name` is the TSV's; the strip has none.
+/// The table's columns by its headings. `name` is the TSV's; the strip has none.
 const tableColumns = [...document.querySelectorAll("#app th")].map((heading) => ({
   name: heading.dataset.column,
   kind: heading.dataset.kind,
@@ -17,10 +17,10 @@ function stateOf(name) {
   return stateByName.get(name);
 }
 
-/// All rows in the order of the audit: the twenty values by their names in the TSV, and what the page
-/// adds.
+/// All rows in the order of the audit: the values by their names in the TSV, `strip` and
+/// `hasPicture`; and the severity of the state.
 const sampleRows = pageData.rows.map((values, index) => {
-  const row = { index, values };
+  const row = { index };
   [...pageData.columns, "strip", "hasPicture"].forEach((name, i) => {
     row[name] = values[i];
   });
@@ -38,30 +38,23 @@ function gradeOf(contiguous) {
   return contiguous < 300 ? "poor" : "fair";
 }
 
-/// A value as a cell shows it; "" when it is unknown.
-function shownValue(row, { name, kind }) {
+/// A value as text, as in the TSV before escaping; "" when it is unknown.
+function valueText(row, name) {
   const value = row[name];
-  if (value === null) return "";
-  if (name === "mean_quality") return value.toFixed(1);
-  if (kind === "number") return formatNumber(value);
-  return kind === "positions" ? value.join(", ") : value;
+  return name === "mean_quality" && value !== null ? value.toFixed(1) : String(value ?? "");
 }
 
 const tsvEscapes = new Map([["\t", "t"], ["\n", "n"], ["\r", "r"], ["\\", "\\"], ["\0", "0"]]);
 
 /// A row as the program writes it into a TSV, without the line feed.
 function tsvLine(row) {
-  const fields = pageData.columns.map((name) => {
-    const value = row[name];
-    if (value === null) return "";
-    if (name === "mean_quality") return value.toFixed(1);
-    return String(value).replace(/[\t\n\r\\\0]/g, (letter) => `\\${tsvEscapes.get(letter)}`);
-  });
-  return fields.join("\t");
+  const escape = (letter) => `\\${tsvEscapes.get(letter)}`;
+  const field = (name) => valueText(row, name).replace(/[\t\n\r\\\0]/g, escape);
+  return pageData.columns.map(field).join("\t");
 }
 
-/// Sorts by need: worst state first, and whole results by the shortest good stretch. Those without calls
-/// have none and stand before all others of them.
+/// Rows by need: worst state first, and whole results by the shortest good stretch. Those without
+/// calls have none and stand before all others of them.
 function orderByNeed(rows) {
   const need = (row) => (row.severity === "whole" ? row.contiguous ?? -1 : 0);
   const rank = (row) => stateOf(row.state).rank;
@@ -70,18 +63,16 @@ function orderByNeed(rows) {
 
 const textOrder = new Intl.Collator("en", { numeric: true });
 
-/// Sorts by a column. Unknown values stand last either way, and equal ones keep their order.
-function orderByColumn(rows, { name, kind }, descending) {
+/// Rows by a column. Unknown values stand last either way, and equal ones keep their order.
+function orderByColumn(rows, { name, kind }, isDescending) {
   const keyOf = (row) => {
     if (kind === "state") return stateOf(row.state).rank;
-    const value = kind === "positions" ? row[name]?.[0] : row[name];
-    return value === "" ? null : value ?? null;
+    return (kind === "positions" ? row[name]?.[0] : row[name]) ?? "";
   };
-  const sign = descending ? -1 : 1;
   const compare = (a, b) => (typeof a === "number" ? a - b : textOrder.compare(a, b));
   return rows.map((row) => ({ row, key: keyOf(row) }))
     .sort(({ key: a }, { key: b }) =>
-      (a === null || b === null ? (a === null) - (b === null) : sign * compare(a, b)))
+      (a === "") - (b === "") || (isDescending ? compare(b, a) : compare(a, b)))
     .map(({ row }) => row);
 }
 

@@ -5,22 +5,20 @@ const headingHeight = 28;
 const rowsAround = 6;  // in the document beyond those in sight, at either end
 
 /// The cell of a row in a column.
-function tableCell(row, column, columnIndex) {
-  const cell = element("td", { className: column.kind, "aria-colindex": columnIndex + 1 });
-  if (column.kind === "strip") {
-    cell.append(stripCanvas(row));
-    return cell;
-  }
-  const value = shownValue(row, column);
-  if (column.kind === "state") cell.append(mark(row.severity));
-  if (column.name === "contiguous" && value !== "") cell.append(mark(gradeOf(row.contiguous)));
-  cell.append(value);
+function tableCell(row, { name, kind }, columnIndex) {
+  const cell = element("td", { className: kind, "aria-colindex": columnIndex + 1 });
+  if (kind === "state") cell.append(mark(row.severity));
+  if (name === "contiguous" && row[name] !== null) cell.append(mark(gradeOf(row[name])));
+  const isWhole = kind === "number" && Number.isInteger(row[name]) && name !== "mean_quality";
+  if (kind === "strip") cell.append(stripCanvas(row));
+  else cell.append(isWhole ? formatNumber(row[name]) : valueText(row, name));
   return cell;
 }
 
-/// Brings the table to life. `onChoose(row)` is called for a click, `onSort(column)` for one on a heading.
-/// Returns show(rows): these rows from the first one on; choose(row): marks it and brings it into sight;
-/// markSort(column, isDescending); repaint(): draws the strips again.
+/// Brings the table to life. `onChoose(row)` is called for a click, `onSort(column)` for one on a
+/// heading. Returns show(rows): these rows from the first one on; choose(row): marks it and brings
+/// it into sight; markSort(column, isDescending); repaint(paperLines): makes the lines anew, those
+/// in sight or as many for paper.
 function createTable(scroller, { onChoose, onSort }) {
   const grid = scroller.querySelector("table");
   const body = grid.querySelector("tbody");
@@ -29,6 +27,7 @@ function createTable(scroller, { onChoose, onSort }) {
   let chosen = null;
   const positions = new Map();  // in `rows`
   const lines = new Map();      // those in the document, by position
+  let paperLines = 0;           // put into the document for paper, from the first one on
 
   function tableLine(position) {
     const row = rows[position];
@@ -44,8 +43,9 @@ function createTable(scroller, { onChoose, onSort }) {
   /// Takes out the lines that have left and puts in those that have entered.
   function render() {
     const top = Math.min(Math.floor(scroller.scrollTop / rowHeight), rows.length);
-    const first = Math.max(0, top - rowsAround);
-    const end = Math.min(rows.length, top + Math.ceil(scroller.clientHeight / rowHeight) + rowsAround);
+    const first = paperLines > 0 ? 0 : Math.max(0, top - rowsAround);
+    const last = top + Math.ceil(scroller.clientHeight / rowHeight) + rowsAround;
+    const end = Math.min(rows.length, paperLines || last);
     for (const [position, line] of lines) {
       if (position >= first && position < end) continue;
       line.remove();
@@ -62,9 +62,12 @@ function createTable(scroller, { onChoose, onSort }) {
     }
     body.style.setProperty("--above", `${first * rowHeight}px`);
     body.style.setProperty("--below", `${(rows.length - end) * rowHeight}px`);
+    const chosenLine = lines.get(positions.get(chosen));
+    grid.setAttribute("aria-activedescendant", chosenLine?.id ?? "");
   }
 
-  function repaint() {
+  function repaint(newPaperLines = 0) {
+    paperLines = newPaperLines;
     lines.clear();
     body.replaceChildren();
     render();
@@ -76,7 +79,6 @@ function createTable(scroller, { onChoose, onSort }) {
     rows.forEach((row, position) => positions.set(row, position));
     grid.setAttribute("aria-rowcount", rows.length + 1);
     empty.hidden = rows.length > 0;
-    empty.textContent = sampleRows.length > 0 ? "No sample matches the filter." : "The project is empty.";
     scroller.scrollTop = 0;
     repaint();
   }
@@ -84,14 +86,11 @@ function createTable(scroller, { onChoose, onSort }) {
   function choose(row) {
     lines.get(positions.get(chosen))?.setAttribute("aria-selected", "false");
     chosen = row;
-    grid.removeAttribute("aria-activedescendant");
-    if (!positions.has(row)) return;
     const top = positions.get(row) * rowHeight;
     const highest = top - (scroller.clientHeight - headingHeight - rowHeight);
     scroller.scrollTop = Math.max(Math.min(scroller.scrollTop, top), highest);
     render();
-    lines.get(positions.get(row))?.setAttribute("aria-selected", "true");
-    grid.setAttribute("aria-activedescendant", `row-${row.index}`);
+    lines.get(positions.get(row)).setAttribute("aria-selected", "true");
   }
 
   function markSort(sorted, isDescending) {
@@ -114,7 +113,7 @@ function createTable(scroller, { onChoose, onSort }) {
   // A text that does not fit is told whole.
   body.addEventListener("mouseover", ({ target }) => {
     const cell = target.closest("td");
-    if (cell && cell.scrollWidth > cell.clientWidth) cell.title = cell.textContent;
+    if (cell?.scrollWidth > cell?.clientWidth) cell.title = cell.textContent;
   });
   return { show, choose, markSort, repaint };
 }

@@ -12,8 +12,8 @@ function counted(count, noun) {
   return `${formatNumber(count)} ${noun}${count === 1 ? "" : "s"}`;
 }
 
-/// A new node. `className` and `text` are set as such, a function under "onclick" listens, and all else
-/// becomes an attribute. Children are nodes or texts.
+/// A new node. `className` and `text` are set, a function under "onclick" listens, all else becomes
+/// an attribute. Children are nodes or texts.
 function element(tag, settings = {}, ...children) {
   const node = document.createElement(tag);
   for (const [name, value] of Object.entries(settings)) {
@@ -28,22 +28,19 @@ function element(tag, settings = {}, ...children) {
 
 const colours = new Map();
 
-/// The computed value of a custom property of the root, such as "--base-a". Kept until forgetColours().
+/// The computed value of a custom property of the root, such as "--base-a".
 function colourOf(name) {
-  if (!colours.has(name)) {
-    const style = getComputedStyle(document.documentElement);
-    colours.set(name, style.getPropertyValue(name).trim());
-  }
+  const style = getComputedStyle(document.documentElement);
+  if (!colours.has(name)) colours.set(name, style.getPropertyValue(name).trim());
   return colours.get(name);
 }
 
-/// Call it when the theme or the palette has changed, before anything is drawn again.
+/// To be called when theme or palette have changed, before anything is drawn again.
 function forgetColours() {
   colours.clear();
 }
 
-/// The context of a canvas of `width` x `height` CSS px, cleared. One unit is one CSS px, and there are
-/// as many pixels as the screen has.
+/// The context of a canvas of `width` x `height` CSS px, cleared, in units of CSS px.
 function sizedContext(canvas, width, height) {
   const ratio = window.devicePixelRatio || 1;
   canvas.width = Math.max(1, Math.round(width * ratio));
@@ -51,6 +48,6 @@ function sizedContext(canvas, width, height) {
   canvas.style.width = `${width}px`;
   canvas.style.height = `${height}px`;
   const context = canvas.getContext("2d");
-  context.setTransform(ratio, 0, 0, ratio, 0, 0);
+  context.scale(ratio, ratio);
   return context;
 }

@@ -8,8 +8,6 @@
 
 #include "foundation/channels.h"
 
-// The peaks are those of triangles that are put under the calls; every sample counts from 0.
-
 namespace {
 
 using ::testing::ElementsAre;
@@ -18,9 +16,6 @@ using ::testing::IsEmpty;
 constexpr std::uint32_t pointCount = 120;
 
 /// A trace of three As at the samples 20, 60 and 100; more peaks are added by the tests.
-///
-/// The highest peak is 65280, so that no sample is rescaled; the trace is too short for the balance
-/// of the channels.
 class MixedBases : public ::testing::Test {
  protected:
   MixedBases() {
@@ -38,17 +33,18 @@ class MixedBases : public ::testing::Test {
     samples[at - 1] = samples[at + 1] = static_cast<std::uint16_t>(height / 2);
   }
 
+  std::vector<Quillet::MixedBase> found(double ratio = 0.33, std::uint32_t begin = 0,
+                                        std::uint32_t end = 3) const {
+    return Quillet::mixedBases({.bases = bases_,
+                                .positions = positions_.data(),
+                                .channels = channels_,
+                                .begin = begin,
+                                .end = end,
+                                .ratio = ratio});
+  }
   std::vector<std::uint32_t> mixed(double ratio = 0.33, std::uint32_t begin = 0,
-                                   std::uint32_t end = 3) {
-    Quillet::PolyPeaks peaks;
-    peaks.compute({channels_, bases_, positions_.data()});
-    return Quillet::mixedPositions({.bases = bases_,
-                                    .positions = positions_.data(),
-                                    .pointCount = pointCount,
-                                    .found = peaks,
-                                    .begin = begin,
-                                    .end = end,
-                                    .ratio = ratio});
+                                   std::uint32_t end = 3) const {
+    return Quillet::mixedPositions({.mixed = found(ratio, begin, end)});
   }
 
   Quillet::Channels channels_{pointCount};
@@ -119,6 +115,79 @@ TEST_F(MixedBases, PositionsOutsideTheTraceAreNoTrouble) {
   positions_ = {-2147483647 - 1, 2147483647, -1, static_cast<std::int32_t>(pointCount)};
 
   EXPECT_THAT(mixed(0.0), ::testing::SizeIs(::testing::Le(3U)));
+}
+
+TEST_F(MixedBases, TheSecondPeakIsTheHighestAndItsHeightIsMeasuredByTheCalledOne) {
+  addPeak('C', 60, 30000);
+  addPeak('T', 61, 48960);  // three quarters of the called peak
+  addPeak('G', 62, 40000);
+
+  ASSERT_THAT(found(), ::testing::SizeIs(1));
+  EXPECT_EQ(found()[0].position, 2U);
+  EXPECT_EQ(found()[0].second, 'T');
+  EXPECT_EQ(found()[0].ratio, 0.75);
+}
+
+// The called peak stands 2 samples beside the called position.
+TEST_F(MixedBases, TheCalledHeightIsTheHighestNearTheCall) {
+  positions_[1] = 58;
+  addPeak('C', 58, 32640);
+
+  ASSERT_THAT(found(), ::testing::SizeIs(1));
+  EXPECT_EQ(found()[0].ratio, 0.5);
+}
+
+TEST_F(MixedBases, AShoulderOfANeighbourIsNoSecondPeak) {
+  const auto rising = channels_[Quillet::channelOf('G')];
+  for (std::size_t i = 40; i <= 84; ++i) rising[i] = static_cast<std::uint16_t>(1000 * (i - 39));
+
+  EXPECT_THAT(mixed(), IsEmpty());  // G is at 21000 and rises where A is called
+}
+
+TEST_F(MixedBases, APeakWithAFlatTopCounts) {
+  const auto samples = channels_[Quillet::channelOf('G')];
+  for (std::size_t i = 45; i <= 75; ++i) samples[i] = 40000;
+
+  EXPECT_THAT(mixed(), ElementsAre(2U));
+}
+
+TEST_F(MixedBases, SignalThatStaysLevelIsNoPeak) {
+  std::ranges::fill(channels_[Quillet::channelOf('G')], std::uint16_t{40000});
+
+  EXPECT_THAT(mixed(), IsEmpty());
+}
+
+// A blob in one channel or noise in a short one changes the heights of a .poly.
+TEST_F(MixedBases, OtherPartsOfTheTraceDoNotCount) {
+  addPeak('G', 60, 32640);
+  addPeak('G', 40, 65280);
+  addPeak('G', 80, 65280);
+
+  EXPECT_THAT(mixed(0.5), ElementsAre(2U));
+  EXPECT_THAT(mixed(0.51), IsEmpty());
+}
+
+TEST_F(MixedBases, WithoutACalledHeightAnySecondPeakCounts) {
+  std::ranges::fill(channels_[Quillet::channelOf('A')], std::uint16_t{0});
+  addPeak('G', 60, 10);
+
+  ASSERT_THAT(found(1000), ::testing::SizeIs(1));
+  EXPECT_EQ(found()[0].second, 'G');
+  EXPECT_GT(found()[0].ratio, 1e300);
+}
+
+TEST_F(MixedBases, ThePlaceReachesAtMost32SamplesFarFromTheCall) {
+  channels_ = Quillet::Channels(1000);
+  for (int channel = 0; channel < Quillet::channelCount; ++channel) {
+    std::ranges::fill(channels_[channel], std::uint16_t{0});
+  }
+  positions_ = {0, 500, 1000, 1000};
+  addPeak('A', 500, 60000);
+  addPeak('C', 534, 60000);
+  EXPECT_THAT(mixed(0.33, 1, 2), IsEmpty());
+
+  addPeak('C', 532, 60000);
+  EXPECT_THAT(mixed(0.33, 1, 2), ElementsAre(2U));
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ using Quillet::SampleState;
 /// The read of a row with these calls.
 std::optional<Quillet::Read> readOf(const Quillet::SampleRow& row,
                                     const Quillet::TraceContent& content, bool trim = false) {
-  return Quillet::readOf({row, &content, nullptr, nullptr}, trim);
+  return Quillet::readOf({row, &content, nullptr}, trim);
 }
 
 Quillet::SampleRow trimmedRow(std::uint32_t start, std::uint32_t end) {
@@ -81,7 +81,7 @@ TEST(FastqReads, AreThereWhateverTheResultIs) {
 TEST(FastqReads, NeedATraceWithCallsAndQualities) {
   const Quillet::SampleRow row = rowOf("s", SampleState::refused);
 
-  EXPECT_FALSE(Quillet::readOf({row, nullptr, nullptr, nullptr}, false));
+  EXPECT_FALSE(Quillet::readOf({row, nullptr, nullptr}, false));
   EXPECT_FALSE(readOf(row, contentOf("", {})));
   EXPECT_FALSE(readOf(row, contentOf("ACGT", {0, 9, 128, 255})));
   EXPECT_TRUE(readOf(row, contentOf("ACGT", {0, 9, 127, 255})));

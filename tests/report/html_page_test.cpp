@@ -34,8 +34,7 @@ std::string pageOf(const std::vector<Shown>& samples,
   const ScratchFolder folder;
   Quillet::HtmlPage page(about, folder.path());
   for (const Shown& sample : samples) {
-    page.add(
-        {.row = sample.row, .content = sample.content, .peaks = nullptr, .result = sample.result});
+    page.add({.row = sample.row, .content = sample.content, .result = sample.result});
   }
   Quillet::OutputFile file("page.html");
   page.writeTo(file);

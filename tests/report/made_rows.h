@@ -23,7 +23,7 @@ inline Quillet::SampleRow fullRow() {
                                      .trimStart = 12,
                                      .trimEnd = 690,
                                      .noCalls = 3,
-                                     .mixedPositions = {45, 101}};
+                                     .mixed = {{45, 'G', 0.5}, {101, 'T', 0.4}}};
   row.caller = "caller 1.4";
   row.notes = {.plate = "P07",
                .well = "B01",

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -123,9 +124,7 @@ Picture read(const std::string& bytes) {
 std::string bytesOf(const MadeTrace& trace, const Quillet::PhdResult* result = nullptr) {
   const Quillet::TraceContent content = trace.content();
   const Quillet::SampleRow row = rowOf("a", Quillet::SampleState::differs);
-  return Quillet::tracePicture(
-             {.row = row, .content = &content, .peaks = nullptr, .result = result})
-      .bytes;
+  return Quillet::tracePicture({.row = row, .content = &content, .result = result}).bytes;
 }
 
 Picture pictureOf(const MadeTrace& trace) { return read(bytesOf(trace)); }
@@ -307,44 +306,24 @@ TEST(TracePicture, HoldsOnlyBytesThatFitAMillionBases) {
   EXPECT_EQ(bytesOf(trace).size(), 32U + 4'000'000U);
 }
 
-// Triangles as high as can be are not rescaled, and the trace is too short for the balance of the
-// channels: heights are those of the samples.
 TEST(TracePicture, HoldsTheSecondPeakOfEachMixedBase) {
-  constexpr std::uint32_t pointCount = 220;
-  MadeTrace trace{.channels = {},
-                  .bases = "AAAAA",
-                  .qualities = {40, 40, 40, 40, 40},
-                  .positions = {20, 60, 100, 140, 180}};
-  trace.channels.fill(Samples(pointCount));
-  const auto addPeak = [&trace](int channel, std::size_t position, std::uint16_t height) {
-    Samples& samples = trace.channels[static_cast<std::size_t>(channel)];
-    samples[position] = height;
-    samples[position - 1] = samples[position + 1] = height / 2;
-  };
-  const std::uint16_t highest = 65280;
-  for (const std::uint32_t position : trace.positions) addPeak(0, position, highest);
-  addPeak(0, 140, 20000);
-  addPeak(0, 180, 30000);
-  addPeak(2, 20, 40000);
-  addPeak(1, 60, 32640);
-  addPeak(3, 100, 21921);  // 33.58 %
-  addPeak(2, 140, 65000);  // 325 %
-  addPeak(1, 180, 36150);  // 120.5 %
+  const MadeTrace trace{.channels = {Samples(9), Samples(9), Samples(9), Samples(9)},
+                        .bases = "AAAAA",
+                        .qualities = {40, 40, 40, 40, 40},
+                        .positions = {1, 3, 5, 7, 8}};
   const Quillet::TraceContent content = trace.content();
-  Quillet::Channels rescaled = trace.content().channels;
-  Quillet::PolyPeaks peaks;
-  const std::vector<std::int32_t> positions{20, 60, 100, 140, 180, pointCount};
-  peaks.compute({rescaled, Tessaly::String("AAAAA"), positions.data()});
   Quillet::SampleRow row = rowOf("a", Quillet::SampleState::converted);
-  row.figures = Quillet::CallFigures{.mixedPositions = {2, 3, 4, 5}};
+  row.figures = Quillet::CallFigures{};
+  row.figures->mixed = {{2, 'C', 0.5}, {3, 'T', 0.3358}, {4, 'G', 3.25}, {5, 'C', 1.205}};
+  const double infinite = std::numeric_limits<double>::infinity();
+  row.figures->mixed.push_back({6, 'G', infinite});
 
-  const Picture picture = read(
-      Quillet::tracePicture({.row = row, .content = &content, .peaks = &peaks, .result = nullptr})
-          .bytes);
+  const Picture picture =
+      read(Quillet::tracePicture({.row = row, .content = &content, .result = nullptr}).bytes);
 
-  EXPECT_EQ(picture.head[5], 4U);
-  EXPECT_EQ(picture.seconds, "CTGC");
-  EXPECT_THAT(picture.percents, ElementsAre(50, 34, 255, 121));
+  EXPECT_EQ(picture.head[5], 5U);
+  EXPECT_EQ(picture.seconds, "CTGCG");
+  EXPECT_THAT(picture.percents, ElementsAre(50, 34, 255, 121, 255));
 }
 
 TEST(TracePicture, HoldsTheResultWhereItSaysSomethingElse) {
@@ -370,7 +349,7 @@ TEST(TracePicture, OfAnOrphanIsItsResult) {
   const Quillet::PhdResult result{.header = {}, .bases = "A", .qualities = {9}, .positions = {4}};
 
   const Quillet::TracePicture picture =
-      Quillet::tracePicture({.row = row, .content = nullptr, .peaks = nullptr, .result = &result});
+      Quillet::tracePicture({.row = row, .content = nullptr, .result = &result});
 
   EXPECT_THAT(read(picture.bytes).head, ElementsAre(0, 0, 1, 1, 0, 0, 1, 1));
   EXPECT_EQ(read(picture.bytes).resultBases, "A");
@@ -381,7 +360,7 @@ TEST(TracePicture, OfNothingIsEmpty) {
   const Quillet::TraceContent content;
   for (const Quillet::TraceContent* each : {&content, static_cast<decltype(&content)>(nullptr)}) {
     const Quillet::TracePicture picture =
-        Quillet::tracePicture({.row = row, .content = each, .peaks = nullptr, .result = nullptr});
+        Quillet::tracePicture({.row = row, .content = each, .result = nullptr});
     EXPECT_EQ(picture.bytes, "");
     EXPECT_THAT(picture.cuts, IsEmpty());
   }
@@ -397,7 +376,7 @@ TEST(TracePicture, IsCutWhereAnotherKindOfBytesBegins) {
       .header = {}, .bases = "AC", .qualities = {9, 9}, .positions = {4, 5}};
 
   const Quillet::TracePicture picture =
-      Quillet::tracePicture({.row = row, .content = &content, .peaks = nullptr, .result = &result});
+      Quillet::tracePicture({.row = row, .content = &content, .result = &result});
 
   EXPECT_THAT(picture.cuts, ElementsAre(36, 39, 42, 45, 48, 50, 52, 54));
   EXPECT_EQ(picture.bytes.size(), 56U);
