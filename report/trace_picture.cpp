@@ -5,6 +5,7 @@
 #include <cctype>
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
@@ -25,10 +26,12 @@ std::int64_t positionOf(const BaseCalls& calls, std::size_t base) {
   return static_cast<std::int32_t>(calls.peaks[base]);
 }
 
-std::vector<std::uint16_t> calledHeights(const TraceContent& content) {
+/// The heights of the bases from `begin` to before `end` that are A, C, G or T inside the trace.
+std::vector<std::uint16_t> calledHeights(const TraceContent& content, std::uint32_t begin,
+                                         std::uint32_t end) {
   std::vector<std::uint16_t> heights;
   const BaseCalls& calls = content.calls;
-  for (std::size_t base = 0; base < calls.count; ++base) {
+  for (std::size_t base = begin; base < std::min(end, calls.count); ++base) {
     const int letter = std::toupper(static_cast<unsigned char>(calls.bases[base]));
     const int channel = channelOf(static_cast<char>(letter));
     const std::int64_t position = positionOf(calls, base);
@@ -43,6 +46,11 @@ std::uint32_t valueAt(std::vector<std::uint16_t>& values, std::size_t place) {
   const auto found = values.begin() + static_cast<std::ptrdiff_t>(place);
   std::nth_element(values.begin(), found, values.end());
   return *found;
+}
+
+/// 0 where too few heights tell.
+std::uint32_t medianOf(std::vector<std::uint16_t> heights) {
+  return heights.size() < fewestPeaks ? 0 : valueAt(heights, heights.size() / 2);
 }
 
 std::uint32_t highestPercentile(const Channels& channels) {
@@ -141,10 +149,10 @@ void putResult(PictureBytes& picture, const PhdResult& result) {
 
 }  // namespace
 
-PictureScale pictureScale(const TraceContent& content) {
-  std::vector<std::uint16_t> heights = calledHeights(content);
-  const std::size_t count = heights.size();
-  const std::uint32_t median = count < fewestPeaks ? 0 : valueAt(heights, count / 2);
+PictureScale pictureScale(const TraceContent& content, std::uint32_t trimStart,
+                          std::uint32_t trimEnd) {
+  std::uint32_t median = medianOf(calledHeights(content, trimStart, trimEnd));
+  if (median == 0) median = medianOf(calledHeights(content, 0, content.calls.count));
   if (median > 0) return {.top = 4 * median, .inSight = (5 * median + 1) / 2};
   const std::uint32_t amplitude = std::max(2 * highestPercentile(content.channels), 1U);
   return {.top = amplitude, .inSight = amplitude};
@@ -159,7 +167,12 @@ TracePicture tracePicture(const AuditedSample& sample) {
   if (pointCount == 0 && baseCount == 0 && result == nullptr) return {};
 
   const std::size_t kept = (pointCount + step - 1) / step;
-  const PictureScale scale = content == nullptr ? PictureScale() : pictureScale(*content);
+  PictureScale scale;
+  if (content != nullptr) {
+    const std::optional<CallFigures>& figures = sample.row.figures;
+    scale =
+        pictureScale(*content, figures ? figures->trimStart : 0, figures ? figures->trimEnd : 0);
+  }
   std::span<const MixedBase> mixed;
   if (sample.row.figures) mixed = sample.row.figures->mixed;
   constexpr std::size_t headSize = std::size_t{8} * 4;

@@ -41,9 +41,11 @@ struct PictureScale {
 };
 
 /// The called heights are the samples of the called channels at the positions of the bases A, C, G,
-/// T in either case. With fewer than 20, or a median of 0, both amplitudes are twice the 99th
-/// percentile of the channel in which that is highest. 1 at least.
-PictureScale pictureScale(const TraceContent& content);
+/// T in either case: those of the trim range, or else of all calls, when there are 20 and their
+/// median is not 0. Without such heights both amplitudes are twice the 99th percentile of the
+/// channel in which that is highest. 1 at least.
+PictureScale pictureScale(const TraceContent& content, std::uint32_t trimStart,
+                          std::uint32_t trimEnd);
 
 struct TracePicture {
   std::string bytes;              // as described above

@@ -20,23 +20,20 @@ function grouped(rows, keyOf) {
   return [...groups].sort(([a], [b]) => textOrder.compare(a, b)).map(([, group]) => group);
 }
 
-/// A cell's sample in words.
-function cellText({ sample, state, detail, contiguous }) {
-  return `${sample}: ${state}, ${detail && `${detail}, `}good stretch ${contiguous ?? "unknown"}`;
-}
-
 /// A grid of cells by `placeOf(row)`, [line, column]. A cell shows its worst sample, and how many.
 function cellGrid(label, rows, [lineCount, columnCount], placeOf) {
   const grid = element("div", { className: "cells", role: "img", "aria-label": label });
   grid.style.setProperty("--lines", lineCount);
   grid.style.setProperty("--columns", columnCount);
+  const textOf = ({ sample, state, detail, contiguous }) =>
+    `${sample}: ${state} ${detail && `(${detail}) `}· good stretch ${contiguous ?? "unknown"}`;
   for (const group of grouped(rows, (row) => placeOf(row).join())) {
     const held = orderByNeed(group);
     const [worst] = held;
     const cell = element("i", {
       className: `${gradeOf(worst.contiguous)} ${worst.severity}`,
       "data-rows": held.map(({ index }) => index).join(" "),
-      title: held.slice(0, 9).map(cellText).join("\n"),
+      title: held.slice(0, 9).map(textOf).join("\n"),
     });
     if (held.length > 1) cell.dataset.count = held.length;
     cell.style.gridArea = placeOf(worst).join(" / ");
@@ -45,10 +42,9 @@ function cellGrid(label, rows, [lineCount, columnCount], placeOf) {
   return grid;
 }
 
-/// Letters or numbers beside a grid; each `step` is written.
-function gridLabels(className, count, step, textOf) {
-  const spans = Array.from({ length: count }, (_, i) =>
-    element("span", { text: i === 0 || (i + 1) % step === 0 ? textOf(i) : "" }));
+/// Numbers or letters beside a grid; the style sheet counts and writes them.
+function gridLabels(className, count) {
+  const spans = Array.from({ length: count }, () => element("span"));
   const labels = element("div", { className, "aria-hidden": "true" }, ...spans);
   labels.style.setProperty("--columns", count);
   return labels;
@@ -82,7 +78,7 @@ function runLines(rows) {
     const grid = cellGrid(label, group, [1, columnCount], ({ capillary }) => [1, capillary]);
     return line(notes[0] ?? "unknown", label, grid);
   });
-  const numbers = gridLabels("numbers", columnCount, columnCount > 24 ? 8 : 1, (i) => i + 1);
+  const numbers = gridLabels(columnCount > 24 ? "numbers many" : "numbers", columnCount);
   return lines.length > 0 ? [line("capillary", "", numbers), ...lines] : [];
 }
 
@@ -115,8 +111,8 @@ function createMap(panel, { onChoose, onPlate }) {
     const [lineCount, columnCount] = plate.size;
     large.replaceChildren(
       element("div", { className: "plate-title" }, plateButton(plate), plate.count),
-      gridLabels("numbers", columnCount, 1, (i) => i + 1),
-      gridLabels("letters", lineCount, 1, (i) => (i + 10).toString(36).toUpperCase()),
+      gridLabels("numbers", columnCount),
+      gridLabels("letters", lineCount),
       plate.grid.cloneNode(true),
     );
   }

@@ -8,8 +8,7 @@ const stripDigits = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvw
 
 /// A canvas with the strip of a row. All strips have one scale: 0 to the longest read.
 function stripCanvas(row) {
-  const label = !row.bases ? "no calls"
-    : `${counted(row.bases, "base")}, good from ${row.trim_start + 1} to ${row.trim_end}`;
+  const label = `Qualities of ${counted(row.bases ?? 0, "base")}`;
   const canvas = element("canvas", { role: "img", "aria-label": label });
   const context = sizedContext(canvas, stripWidth, stripHeight);
   const ratio = window.devicePixelRatio || 1;

@@ -139,6 +139,11 @@ MadeTrace calledAt(const Samples& heights) {
   return trace;
 }
 
+/// The scale of a trace whose trim range is empty.
+Quillet::PictureScale scaleOf(const MadeTrace& trace) {
+  return Quillet::pictureScale(trace.content(), 0, 0);
+}
+
 Samples rising(int count, int first, int step) {
   Samples samples;
   for (int i = 0; i < count; ++i) samples.push_back(static_cast<std::uint16_t>(first + i * step));
@@ -214,7 +219,7 @@ TEST(TracePicture, ReachesToFourMediansOfTheCalledHeights) {
 }
 
 TEST(PictureScale, RoundsWhatIsInSightUp) {
-  const Quillet::PictureScale scale = Quillet::pictureScale(calledAt(Samples(20, 3)).content());
+  const Quillet::PictureScale scale = scaleOf(calledAt(Samples(20, 3)));
 
   EXPECT_EQ(scale.top, 12U);
   EXPECT_EQ(scale.inSight, 8U);  // 7.5
@@ -226,22 +231,51 @@ TEST(PictureScale, AsksTheCalledChannelOfEachBase) {
   trace.bases =
       std::string(5, 'A') + std::string(5, 'c') + std::string(9, 'G') + std::string(5, 't');
 
-  EXPECT_EQ(Quillet::pictureScale(trace.content()).top, 1200U);  // 5, 5, 9, 5: the 13th is a G's
+  EXPECT_EQ(scaleOf(trace).top, 1200U);  // 5, 5, 9, 5: the 13th is a G's
+}
+
+// The noise after the trim range is a tenth as high, and there is more of it.
+TEST(PictureScale, AsksTheTrimRangeWhenThatHasTwentyPeaks) {
+  Samples heights(50, 30);
+  std::fill(heights.begin() + 5, heights.begin() + 25, 300);
+  const Quillet::TraceContent content = calledAt(heights).content();
+
+  EXPECT_EQ(Quillet::pictureScale(content, 5, 25).top, 1200U);
+  EXPECT_EQ(Quillet::pictureScale(content, 5, 25).inSight, 750U);
+  EXPECT_EQ(Quillet::pictureScale(content, 5, 24).top, 120U);
+  EXPECT_EQ(Quillet::pictureScale(content, 30, 999).top, 120U);
+  EXPECT_EQ(Quillet::pictureScale(content, 60, 5).top, 120U);
+}
+
+TEST(TracePicture, HasTheScaleOfTheTrimRange) {
+  Samples heights(50, 30);
+  std::fill(heights.begin() + 5, heights.begin() + 25, 300);
+  const Quillet::TraceContent content = calledAt(heights).content();
+  Quillet::SampleRow row = rowOf("a", Quillet::SampleState::converted);
+  row.figures = Quillet::CallFigures{};
+  row.figures->trimStart = 5;
+  row.figures->trimEnd = 25;
+
+  const Picture picture =
+      read(Quillet::tracePicture({.row = row, .content = &content, .result = nullptr}).bytes);
+
+  EXPECT_EQ(picture.head[2], 1200U);
+  EXPECT_EQ(picture.head[3], 750U);
 }
 
 // Only 19 peaks are called inside the trace, so that all samples tell: the highest is 50.
 TEST(PictureScale, CountsOnlyACGTInsideTheTrace) {
   MadeTrace trace = calledAt(Samples(24, 50));
-  EXPECT_EQ(Quillet::pictureScale(trace.content()).top, 200U);
+  EXPECT_EQ(scaleOf(trace).top, 200U);
   trace.bases[3] = 'N';
   trace.bases[4] = '-';
   trace.positions[5] = 24;
   trace.positions[6] = 0xFFFFFFFF;
-  EXPECT_EQ(Quillet::pictureScale(trace.content()).top, 200U);
+  EXPECT_EQ(scaleOf(trace).top, 200U);
   trace.positions[7] = 0x80000000;
 
-  EXPECT_EQ(Quillet::pictureScale(trace.content()).top, 100U);
-  EXPECT_EQ(Quillet::pictureScale(trace.content()).inSight, 100U);
+  EXPECT_EQ(scaleOf(trace).top, 100U);
+  EXPECT_EQ(scaleOf(trace).inSight, 100U);
 }
 
 // One sample of a hundred may be higher than the 99th percentile.
@@ -250,20 +284,20 @@ TEST(PictureScale, WithoutPeaksIsTwiceThe99thPercentileOfTheHighestChannel) {
   trace.channels = {Samples(101, 7), rising(101, 0, 10), Samples(101, 30), Samples(101, 0)};
   trace.channels[2][50] = 60000;
 
-  EXPECT_EQ(Quillet::pictureScale(trace.content()).top, 1980U);
+  EXPECT_EQ(scaleOf(trace).top, 1980U);
 }
 
 TEST(PictureScale, OfPeaksWithoutHeightIsThatOfATraceWithoutPeaks) {
   MadeTrace trace = calledAt(Samples(30, 0));
   trace.channels[2] = Samples(30, 8);
 
-  EXPECT_EQ(Quillet::pictureScale(trace.content()).top, 16U);
+  EXPECT_EQ(scaleOf(trace).top, 16U);
 }
 
 TEST(PictureScale, IsNeverNothing) {
   for (const MadeTrace& trace : {MadeTrace(), calledAt(Samples(30, 0))}) {
-    EXPECT_EQ(Quillet::pictureScale(trace.content()).top, 1U);
-    EXPECT_EQ(Quillet::pictureScale(trace.content()).inSight, 1U);
+    EXPECT_EQ(scaleOf(trace).top, 1U);
+    EXPECT_EQ(scaleOf(trace).inSight, 1U);
   }
 }
 
