@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "report/escaped_text.h"
+#include "audit/escaped_text.h"
 
 namespace Quillet {
 
