@@ -1,7 +1,6 @@
 #pragma once
 
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -18,12 +17,6 @@ struct CommandLine {
   std::optional<std::string> fasta;
   bool trim = false;  // of FASTQ and FASTA
   double mixedRatio = 0.33;
-};
-
-/// A wrong command line.
-class UsageError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
 };
 
 /// Reads the words that follow the program's name. The converter's spellings -dir, -list, -nostrip,
