@@ -1,8 +1,7 @@
 #include "shards/shard_folder.h"
 
+#include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -10,6 +9,8 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <utility>
+
+#include "shards/file_operations.h"
 
 namespace Quillet {
 
@@ -35,13 +36,6 @@ constexpr std::array texts{
     Text{"plan", &ShardSettings::planId}, Text{"project", &ShardSettings::project},
     Text{"chromat", &ShardSettings::chromatPath}, Text{"phd", &ShardSettings::phdPath},
     Text{"poly", &ShardSettings::polyPath}};
-
-void writeFile(const std::string& path, const std::string& bytes) {
-  std::ofstream stream(path, std::ios::binary);
-  stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  stream.close();
-  if (!stream) throw std::runtime_error("can not write " + path + ": " + std::strerror(errno));
-}
 
 /// The texts of a file that ends each with a zero byte.
 std::vector<std::string> readTexts(const ShardFolder& folder, const std::string& path) {
@@ -81,10 +75,17 @@ bool ShardFolder::isDone() const {
   return stat(messages().c_str(), &status) == 0;
 }
 
+std::string shardName(std::size_t number, std::size_t highest) {
+  constexpr std::size_t fewestDigits = 4;
+  const std::size_t digits = std::max(fewestDigits, std::to_string(highest).size());
+  const std::string text = std::to_string(number);
+  return std::string(digits - text.size(), '0') + text;
+}
+
 void writeShard(const ShardFolder& folder, const ShardContents& contents) {
   std::string names;
   for (const std::string& name : contents.names) names.append(name).push_back('\0');
-  writeFile(folder.names(), names);
+  writeWholeFile(folder.names(), names);
 
   std::string settings;
   const auto add = [&settings](const char* key, const std::string& value) {
@@ -93,7 +94,7 @@ void writeShard(const ShardFolder& folder, const ShardContents& contents) {
   for (const Flag& flag : flags) add(flag.key, contents.settings.*flag.value ? "1" : "0");
   for (const Text& text : texts) add(text.key, contents.settings.*text.value);
   add(nameCountKey, std::to_string(contents.names.size()));
-  writeFile(folder.settings(), settings);
+  writeWholeFile(folder.settings(), settings);
 }
 
 ShardContents readShard(const ShardFolder& folder) {

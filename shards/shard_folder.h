@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -52,6 +53,10 @@ class ShardFolder {
  private:
   std::string path_;
 };
+
+/// The name of a shard, "0001": as many digits as the highest number needs, so that names sort.
+/// Numbers start at 1.
+std::string shardName(std::size_t number, std::size_t highest);
 
 /// Writes the files `names` and `settings` into the folder, which exists. Throws
 /// std::runtime_error.

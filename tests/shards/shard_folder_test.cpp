@@ -51,6 +51,16 @@ TEST(ShardFolder, SaysWhereThingsAre) {
   EXPECT_EQ(folder.messages(), "/p/shards/0012/result/messages");
 }
 
+TEST(ShardFolder, HasANameThatSorts) {
+  using Quillet::shardName;
+
+  EXPECT_EQ(shardName(1, 1), "0001");
+  EXPECT_EQ(shardName(64, 200), "0064");
+  EXPECT_EQ(shardName(9999, 9999), "9999");
+  EXPECT_EQ(shardName(1, 10000), "00001");
+  EXPECT_EQ(shardName(10000, 10000), "10000");
+}
+
 TEST(ShardFolder, ReadsWhatItWrote) {
   const ScratchFolder scratch;
   const ShardFolder folder(scratch.path().string());
