@@ -46,12 +46,14 @@ bool isMeterLine(std::string_view line) {
   return !number.empty() && number.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-/// Cuts the text into pieces and gives each to its name.
+/// Cuts a text and gives each piece to its name.
 class Cutter {
  public:
-  explicit Cutter(const PrintedRun& run) : run_(run), messages_(run.names.size()) {}
+  explicit Cutter(const PrintedRun& run)
+      : run_(run),
+        messages_{.byName = std::vector<NameMessages>(run.names.size()), .trouble = {}} {}
 
-  std::vector<NameMessages> cut(std::string_view text) {
+  RunMessages cut(std::string_view text) {
     while (!text.empty()) {
       if (takeMessage(text)) continue;
       const std::string_view line = takeLine(text);
@@ -59,6 +61,8 @@ class Cutter {
         giveOthers();
       } else {
         others_ += line;
+        const bool namesTrace = line.find(run_.chromatPath) != std::string_view::npos;
+        if (!namesTrace && line != "\n") messages_.trouble += line;
       }
     }
     giveOthers();
@@ -93,25 +97,28 @@ class Cutter {
       giveOthers();
       return;
     }
-    messages_[index].text += message;
-    messages_[index].hasMessage = true;
+    messages_.byName[index].text += message;
+    messages_.byName[index].hasMessage = true;
     next_ = index + 1;
   }
 
   /// Gives what others have printed, which is gunzip, to the name that it speaks of.
   void giveOthers() {
-    if (others_.empty() || messages_.empty()) return;
+    if (others_.empty() || run_.names.empty()) return;
     std::size_t index = next_;
     if (others_.find(run_.chromatPath) != std::string::npos) {
       while (index < run_.names.size() && !speaksOf(run_.names[index])) ++index;
       if (index < run_.names.size()) next_ = index;
     }
-    messages_[std::min(next_, run_.names.size() - 1)].text += shown(std::exchange(others_, {}));
+    messages_.byName[std::min(next_, run_.names.size() - 1)].text +=
+        shown(std::exchange(others_, {}));
   }
 
   bool speaksOf(const std::string& name) const {
-    return others_.find(run_.chromatPath + name + ':') != std::string::npos ||
-           others_.find(run_.chromatPath + name + ".gz:") != std::string::npos;
+    for (const char* end : {":", " ", ".gz:", ".gz "}) {
+      if (others_.find(run_.chromatPath + name + end) != std::string::npos) return true;
+    }
+    return false;
   }
 
   std::string shown(std::string text) const {
@@ -123,14 +130,14 @@ class Cutter {
   }
 
   const PrintedRun& run_;
-  std::vector<NameMessages> messages_;
+  RunMessages messages_;
   std::size_t next_ = 0;  // first name that the next piece can belong to
   std::string others_;    // pieces that are no messages of the converter
 };
 
 }  // namespace
 
-std::vector<NameMessages> messagesByName(const PrintedRun& run, std::string_view printed) {
+RunMessages cutMessages(const PrintedRun& run, std::string_view printed) {
   passOverOpening(printed, run.resourceFile);
   return Cutter(run).cut(printed);
 }

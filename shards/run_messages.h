@@ -13,6 +13,13 @@ struct NameMessages {
   bool hasMessage = false;  // the converter's own message, that it skips the trace, is in it
 };
 
+struct RunMessages {
+  std::vector<NameMessages> byName;  // one for each name
+  /// What speaks of no trace: the shell, or gunzip of its own output. Traces may have been read in
+  /// part then, without another sign.
+  std::string trouble;
+};
+
 /// The converter's run that printed a text.
 struct PrintedRun {
   std::string resourceFile;        // path of the one that it read
@@ -22,7 +29,7 @@ struct PrintedRun {
 };
 
 /// Cuts what a run printed to both its streams. Banner, resource file line and percent meter are
-/// left out. One entry for each name; what can not be told apart goes to a name beside it.
-std::vector<NameMessages> messagesByName(const PrintedRun& run, std::string_view printed);
+/// left out. What can not be told apart goes to a name beside it.
+RunMessages cutMessages(const PrintedRun& run, std::string_view printed);
 
 }  // namespace Quillet

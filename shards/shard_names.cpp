@@ -11,9 +11,7 @@ constexpr std::string_view packedSuffix = ".gz";
 
 }  // namespace
 
-bool isPackedName(std::string_view name) {
-  return name.size() > packedSuffix.size() && name.ends_with(packedSuffix);
-}
+bool isPackedName(std::string_view name) { return name.ends_with(packedSuffix); }
 
 std::string unpackedName(const std::string& name) {
   return isPackedName(name) ? name.substr(0, name.size() - packedSuffix.size()) : name;
@@ -27,8 +25,9 @@ std::vector<bool> unpackableNames(const std::vector<std::string>& names, bool li
   for (std::size_t index = 0; index < names.size(); ++index) {
     if (!isPackedName(names[index])) continue;
     const std::string unpacked = unpackedName(names[index]);
-    // The converter would cut another ".gz" off the sample and off the message.
-    if (unpacked.ends_with(packedSuffix)) continue;
+    // The converter would cut another ".gz" off the sample and off the message; no file has an
+    // empty name.
+    if (isPackedName(unpacked) || unpacked.empty()) continue;
     // Without a list the converter sorts. Every name that still sorts after the one before it keeps
     // its place, whether or not that one loses its ".gz" too.
     const bool keepsPlace =

@@ -7,10 +7,10 @@
 // Rules about the names of a shard.
 namespace Quillet {
 
-/// Whether the converter takes the name for that of a gzipped trace. ".gz" alone is none.
+/// Whether the converter takes a file of this name for a gzipped one. ".GZ" is no such ending.
 bool isPackedName(std::string_view name);
 
-/// The name without its final ".gz"; any other name as it is.
+/// The name without its final ".gz", as it stands in messages; any other name as it is.
 std::string unpackedName(const std::string& name);
 
 /// Which gzipped traces of a shard can be unpacked under their names without ".gz" and change

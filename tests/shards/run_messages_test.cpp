@@ -9,8 +9,8 @@
 
 namespace {
 
-using Quillet::messagesByName;
 using Quillet::NameMessages;
+using Quillet::RunMessages;
 using ::testing::ElementsAre;
 using Names = std::vector<std::string>;
 
@@ -30,16 +30,20 @@ std::string complaint(const std::string& name, const std::string& folder = "/a/c
   return "\ngzip: " + folder + name + ": unexpected end of file\n";
 }
 
+RunMessages cutMessages(const Names& names, const std::string& printed) {
+  return Quillet::cutMessages({.resourceFile = "/a/.quilletrc",
+                               .chromatPath = "/a/chromat_dir/",
+                               .shownChromatPath = "/p/traces/",
+                               .names = names},
+                              printed);
+}
+
 /// The texts by name; "+" stands before those that hold the converter's own message.
 Names cut(const Names& names, const std::string& printed) {
-  const std::vector<NameMessages> messages = messagesByName({.resourceFile = "/a/.quilletrc",
-                                                             .chromatPath = "/a/chromat_dir/",
-                                                             .shownChromatPath = "/p/traces/",
-                                                             .names = names},
-                                                            printed);
   Names texts;
-  for (const NameMessages& name : messages)
+  for (const NameMessages& name : cutMessages(names, printed).byName) {
     texts.push_back((name.hasMessage ? "+" : "") + name.text);
+  }
   return texts;
 }
 
@@ -92,6 +96,28 @@ TEST(RunMessages, GunzipsComplaintsStandBeforeTheMessageOfTheirTrace) {
               ElementsAre(complaint("a.gz", "/p/traces/"),
                           "+" + complaint("b.gz", "/p/traces/") + inProject("b"),
                           "sh: 1: gunzip: not found\n", "+" + inProject("d")));
+}
+
+TEST(RunMessages, ADirectorysComplaintGoesToItsName) {
+  const std::string complaint = "gzip: /a/chromat_dir/b.gz is a directory -- ignored\n";
+
+  EXPECT_THAT(
+      cut({"a.gz", "b.gz", "b"}, opening + complaint + invalid("b")),
+      ElementsAre("", "+gzip: /p/traces/b.gz is a directory -- ignored\n" + inProject("b"), ""));
+}
+
+TEST(RunMessages, WhatSpeaksOfNoTraceIsTrouble) {
+  const std::string trouble[] = {"sh: 1: gunzip: not found\n",
+                                 "\ngzip: stdout: No space left on device\n",
+                                 "File size limit exceeded\n"};
+  for (const std::string& text : trouble) {
+    EXPECT_EQ(cutMessages({"a.gz"}, opening + meterLines({0, 100}) + text + invalid("a")).trouble,
+              text.substr(text.starts_with('\n') ? 1 : 0));
+  }
+  EXPECT_EQ(cutMessages({"a.gz", "b\nc"}, opening + meterLines({0, 50}) + complaint("a.gz") +
+                                              meterLines({100}) + invalid("b\nc"))
+                .trouble,
+            "");
 }
 
 TEST(RunMessages, NothingIsLost) {

@@ -11,7 +11,7 @@ using Quillet::unpackableNames;
 using Quillet::unpackedName;
 using Names = std::vector<std::string>;
 
-TEST(ShardNames, OnlyAFinalGzAfterSomethingIsAnEnding) {
+TEST(ShardNames, OnlyAFinalGzIsAnEnding) {
   const struct {
     const char* name;
     const char* unpacked;
@@ -20,7 +20,7 @@ TEST(ShardNames, OnlyAFinalGzAfterSomethingIsAnEnding) {
       {"x.gz", "x"},
       {"x.gz.gz", "x.gz"},
       {"..gz", "."},
-      {".gz", ".gz"},
+      {".gz", ""},
       {"gz", "gz"},
       {"", ""},
       {"x.GZ", "x.GZ"},
@@ -76,7 +76,7 @@ TEST(ShardNames, WithAListANameIsUnpackedWhereItsPlainNameIsNotListed) {
               {{"x.ab1.gz", "b", "x.ab1"}, "listed after it"},
               {{"x.ab1", "x.ab1.gz"}, "listed before it"},
               {{"+x.ab1.gz", "+x.ab1.gz"}, "a repetition"},
-              {{"x.gz.gz", ".gz", ""}, "no endings, or two"}},
+              {{"x.gz.gz", ".gz", ""}, "no endings, two, or nothing else"}},
              true);
 }
 
