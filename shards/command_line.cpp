@@ -18,8 +18,8 @@ constexpr const char* description =
     "their results, which are those of one plain run.";
 
 constexpr const char* statusText =
-    "Status: 0 done or nothing to do, 1 failed or refused, 2 shards are not finished.\n"
-    "`quillet-shards COMMAND --help' tells more.";
+    "Status: 0 done or nothing to do, 1 failed or refused, 2 shards are not finished.";
+constexpr const char* moreText = "`quillet-shards COMMAND --help' tells more.";
 
 /// A whole number of 1 or more.
 bool readNumber(const std::string& text, std::size_t& number) {
@@ -31,7 +31,10 @@ bool readNumber(const std::string& text, std::size_t& number) {
 class ShardsApp {
  public:
   ShardsApp() : app_(description, "quillet-shards") {
-    app_.footer(statusText);
+    app_.footer(statusText + std::string("\n") + moreText);
+    app_.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app_.get_formatter()->label("Subcommands", "Commands");
+    app_.get_formatter()->label("REQUIRED", "");
     app_.require_subcommand(1);
     addAnswers(app_);
     addPlan();
@@ -57,6 +60,7 @@ class ShardsApp {
       if (command->parsed()) command_.task = task;
     }
     command_.plan.projectFlags = projectFlags();
+    checkSizes();
     return std::move(command_);
   }
 
@@ -69,6 +73,7 @@ class ShardsApp {
 
   CLI::App& addCommand(const char* name, ShardsTask task, const char* help) {
     CLI::App& command = *app_.add_subcommand(name, help);
+    command.footer(statusText);
     addAnswers(command);
     tasks_.emplace_back(&command, task);
     return command;
@@ -91,8 +96,8 @@ class ShardsApp {
   }
 
   template <typename Number>
-  static CLI::Option* addNumber(CLI::App& command, const char* flag, Number& value,
-                                const char* type, const char* help) {
+  static void addNumber(CLI::App& command, const char* flag, Number& value, const char* type,
+                        const char* help) {
     const auto take = [&value, type = std::string(type)](const std::string& text) {
       std::size_t number = 0;
       if (!readNumber(text, number)) {
@@ -100,7 +105,7 @@ class ShardsApp {
       }
       value = number;
     };
-    return command.add_option_function<std::string>(flag, take, help)->type_name(type);
+    command.add_option_function<std::string>(flag, take, help)->type_name(type);
   }
 
   void addProject(CLI::App& command) {
@@ -109,11 +114,9 @@ class ShardsApp {
 
   void addPlanFlags(CLI::App& command) {
     addProject(command);
-    CLI::Option* count =
-        addNumber(command, "-n", command_.plan.count, "COUNT", "lay COUNT shards at most");
+    addNumber(command, "-n", command_.plan.count, "COUNT", "lay COUNT shards at most");
     addNumber(command, "--size", command_.plan.size, "TRACES",
-              "lay shards of TRACES names at most, as far as cuts allow")
-        ->excludes(count);
+              "lay shards of TRACES names at most, as far as cuts allow");
     addText(command, "-l", listFile_, "LIST", "take the names in the file; - is standard input");
     addFlag(command, "-s", keepExtensions_, "extensions belong to the sample's name");
     addFlag(command, "-o", overwrite_, "convert again what has been converted");
@@ -121,14 +124,7 @@ class ShardsApp {
   }
 
   void addPlan() {
-    CLI::App& command =
-        addCommand("plan", ShardsTask::plan, "lay the shards of what is to be converted");
-    addPlanFlags(command);
-    command.callback([this] {
-      if (!command_.plan.count && !command_.plan.size) {
-        throw CLI::RequiredError("-n or --size");
-      }
-    });
+    addPlanFlags(addCommand("plan", ShardsTask::plan, "lay the shards of what is to be converted"));
   }
 
   void addRun() {
@@ -154,6 +150,14 @@ class ShardsApp {
     command_.processCount = std::max(1U, std::thread::hardware_concurrency());
     addNumber(command, "-j", command_.processCount, "N",
               "use N processes; otherwise one for each processor");
+  }
+
+  void checkSizes() const {
+    const PlanOptions& plan = command_.plan;
+    if (plan.count && plan.size) throw UsageError("-n and --size exclude each other");
+    if (command_.task == ShardsTask::plan && !plan.count && !plan.size) {
+      throw UsageError("plan needs -n or --size");
+    }
   }
 
   /// Flags are looked up in the command that is named first.

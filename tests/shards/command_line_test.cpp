@@ -145,5 +145,6 @@ TEST(ShardsCommandLine, RefusesWhatItDoesNotKnow) {
 TEST(ShardsCommandLine, SaysWhatIsWrongWithANumber) {
   EXPECT_THAT(faultOf({"plan", "-n", "many"}),
               HasSubstr("COUNT is a number, 1 or more, not `many'"));
-  EXPECT_THAT(faultOf({"plan"}), HasSubstr("-n or --size"));
+  EXPECT_EQ(faultOf({"plan"}), "plan needs -n or --size");
+  EXPECT_EQ(faultOf({"all", "-n", "2", "--size", "2"}), "-n and --size exclude each other");
 }
