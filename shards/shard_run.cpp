@@ -160,9 +160,10 @@ class Attempt {
   void checkResults(const std::unordered_set<std::string>& samples) const {
     std::size_t badCount = 0;
     std::string first;
+    WholeResults results(at("phd_dir/"), at("poly_dir/"));
     for (const std::string& sample : samples) {
       signals_.check();
-      if (hasWholeResults(at("phd_dir/"), at("poly_dir/"), sample)) continue;
+      if (results.has(sample)) continue;
       if (badCount++ == 0 || sample < first) first = sample;
     }
     if (badCount == 0) return;

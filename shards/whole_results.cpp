@@ -1,61 +1,50 @@
 #include "shards/whole_results.h"
 
-#include <cstddef>
+#include <cerrno>
 #include <fcntl.h>
 #include <optional>
-#include <string_view>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include "audit/phd_result.h"
 #include "audit/poly_result.h"
+#include "shards/open_descriptor.h"
 
 namespace Quillet {
 
-namespace {
+WholeResults::WholeResults(std::string phdPath, std::string polyPath)
+    : phdPath_(std::move(phdPath)), polyPath_(std::move(polyPath)) {}
 
-/// The bytes of a regular file, mapped; empty when there is none or it can not be read.
-class MappedFile {
- public:
-  explicit MappedFile(const std::string& path) {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (descriptor < 0) return;
-    struct stat status;
-    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0) {
-      size_ = static_cast<std::size_t>(status.st_size);
-      start_ = ::mmap(nullptr, size_, PROT_READ, MAP_PRIVATE | MAP_POPULATE, descriptor, 0);
-    }
-    ::close(descriptor);
-  }
-  ~MappedFile() {
-    if (start_ != MAP_FAILED) ::munmap(start_, size_);
-  }
-  MappedFile(const MappedFile&) = delete;
-  MappedFile& operator=(const MappedFile&) = delete;
-
-  std::string_view text() const {
-    return start_ == MAP_FAILED ? std::string_view()
-                                : std::string_view(static_cast<const char*>(start_), size_);
-  }
-
- private:
-  void* start_ = MAP_FAILED;
-  std::size_t size_ = 0;
-};
-
-}  // namespace
-
-bool hasWholeResults(const std::string& phdPath, const std::string& polyPath,
-                     const std::string& sample) {
-  const MappedFile phd(phdPath + sample + ".phd.1");
-  const std::optional<PhdParts> parts = splitPhd(phd.text());
+bool WholeResults::has(const std::string& sample) {
+  const std::optional<PhdParts> parts = splitPhd(phd_.read(phdPath_ + sample + ".phd.1"));
   if (!parts) return false;
 
-  const MappedFile poly(polyPath + sample + ".poly");
-  if (!poly.text().starts_with(sample)) return false;
-  // Without the sample, whose line feeds would end the first line.
-  return isWholePoly(poly.text().substr(sample.size()), parts->baseCount);
+  std::string_view poly = poly_.read(polyPath_ + sample + ".poly");
+  if (!poly.starts_with(sample)) return false;
+  poly.remove_prefix(sample.size());  // its line feeds would end the first line
+  return isWholePoly(poly, parts->baseCount);
+}
+
+std::string_view WholeResults::Content::read(const std::string& path) {
+  const OpenDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+  struct stat status;
+  if (file.number() < 0 || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return {};
+  }
+  const auto size = static_cast<std::size_t>(status.st_size);
+  if (size > capacity_) {
+    bytes_ = std::make_unique_for_overwrite<char[]>(size);
+    capacity_ = size;
+  }
+  std::size_t held = 0;
+  while (held < size) {
+    const ssize_t got = ::read(file.number(), bytes_.get() + held, size - held);
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) return {};
+    held += static_cast<std::size_t>(got);
+  }
+  return {bytes_.get(), held};
 }
 
 }  // namespace Quillet

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 bool isWhole(const ProjectFolder& project, const std::string& sample) {
   const std::string root = project.path();
-  return Quillet::hasWholeResults(root + "/phd_dir/", root + "/poly_dir/", sample);
+  return Quillet::WholeResults(root + "/phd_dir/", root + "/poly_dir/").has(sample);
 }
 
 TEST(WholeResults, TheConvertersResultsAreWhole) {
@@ -35,6 +35,20 @@ TEST(WholeResults, TheConvertersResultsAreWhole) {
   for (const std::string& name : project.entries("phd_dir")) {
     const std::string sample = name.substr(0, name.size() - std::string(".phd.1").size());
     EXPECT_TRUE(isWhole(project, sample)) << sample;
+  }
+}
+
+TEST(WholeResults, OneSampleAfterTheOtherIsLookedAt) {
+  const ProjectFolder project;
+  project.addTrace("long", AbifBuilder().bases(std::string(500, 'A')).build());
+  project.addTrace("short", AbifBuilder().build());
+  ASSERT_EQ(project.run().status, 0);
+  const std::string root = project.path();
+  Quillet::WholeResults results(root + "/phd_dir/", root + "/poly_dir/");
+
+  for (const char* sample : {"short", "long", "short", "long"}) {
+    EXPECT_TRUE(results.has(sample)) << sample;
+    EXPECT_FALSE(results.has("missing"));
   }
 }
 
