@@ -201,7 +201,7 @@ TEST_F(ShardAttempt, ResultsThatAreNotWholeAreAnError) {
     const ProgramResult result = runWithConverter("$quillet \"$@\" && " + damage + "\n");
 
     EXPECT_EQ(result.status, 1) << damage;
-    EXPECT_THAT(result.err, HasSubstr(" samples have no whole results and no message")) << damage;
+    EXPECT_THAT(result.err, HasSubstr(": no whole results and no message for ")) << damage;
     expectNothingLeft();
   }
 }
