@@ -11,6 +11,7 @@
 #include "app/sample_name.h"
 #include "audit/call_figures.h"
 #include "audit/expected_result.h"
+#include "audit/impediments.h"
 #include "audit/mixed_bases.h"
 #include "audit/poly_result.h"
 #include "audit/result_file.h"
@@ -73,19 +74,9 @@ ResultFinding examineResults(const std::string& phdPath, const std::string& poly
   return finding;
 }
 
-/// Whether no shell takes the path as one word that stands for itself.
-bool isTornByShell(const std::string& path) {
-  constexpr std::string_view special = "|&;<>()$`\\\"'";
-  return std::any_of(path.begin(), path.end(), [&](char character) {
-    return Tessaly::isWhiteSpace(character) || special.find(character) != std::string_view::npos;
-  });
-}
-
 /// Why no result can come of a trace that can be read; empty when one can.
 std::string impedimentOf(const std::string& sample, const TraceReading& reading) {
-  constexpr std::size_t longestName = 255;              // bytes
-  const std::size_t nameStart = sample.rfind('/') + 1;  // 0 without a "/"
-  if (sample.size() - nameStart + phdSuffix.size() > longestName) return "name too long";
+  if (isTooLongForResult(sample)) return "name too long";
   if (isTornByShell(reading.packedPath)) return "name not for a shell";
   return "";
 }

@@ -88,6 +88,7 @@ TraceReading readTrace(const std::string& path) {
     return reading;
   }
   const UnpackedFile unpacked(reading.packedPath);
+  reading.isDamaged = !unpacked.isIntact();
   readContent(unpacked.path().c_str(), reading);
   if (!reading.fault.empty() && unpacked.isGzip() && !unpacked.isIntact()) {
     reading.fault = "damaged gzip";

@@ -13,6 +13,7 @@ struct TraceReading {
   TraceContent content;    // nothing when it can not be read
   InstrumentNotes notes;   // nothing when it can not be read
   std::string packedPath;  // of the .gz that the converter has a shell unpack; empty without one
+  bool isDamaged = false;  // the .gz is not intact: gunzip had to say what it holds
 };
 
 /// Finds and reads the trace at `path` as TraceFile::open does, and unpacks it without a shell.

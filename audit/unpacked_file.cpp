@@ -14,7 +14,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
-#include <zlib.h>
+
+#include "audit/gzip_members.h"
 
 extern char** environ;  // NOLINT(readability-redundant-declaration): not every libc declares it
 
@@ -22,7 +23,7 @@ namespace Quillet {
 
 namespace {
 
-constexpr std::size_t chunkSize = 1 << 18;        // bytes read or unpacked at a time
+constexpr std::size_t chunkSize = 1 << 18;        // bytes read at a time
 constexpr std::int64_t memoryLimit = 64LL << 20;  // bytes; longer content goes to a file
 
 [[noreturn]] void fail(const char* what) {
@@ -118,52 +119,6 @@ class Content {
   bool inMemory_ = true;
 };
 
-/// zlib's state for gzip members.
-class Inflation {
- public:
-  Inflation() {
-    constexpr int gzipOnly = 16;
-    if (inflateInit2(&stream_, MAX_WBITS + gzipOnly) != Z_OK) throw std::bad_alloc();
-  }
-  ~Inflation() { inflateEnd(&stream_); }
-  Inflation(const Inflation&) = delete;
-  Inflation& operator=(const Inflation&) = delete;
-
-  /// Unpacks members up to the end of the file; false at the first byte that does not belong to a
-  /// member, at a wrong checksum, and for a member that is cut.
-  bool unpackAll(int from, Content& to, unsigned char* packed, unsigned char* unpacked) {
-    bool atMemberEnd = false;
-    for (;;) {
-      stream_.avail_in = static_cast<unsigned>(readSome(from, packed, chunkSize));
-      stream_.next_in = packed;
-      if (stream_.avail_in == 0) return atMemberEnd;
-      if (!unpackChunk(to, unpacked, atMemberEnd)) return false;
-    }
-  }
-
- private:
-  bool unpackChunk(Content& to, unsigned char* unpacked, bool& atMemberEnd) {
-    do {
-      if (atMemberEnd) {
-        inflateReset(&stream_);
-        atMemberEnd = false;
-      }
-      stream_.next_out = unpacked;
-      stream_.avail_out = chunkSize;
-      const int status = inflate(&stream_, Z_NO_FLUSH);
-      to.append(unpacked, chunkSize - stream_.avail_out);
-      if (status == Z_STREAM_END) {
-        atMemberEnd = true;
-      } else if (status != Z_OK && status != Z_BUF_ERROR) {
-        return false;  // Z_BUF_ERROR: nothing was left to do
-      }
-    } while (stream_.avail_in > 0 || (stream_.avail_out == 0 && !atMemberEnd));
-    return true;
-  }
-
-  z_stream stream_{};
-};
-
 /// Starts `gunzip -c -f` without a shell. Its complaints are dropped.
 pid_t startGunzip(int input, int output) {
   posix_spawn_file_actions_t actions;
@@ -222,11 +177,12 @@ class Gunzip {
 };
 
 /// What gunzip makes of the file, from its start.
-void passThroughGunzip(int from, Content& to, unsigned char* buffer) {
+void passThroughGunzip(int from, Content& to) {
   ::lseek(from, 0, SEEK_SET);
+  const auto buffer = std::make_unique_for_overwrite<unsigned char[]>(chunkSize);
   const Gunzip gunzip(from);
-  while (const std::size_t got = readSome(gunzip.output(), buffer, chunkSize)) {
-    to.append(buffer, got);
+  while (const std::size_t got = readSome(gunzip.output(), buffer.get(), chunkSize)) {
+    to.append(buffer.get(), got);
   }
 }
 
@@ -243,13 +199,14 @@ UnpackedFile::UnpackedFile(const std::string& path) {
     isGzip_ = ::pread(file.number(), start, sizeof start, 0) == sizeof start &&
               std::memcmp(start, magic, sizeof magic) == 0;
 
-    const auto packed = std::make_unique_for_overwrite<unsigned char[]>(chunkSize);
-    const auto unpacked = std::make_unique_for_overwrite<unsigned char[]>(chunkSize);
-    isIntact_ =
-        isGzip_ && Inflation().unpackAll(file.number(), content, packed.get(), unpacked.get());
+    const auto keep = [&content](const unsigned char* bytes, std::size_t count) {
+      content.append(bytes, count);
+      return true;
+    };
+    isIntact_ = isGzip_ && unpackMembers(file.number(), keep) == GzipContent::intact;
     if (!isIntact_) {
       content.clear();
-      passThroughGunzip(file.number(), content, unpacked.get());
+      passThroughGunzip(file.number(), content);
     }
   }
   descriptor_ = content.release();

@@ -3,10 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
-#include <map>
 #include <utility>
 
 #include "app/version.h"
+#include "audit/companion_program.h"
 
 namespace Quillet {
 
@@ -19,25 +19,6 @@ constexpr const char* description =
 constexpr const char* statusText =
     "Status: 0 all is converted, 1 no report, 2 results are missing, 3 results are not to be\n"
     "trusted.";
-
-/// The words with the converter's long flags under names that begin as `app` expects. A word that
-/// is the value of the flag before it stays as it is.
-std::vector<std::string> rewritten(const CLI::App& app, std::vector<std::string> words) {
-  static const std::map<std::string, std::string> spellings{{"-dir", "-d"},
-                                                            {"-list", "-l"},
-                                                            {"-nostrip", "-s"},
-                                                            {"-help", "--help"},
-                                                            {"-overwrite", "--overwrite"},
-                                                            {"-version", "--version"}};
-  for (std::size_t index = 0; index < words.size(); ++index) {
-    std::string& word = words[index];
-    const auto spelling = spellings.find(word);
-    if (spelling != spellings.end()) word = spelling->second;
-    const CLI::Option* option = word.size() < 2 ? nullptr : app.get_option_no_throw(word);
-    if (option != nullptr && option->get_items_expected_min() > 0) ++index;
-  }
-  return words;
-}
 
 /// A ratio of two heights: 0 or more, and a number.
 std::string ratioFault(const std::string& text) {
@@ -97,7 +78,11 @@ CommandLine readCommandLine(const std::vector<std::string>& words) {
       ->type_name("RATIO")
       ->check(ratioFault);
 
-  std::vector<std::string> arguments = rewritten(app, words);
+  std::vector<std::string> arguments = withUsualFlags(words, [&app](const std::string& word) {
+    const CLI::Option* option = word.size() < 2 ? nullptr : app.get_option_no_throw(word);
+    if (option == nullptr) return FlagKind::unknown;
+    return option->get_items_expected_min() > 0 ? FlagKind::withValue : FlagKind::alone;
+  });
   std::reverse(arguments.begin(), arguments.end());  // parse() takes the last word first
   try {
     app.parse(std::move(arguments));

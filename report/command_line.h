@@ -1,7 +1,6 @@
 #pragma once
 
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -20,12 +19,6 @@ struct CommandLine {
   bool trim = false;     // of FASTQ and FASTA
   bool pictures = true;  // of traces, in the page
   double mixedRatio = 0.33;
-};
-
-/// A wrong command line.
-class UsageError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
 };
 
 /// Reads the words that follow the program's name. The converter's spellings -dir, -list, -nostrip,

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "audit/companion_program.h"
 #include "report/fastq_reads.h"
 #include "report/json_table.h"
 #include "report/tsv_table.h"

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "report/escaped_text.h"
+#include "audit/escaped_text.h"
 
 namespace Quillet {
 

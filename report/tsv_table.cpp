@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "report/escaped_text.h"
+#include "audit/escaped_text.h"
 
 namespace Quillet {
 

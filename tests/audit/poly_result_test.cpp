@@ -44,6 +44,22 @@ TEST(PolyResult, EveryByteIsABase) {
   }
 }
 
+TEST(PolyResult, OneLineCanNotMakeUpForAnother) {
+  const std::string eleven = "A 5 100 0 C 6 50 0 900 450 0\n";
+  const std::string thirteen = "A 5 100 0 C 6 50 0 900 450 0 3 4\n";
+  EXPECT_FALSE(isWholePoly(first + eleven + thirteen, 2));
+  EXPECT_FALSE(isWholePoly(first + thirteen + eleven, std::nullopt));
+  EXPECT_FALSE(isWholePoly(first + line + thirteen + line + eleven, 4));
+}
+
+TEST(PolyResult, ABlankAsBaseBetweenOrdinaryOnesIsWhole) {
+  const std::string blank = " " + line.substr(1);
+  const std::string lineFeed = "\n" + line.substr(1);
+  EXPECT_TRUE(isWholePoly(first + line + blank + line + lineFeed, 4));
+  EXPECT_TRUE(isWholePoly(first + lineFeed + line + blank, 3));
+  EXPECT_FALSE(isWholePoly(first + line + blank + line + lineFeed, 5));
+}
+
 TEST(PolyResult, AnythingElseIsNotWhole) {
   const std::string texts[] = {
       "clone 1 1 1 1\n" + line,

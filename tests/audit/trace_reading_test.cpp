@@ -153,4 +153,24 @@ TEST(TraceReading, ADamagedGzipFileIsOneThatCanNotBeRead) {
   EXPECT_EQ(fault(folder, "cut_scf.gz"), "");  // what an SCF file lacks is zero
 }
 
+TEST(TraceReading, SaysWhetherAGzippedFileIsDamaged) {
+  const ScratchFolder folder;
+  const std::string packed = gzipped(good);
+  folder.write("plain", good);
+  folder.write("intact.gz", packed);
+  folder.write("two_members.gz", gzipped(good.substr(0, 99)) + gzipped(good.substr(99)));
+  folder.write("followed.gz", packed + "more");
+  folder.write("checksum.gz", packed.substr(0, packed.size() - 8) + std::string(8, 'x'));
+  folder.write("plain.gz", good);
+
+  EXPECT_FALSE(read(folder, "plain").isDamaged);
+  EXPECT_FALSE(read(folder, "intact.gz").isDamaged);
+  EXPECT_FALSE(read(folder, "intact").isDamaged);
+  EXPECT_FALSE(read(folder, "two_members.gz").isDamaged);
+  EXPECT_TRUE(read(folder, "followed.gz").isDamaged);
+  EXPECT_TRUE(read(folder, "followed").isDamaged);
+  EXPECT_TRUE(read(folder, "checksum.gz").isDamaged);
+  EXPECT_TRUE(read(folder, "plain.gz").isDamaged);
+}
+
 }  // namespace

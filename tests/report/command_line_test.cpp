@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "audit/companion_program.h"
+
 namespace {
 
 using ::testing::ElementsAre;

@@ -1,4 +1,4 @@
-#include "report/escaped_text.h"
+#include "audit/escaped_text.h"
 
 namespace Quillet {
 

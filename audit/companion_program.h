@@ -1,0 +1,32 @@
+#pragma once
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+// What every companion program does around its own work.
+namespace Quillet {
+
+/// A wrong command line.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// What a parser knows of a word.
+enum class FlagKind { unknown, alone, withValue };
+
+/// The words with the converter's long flags (-dir, -list, -nostrip, -overwrite, -help, -version)
+/// under the short or usual names (--overwrite, --help, --version). One that the parser does not
+/// know gets a second "-", so that it is not taken for short flags. A word that is the value of the
+/// flag before it stays as it is.
+std::vector<std::string> withUsualFlags(std::vector<std::string> words,
+                                        const std::function<FlagKind(const std::string&)>& kindOf);
+
+/// One run of a program: its exit status is that of `body`. What `body` throws becomes a message,
+/// after the program's name, and status 1. A standard stream that is closed gets a descriptor that
+/// fails first, so that no file takes its number.
+int runCompanion(const std::string& program, const std::function<int()>& body);
+
+}  // namespace Quillet

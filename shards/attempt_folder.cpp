@@ -1,0 +1,104 @@
+#include "shards/attempt_folder.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+#include "shards/file_operations.h"
+
+namespace fs = std::filesystem;
+
+namespace Quillet {
+
+namespace {
+
+constexpr const char* begun = "begun-";
+constexpr const char* used = "attempt-";
+constexpr const char* gone = "gone-";
+constexpr std::size_t endSize = 6;  // of the characters that mkdtemp chooses
+
+/// The path of an attempt in one of the three states, without its end.
+std::string pathOf(const AttemptPlace& place, const char* state) {
+  return place.folder + '/' + place.prefix + state;
+}
+
+std::string lockOf(const std::string& attempt) { return attempt + "/lock"; }
+
+/// Gives a folder that mkdtemp made the permissions of any other new folder.
+void giveUsualPermissions(const std::string& path) {
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  struct stat status;
+  // The bits above stay: a folder may pass on its group.
+  const mode_t special = ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07000 : 0;
+  ::chmod(path.c_str(), special | (0777 & ~mask));
+}
+
+/// Whether no process uses the attempt: its lock can be had, or is gone already.
+bool isUnused(const std::string& attempt) {
+  struct stat status;
+  if (::lstat(attempt.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) ||
+      status.st_uid != ::geteuid()) {
+    return false;
+  }
+  const int lock =
+      ::open(lockOf(attempt).c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
+  if (lock < 0) return errno == ENOENT;
+  const bool had = ::flock(lock, LOCK_EX | LOCK_NB) == 0;
+  ::close(lock);
+  return had;
+}
+
+}  // namespace
+
+AttemptFolder::AttemptFolder(const AttemptPlace& place) {
+  std::string made = pathOf(place, begun) + std::string(endSize, 'X');
+  if (::mkdtemp(made.data()) == nullptr) throwSystemError("can not make", made);
+  giveUsualPermissions(made);
+  path_ = pathOf(place, used) + made.substr(made.size() - endSize);
+  lock_ = ::open(lockOf(made).c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  if (lock_ >= 0) {
+    // Where the file system has no locks, no other process can lock it either.
+    ::flock(lock_, LOCK_EX | LOCK_NB);
+    if (std::rename(made.c_str(), path_.c_str()) == 0) return;
+  }
+  const int error = errno;
+  if (lock_ >= 0) ::close(lock_);
+  removeTree(made);
+  errno = error;
+  throwSystemError("can not make", path_);
+}
+
+AttemptFolder::~AttemptFolder() {
+  removeTree(path_);
+  ::close(lock_);
+}
+
+std::string AttemptFolder::nameOnceGone() const {
+  return gone + path_.substr(path_.size() - endSize);
+}
+
+void removeUnusedAttempts(const AttemptPlace& place) {
+  const std::string usedStart = pathOf(place, used);
+  const std::string goneStart = pathOf(place, gone);
+  std::error_code error;
+  for (const fs::directory_entry& entry : fs::directory_iterator(place.folder, error)) {
+    const std::string path = place.folder + '/' + entry.path().filename().string();
+    if (path.starts_with(goneStart) && path.size() == goneStart.size() + endSize) {
+      removeTree(path);
+    } else if (path.starts_with(usedStart) && path.size() == usedStart.size() + endSize &&
+               isUnused(path)) {
+      // Renamed first: whoever still uses it after all can not publish it half removed.
+      const std::string goneName = goneStart + path.substr(usedStart.size());
+      if (std::rename(path.c_str(), goneName.c_str()) == 0) removeTree(goneName);
+    }
+  }
+}
+
+}  // namespace Quillet

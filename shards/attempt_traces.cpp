@@ -1,0 +1,134 @@
+#include "shards/attempt_traces.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <unordered_map>
+
+#include "audit/escaped_text.h"
+#include "audit/impediments.h"
+#include "shards/file_operations.h"
+#include "shards/shard_names.h"
+#include "shards/unpacking.h"
+
+namespace Quillet {
+
+namespace {
+
+constexpr std::int64_t longestUnpacked = 256LL << 20;  // bytes
+constexpr const char* packedSuffix = ".gz";
+
+std::string escaped(const std::string& text) {
+  std::string line;
+  appendEscaped(line, text, true);
+  return line;
+}
+
+/// Where a symbolic link leads; none when there is no link.
+std::optional<std::string> linkAt(const std::string& path) {
+  char target[PATH_MAX];
+  const ssize_t length = ::readlink(path.c_str(), target, sizeof target);
+  if (length <= 0) return std::nullopt;
+  return std::string(target, static_cast<std::size_t>(length));
+}
+
+/// Fills one attempt's folder.
+class Bringing {
+ public:
+  Bringing(const ShardFolder& shard, const ShardContents& contents, const std::string& attemptPath,
+           bool keepGzip, const StopSignals& signals)
+      : chromats_(shard.chromats() + '/'),
+        attemptPath_(attemptPath),
+        listed_(contents.settings.listed),
+        keepGzip_(keepGzip),
+        signals_(signals) {}
+
+  AttemptTrace bring(const std::string& name, bool isUnpackable) {
+    AttemptTrace trace{.name = name, .target = {}, .attemptName = name, .complaints = {}};
+    std::string file = name;  // what the converter finds for the name
+    if (std::optional<std::string> target = targetFor(file)) trace.target = *std::move(target);
+    if (!trace.target.empty()) checkIsThere(trace);
+
+    if (isPackedName(file)) {
+      const bool isFoundByItsPlainName = file != name;
+      if (!trace.target.empty() && !keepGzip_ && (isFoundByItsPlainName || isUnpackable)) {
+        trace.attemptName = unpackedName(file);
+        const Unpacking unpacking =
+            unpackInto(attemptPath_ + trace.attemptName, trace.target, longestUnpacked, signals_);
+        trace.complaints = unpacking.complaints;
+        if (unpacking.isUnpacked) return trace;
+        trace.attemptName = name;
+      }
+      trace.isLeftOut = isTornByShell(attemptPath_ + file);
+    }
+    if (!trace.target.empty() && !trace.isLeftOut) link(trace.target, file);
+    return trace;
+  }
+
+ private:
+  /// Where the shard's link for a name leads. With a list there may be none, or one for the name
+  /// with ".gz", which `file` becomes then.
+  std::optional<std::string> targetFor(std::string& file) const {
+    // An empty name is the folder itself.
+    if (file.empty()) return std::nullopt;
+    std::optional<std::string> target = linkAt(chromats_ + file);
+    if (target) return target;
+    if (!listed_) throw std::runtime_error("there is no link " + escaped(chromats_ + file));
+    if (isPackedName(file)) return std::nullopt;
+    target = linkAt(chromats_ + file + packedSuffix);
+    if (target) file += packedSuffix;
+    return target;
+  }
+
+  void link(const std::string& target, const std::string& file) const {
+    const std::string path = attemptPath_ + file;
+    // Listed as `x`, which only x.gz is there for, and as `x.gz`: both need the same link.
+    if (::symlink(target.c_str(), path.c_str()) == 0 || errno == EEXIST) return;
+    throwSystemError("can not make", escaped(path));
+  }
+
+  const std::string chromats_;
+  const std::string& attemptPath_;
+  const bool listed_;
+  const bool keepGzip_;
+  const StopSignals& signals_;
+};
+
+}  // namespace
+
+void checkIsThere(const AttemptTrace& trace) {
+  struct stat status;
+  if (::stat(trace.target.c_str(), &status) == 0) return;
+  throw std::runtime_error(escaped(trace.target) +
+                           " has gone since the plan: " + std::strerror(errno));
+}
+
+std::vector<AttemptTrace> bringTraces(const ShardFolder& shard, const ShardContents& contents,
+                                      const std::string& attemptPath, bool keepGzip,
+                                      const StopSignals& signals) {
+  const std::vector<bool> unpackable = unpackableNames(contents.names, contents.settings.listed);
+  Bringing bringing(shard, contents, attemptPath, keepGzip, signals);
+  std::vector<AttemptTrace> traces;
+  traces.reserve(contents.names.size());
+  std::unordered_map<std::string, std::size_t> known;  // only a list repeats names
+  for (std::size_t index = 0; index < contents.names.size(); ++index) {
+    signals.check();
+    const std::string& name = contents.names[index];
+    if (contents.settings.listed) {
+      const auto [place, isNew] = known.try_emplace(name, index);
+      if (!isNew) {
+        traces.push_back(traces[place->second]);
+        continue;
+      }
+    }
+    traces.push_back(bringing.bring(name, unpackable[index]));
+  }
+  return traces;
+}
+
+}  // namespace Quillet

@@ -1,0 +1,156 @@
+#include "shards/child_process.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <stdexcept>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+
+extern char** environ;  // NOLINT(readability-redundant-declaration): not every libc declares it
+
+namespace Quillet {
+
+namespace {
+
+[[noreturn]] void fail(const std::string& what, int error) {
+  throw std::runtime_error(what + ": " + std::strerror(error));
+}
+
+/// Both ends of a pipe; those that are not released are closed.
+struct Pipe {
+  Pipe() {
+    if (::pipe2(ends, O_CLOEXEC) != 0) fail("can not make a pipe", errno);
+  }
+  ~Pipe() {
+    for (const int end : ends) {
+      if (end >= 0) ::close(end);
+    }
+  }
+  Pipe(const Pipe&) = delete;
+  Pipe& operator=(const Pipe&) = delete;
+
+  int release(int index) { return std::exchange(ends[index], -1); }
+  void close(int index) { ::close(release(index)); }
+
+  int ends[2] = {-1, -1};  // to read from, to write to
+};
+
+std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (std::string& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+std::vector<std::string> environmentIn(const std::string& folder) {
+  std::vector<std::string> texts;
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    if (folder.empty() || std::strncmp(*entry, "PWD=", 4) != 0) texts.emplace_back(*entry);
+  }
+  if (!folder.empty()) texts.push_back("PWD=" + folder);
+  return texts;
+}
+
+/// Makes handlers of this program harmless in the child before it becomes another program.
+void forgetHandlers() {
+  constexpr int lastOrdinarySignal = 31;
+  for (int number = 1; number <= lastOrdinarySignal; ++number) {
+    struct sigaction action;
+    if (::sigaction(number, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) {
+      ::signal(number, SIG_DFL);
+    }
+  }
+}
+
+/// What the child does before it becomes the program: system calls only. Returns when one fails.
+void becomeProgram(const Command& command, char* const* words, char* const* environment,
+                   pid_t parent, int output, int errors) {
+  ::setpgid(0, 0);
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (::getppid() != parent) ::_exit(1);  // it has ended already
+  const int input = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+  if (input < 0 || ::dup2(input, STDIN_FILENO) < 0 || ::dup2(output, STDOUT_FILENO) < 0 ||
+      ::dup2(errors, STDERR_FILENO) < 0) {
+    return;
+  }
+  if (!command.folder.empty() && ::chdir(command.folder.c_str()) != 0) return;
+  ::execvpe(words[0], words, environment);
+}
+
+}  // namespace
+
+ChildProcess::ChildProcess(const Command& command, const StopSignals& signals, int errors)
+    : signals_(signals) {
+  std::vector<std::string> wordTexts = command.words;
+  std::vector<std::string> environmentTexts = environmentIn(command.folder);
+  const std::vector<char*> words = pointersTo(wordTexts);
+  const std::vector<char*> environment = pointersTo(environmentTexts);
+  Pipe output;
+  Pipe problem;
+  const pid_t parent = ::getpid();
+
+  id_ = ::fork();
+  if (id_ < 0) fail("can not start a process", errno);
+  if (id_ == 0) {
+    forgetHandlers();
+    signals.restore();
+    becomeProgram(command, words.data(), environment.data(), parent, output.ends[1],
+                  errors < 0 ? output.ends[1] : errors);
+    const int error = errno;
+    [[maybe_unused]] const ssize_t told = ::write(problem.ends[1], &error, sizeof error);
+    ::_exit(127);
+  }
+  ::setpgid(id_, id_);  // here too: it must hold before the first kill
+  output.close(1);
+  problem.close(1);
+  output_ = output.release(0);
+
+  int error = 0;
+  ssize_t got = 0;
+  do {
+    got = ::read(problem.ends[0], &error, sizeof error);
+  } while (got < 0 && errno == EINTR);
+  if (got == sizeof error) {
+    ::close(output_);
+    wait();
+    fail("can not start " + command.words[0], error);
+  }
+}
+
+ChildProcess::~ChildProcess() {
+  ::close(output_);
+  if (id_ == 0) return;
+  ::kill(-id_, SIGKILL);
+  wait();
+}
+
+bool ChildProcess::readSome(std::string& bytes) {
+  for (;;) {
+    pollfd waited[] = {{output_, POLLIN, 0}, {signals_.descriptor(), POLLIN, 0}};
+    if (::poll(waited, 2, -1) < 0 && errno != EINTR) fail("can not wait for output", errno);
+    signals_.check();
+    if (waited[0].revents == 0) continue;
+    char buffer[1 << 16];
+    const ssize_t got = ::read(output_, buffer, sizeof buffer);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) fail("can not read output", errno);
+    bytes.append(buffer, static_cast<std::size_t>(got));
+    return got > 0;
+  }
+}
+
+int ChildProcess::wait() {
+  int status = 0;
+  while (::waitpid(id_, &status, 0) < 0 && errno == EINTR) {
+  }
+  id_ = 0;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+}  // namespace Quillet

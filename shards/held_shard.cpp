@@ -1,0 +1,65 @@
+#include "shards/held_shard.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "shards/file_operations.h"
+
+namespace Quillet {
+
+namespace {
+
+constexpr const char* resultName = "result";
+constexpr const char* messagesName = "result/messages";
+
+}  // namespace
+
+HeldShard::HeldShard(const ShardFolder& folder)
+    : folder_(folder),
+      descriptor_(::open(folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  if (descriptor_ < 0) fail("is no shard");
+}
+
+HeldShard::~HeldShard() { ::close(descriptor_); }
+
+bool HeldShard::isDone() const { return ::faccessat(descriptor_, messagesName, F_OK, 0) == 0; }
+
+bool HeldShard::isInPlace() const {
+  struct stat held;
+  struct stat named;
+  return ::fstat(descriptor_, &held) == 0 && ::stat(folder_.path().c_str(), &named) == 0 &&
+         held.st_dev == named.st_dev && held.st_ino == named.st_ino;
+}
+
+HeldShard::Publication HeldShard::publish(const AttemptFolder& attempt) const {
+  const std::string result = attempt.path() + '/' + resultName;
+  // Engines make folders for their outputs, and remove single files of earlier ones: what is there
+  // without messages is moved away, and removed once there is a result.
+  const std::string aside = attempt.nameOnceGone();
+  for (;;) {
+    if (!isInPlace()) {
+      errno = ENOENT;
+      fail("has been removed");
+    }
+    if (::renameat(AT_FDCWD, result.c_str(), descriptor_, resultName) == 0) break;
+    if (errno == EXDEV) return Publication::otherFileSystem;
+    if (errno != ENOTEMPTY && errno != EEXIST) fail("gets no result");
+    if (isDone()) return Publication::doneBefore;
+    if (::renameat(descriptor_, resultName, descriptor_, aside.c_str()) != 0 && errno != ENOENT) {
+      fail("has a result that can not be replaced");
+    }
+  }
+  removeTree(folder_.path() + '/' + aside);
+  return Publication::published;
+}
+
+void HeldShard::fail(const char* what) const {
+  throw std::runtime_error(folder_.path() + ' ' + what + ": " + std::strerror(errno));
+}
+
+}  // namespace Quillet

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include "shards/attempt_folder.h"
+#include "shards/shard_folder.h"
+
+namespace Quillet {
+
+/// The folder of a shard, held open: when it has been removed, nothing is done to another one that
+/// has come under its path since.
+class HeldShard {
+ public:
+  /// Throws std::runtime_error when there is no such folder.
+  explicit HeldShard(const ShardFolder& folder);
+  ~HeldShard();
+  HeldShard(const HeldShard&) = delete;
+  HeldShard& operator=(const HeldShard&) = delete;
+
+  bool isDone() const;
+  /// Whether the folder's path still leads to it.
+  bool isInPlace() const;
+
+  enum class Publication { published, doneBefore, otherFileSystem };
+  /// Renames the folder `result` of an attempt to the shard's result. Whoever is first wins: a
+  /// result with messages can not be replaced. Any other folder under that name is, with what is in
+  /// it. Throws std::runtime_error.
+  Publication publish(const AttemptFolder& attempt) const;
+
+ private:
+  [[noreturn]] void fail(const char* what) const;
+
+  const ShardFolder& folder_;
+  int descriptor_;
+};
+
+}  // namespace Quillet

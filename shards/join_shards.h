@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace Quillet {
+
+/// Moves the results of finished shards to where the plan says, prints their messages in order on
+/// the standard error stream and removes them; the folder of the shards goes with the last one.
+/// `projectFlags` are those that the converter takes, in its own words.
+///
+/// The exit status: 0, or 2 after a message with the names of unfinished shards. A join that was
+/// interrupted is repeated; then one shard's messages may be printed again. At no moment has a
+/// sample a .phd.1 without its .poly, or beside an old one.
+/// Throws std::runtime_error when a result can not be moved. The shard stays, and a later join goes
+/// on with it.
+int joinShards(const std::vector<std::string>& projectFlags);
+
+}  // namespace Quillet

@@ -1,0 +1,77 @@
+#include "shards/unpacking.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "audit/gzip_members.h"
+#include "shards/child_process.h"
+#include "shards/new_file.h"
+#include "shards/open_descriptor.h"
+
+namespace Quillet {
+
+namespace {
+
+bool isRegular(int descriptor) {
+  struct stat status;
+  return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+/// Everything in a file in memory, from its start.
+std::string contentOf(int descriptor) {
+  struct stat status;
+  if (::fstat(descriptor, &status) != 0) return {};
+  std::string text(static_cast<std::size_t>(status.st_size), '\0');
+  const ssize_t got = ::pread(descriptor, text.data(), text.size(), 0);
+  text.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
+  return text;
+}
+
+/// Passes the file through gunzip; false when there are more bytes than the limit.
+bool passThroughGunzip(NewFile& to, const std::string& packed, std::int64_t limit,
+                       const StopSignals& signals, std::string& complaints) {
+  const OpenDescriptor errors(::memfd_create("complaints", MFD_CLOEXEC));
+  // An absolute path: it begins with "/" and is no flag. It stands in the complaints.
+  ChildProcess gunzip({.words = {"gunzip", "-c", "-f", packed}, .folder = {}}, signals,
+                      errors.number());
+  for (std::string bytes; gunzip.readSome(bytes); bytes.clear()) {
+    if (to.size() + static_cast<std::int64_t>(bytes.size()) > limit) return false;
+    to.write(bytes);
+  }
+  gunzip.wait();  // its status does not matter to the converter
+  complaints = contentOf(errors.number());
+  return true;
+}
+
+}  // namespace
+
+Unpacking unpackInto(const std::string& plain, const std::string& packed, std::int64_t limit,
+                     const StopSignals& signals) {
+  Unpacking unpacking;
+  const OpenDescriptor file(::open(packed.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+  if (file.number() < 0 || !isRegular(file.number())) return unpacking;
+
+  NewFile to(plain);
+  const GzipContent content =
+      unpackMembers(file.number(), [&](const unsigned char* bytes, std::size_t count) {
+        signals.check();
+        if (to.size() + static_cast<std::int64_t>(count) > limit) return false;
+        to.write({reinterpret_cast<const char*>(bytes), count});
+        return true;
+      });
+  unpacking.isUnpacked = content == GzipContent::intact;
+  if (content == GzipContent::damaged) {
+    to.clear();
+    unpacking.isUnpacked = passThroughGunzip(to, packed, limit, signals, unpacking.complaints);
+  }
+  if (unpacking.isUnpacked) {
+    to.finish();
+  } else {
+    unpacking.complaints.clear();
+  }
+  return unpacking;
+}
+
+}  // namespace Quillet

@@ -1,0 +1,50 @@
+#include "shards/whole_results.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+#include "audit/phd_result.h"
+#include "audit/poly_result.h"
+#include "shards/open_descriptor.h"
+
+namespace Quillet {
+
+WholeResults::WholeResults(std::string phdPath, std::string polyPath)
+    : phdPath_(std::move(phdPath)), polyPath_(std::move(polyPath)) {}
+
+bool WholeResults::has(const std::string& sample) {
+  const std::optional<PhdParts> parts = splitPhd(phd_.read(phdPath_ + sample + ".phd.1"));
+  if (!parts) return false;
+
+  std::string_view poly = poly_.read(polyPath_ + sample + ".poly");
+  if (!poly.starts_with(sample)) return false;
+  poly.remove_prefix(sample.size());  // its line feeds would end the first line
+  return isWholePoly(poly, parts->baseCount);
+}
+
+std::string_view WholeResults::Content::read(const std::string& path) {
+  const OpenDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+  struct stat status;
+  if (file.number() < 0 || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return {};
+  }
+  const auto size = static_cast<std::size_t>(status.st_size);
+  if (size > capacity_) {
+    bytes_ = std::make_unique_for_overwrite<char[]>(size);
+    capacity_ = size;
+  }
+  std::size_t held = 0;
+  while (held < size) {
+    const ssize_t got = ::read(file.number(), bytes_.get() + held, size - held);
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) return {};
+    held += static_cast<std::size_t>(got);
+  }
+  return {bytes_.get(), held};
+}
+
+}  // namespace Quillet
