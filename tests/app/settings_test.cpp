@@ -36,7 +36,7 @@ TEST(Settings, TheDefaultDataDirectoryIsEmptyAndNotTheRoot) {
 TEST(Settings, VersionAndBuildStampAreTheCompiledInOnes) {
   const Settings settings;
 
-  EXPECT_EQ(settings.version, "1.0.0");
+  EXPECT_EQ(settings.version, "1.1.0");
   EXPECT_EQ(settings.buildStamp, Quillet::buildStampText);
   EXPECT_THAT(settings.buildStamp,
               ::testing::MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}"

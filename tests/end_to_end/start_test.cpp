@@ -49,7 +49,7 @@ TEST(Start, WithoutArgumentsTheBannerIsFollowedByTheBatch) {
   const ProgramResult result = folder.run();
 
   EXPECT_EQ(result.err, R"(
-QUILLET   Version 1.0.0
+QUILLET   Version 1.1.0
 --------------------------------------------------------------
    0% done
 )");

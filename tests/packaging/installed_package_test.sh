@@ -19,14 +19,17 @@ fail() {
 cmake --install "$build" --prefix "$scratch/first" >"$scratch/log" || fail "$(cat "$scratch/log")"
 mv "$scratch/first" "$prefix"
 
-for file in share/man/man1/quillet.1 share/man/man1/quillet-report.1 share/man/man5/quilletrc.5 \
+for file in share/man/man1/quillet.1 share/man/man1/quillet-report.1 \
+  share/man/man1/quillet-shards.1 share/man/man5/quilletrc.5 \
   share/man/man5/quillet-formats.5 share/bash-completion/completions/quillet \
-  share/bash-completion/completions/quillet-report include/quillet/trace/trace_file.h; do
+  share/bash-completion/completions/quillet-report \
+  share/bash-completion/completions/quillet-shards include/quillet/trace/trace_file.h; do
   [ -s "$prefix/$file" ] || fail "no $file"
 done
 "$here/check_links.sh" "$prefix/share/doc/quillet" || fail 'a document links to nothing'
 "$here/convert_test.sh" "$prefix/bin/quillet" || fail 'the program does not convert'
 "$here/report_test.sh" "$prefix/bin/quillet" "$prefix/bin/quillet-report" || fail 'no report'
+"$here/shards_test.sh" "$prefix/bin/quillet" "$prefix/bin/quillet-shards" || fail 'no shards'
 
 # What must not be there: what the program keeps to itself, and the folders above.
 [ ! -e "$prefix/include/quillet/app" ] || fail 'headers of app/'

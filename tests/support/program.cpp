@@ -96,4 +96,4 @@ ProgramResult runProgram(const std::string& program, const ProgramRun& run) {
 
 ProgramResult runQuillet(const ProgramRun& run) { return runProgram(QUILLET_PROGRAM, run); }
 
-std::string banner() { return "\nQUILLET   Version 1.0.0\n" + std::string(62, '-') + "\n"; }
+std::string banner() { return "\nQUILLET   Version 1.1.0\n" + std::string(62, '-') + "\n"; }
