@@ -11,10 +11,11 @@ namespace {
 
 constexpr std::int64_t farthest = 32;  // samples; bounds the work for positions that make no sense
 
-/// The samples that stand under a call: indices, the end exclusive.
+/// The samples that stand under a call.
 struct Place {
   std::size_t begin = 0;
-  std::size_t end = 0;
+  std::size_t end = 0;    // exclusive
+  std::int64_t fall = 0;  // samples within which a peak falls: half a base's distance
 };
 
 Place placeUnder(const MixedSearch& search, std::int32_t base) {
@@ -27,28 +28,34 @@ Place placeUnder(const MixedSearch& search, std::int32_t base) {
   const std::int64_t begin = std::max<std::int64_t>(search.positions[base] - reach, 0);
   const std::int64_t end = std::min(search.positions[base] + reach + 1, pointCount);
   if (begin >= end) return {};
-  return {.begin = static_cast<std::size_t>(begin), .end = static_cast<std::size_t>(end)};
+  return {.begin = static_cast<std::size_t>(begin),
+          .end = static_cast<std::size_t>(end),
+          .fall = std::clamp<std::int64_t>((after - before) / 4, 1, 2 * farthest)};
 }
 
-/// Whether the sample at `index` is part of a peak's top: the nearest other samples on both sides,
-/// not farther than `farthest`, are lower.
-bool isTop(std::span<const std::uint16_t> samples, std::size_t index) {
-  const std::uint16_t height = samples[index];
-  const auto reach = static_cast<std::size_t>(farthest);
-  const std::size_t begin = index - std::min(index, reach);
-  const std::size_t end = std::min(samples.size(), index + reach);
-  std::size_t before = index;
-  while (before > begin && samples[before] == height) --before;
-  std::size_t after = index;
-  while (after + 1 < end && samples[after] == height) ++after;
-  return samples[before] < height && samples[after] < height;
+/// Whether a peak's top is at `index`: on both sides the signal falls below nine tenths of the
+/// height there within `reach` samples, and does not rise above it before.
+bool isTop(std::span<const std::uint16_t> samples, std::size_t index, std::int64_t reach) {
+  const std::uint32_t height = samples[index];
+  const auto at = static_cast<std::int64_t>(index);
+  const auto count = static_cast<std::int64_t>(samples.size());
+  for (const int direction : {-1, 1}) {
+    for (std::int64_t step = 1;; ++step) {
+      const std::int64_t next = at + direction * step;
+      if (step > reach || next < 0 || next >= count) return false;
+      const std::uint32_t sample = samples[static_cast<std::size_t>(next)];
+      if (sample > height) return false;
+      if (10 * sample < 9 * height) break;
+    }
+  }
+  return true;
 }
 
 /// The height of the highest peak whose top reaches into the place; 0 without one.
-std::uint16_t highestTop(std::span<const std::uint16_t> samples, Place place) {
+std::uint16_t highestTop(std::span<const std::uint16_t> samples, const Place& place) {
   std::uint16_t highest = 0;
   for (std::size_t index = place.begin; index < place.end; ++index) {
-    if (samples[index] > highest && isTop(samples, index)) highest = samples[index];
+    if (samples[index] > highest && isTop(samples, index, place.fall)) highest = samples[index];
   }
   return highest;
 }

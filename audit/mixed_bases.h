@@ -23,9 +23,10 @@ struct MixedSearch {
 };
 
 /// The bases A, C, G and T with a second peak that is high enough and stands under the call: from
-/// the called position it is at most an eighth of the way between both neighbours away, and at most
-/// 32 samples. The second peak is the highest one of the other channels whose top reaches there,
-/// the first of equal ones; the called height is the highest sample there of the called channel.
+/// the called position its top is at most an eighth of the way between both neighbours away, and at
+/// most 32 samples. A peak falls below nine tenths of its height on both sides within half a base's
+/// distance, so the flank of a neighbour is none. The highest one of the other channels counts, the
+/// first of equal ones. The called height is the highest sample there of the called channel.
 ///
 /// Heights are those of the stored samples, which a person sees, and not those of a .poly: there
 /// the channels are balanced by a fixed part of the trace, which a short trace lacks and a dye blob

@@ -144,6 +144,32 @@ TEST_F(MixedBases, AShoulderOfANeighbourIsNoSecondPeak) {
   EXPECT_THAT(mixed(), IsEmpty());  // G is at 21000 and rises where A is called
 }
 
+// Half a base's distance is 20 samples here. Noise on a flank makes maxima, too.
+TEST_F(MixedBases, APeakFallsByATenthOnBothSides) {
+  const struct {
+    std::uint16_t before;  // what the signal falls to before it rises to a peak of 40000
+    bool isMixed;
+  } cases[] = {{39000, false}, {36000, false}, {35999, true}, {10000, true}};
+  const auto samples = channels_[Quillet::channelOf('G')];
+  for (const auto& row : cases) {
+    std::fill(samples.begin() + 30, samples.begin() + 60, row.before);
+    samples[60] = 40000;
+    EXPECT_EQ(!mixed().empty(), row.isMixed) << row.before;
+    std::reverse(samples.begin(), samples.end());  // the top is then at 59
+    EXPECT_EQ(!mixed().empty(), row.isMixed) << row.before << " on the other side";
+    std::reverse(samples.begin(), samples.end());
+  }
+}
+
+TEST_F(MixedBases, APeakFallsWithinHalfABasesDistance) {
+  const auto samples = channels_[Quillet::channelOf('G')];
+  std::fill(samples.begin() + 41, samples.begin() + 80, std::uint16_t{40000});
+  EXPECT_THAT(mixed(), ElementsAre(2U));
+
+  std::fill(samples.begin() + 30, samples.begin() + 91, std::uint16_t{40000});
+  EXPECT_THAT(mixed(), IsEmpty());
+}
+
 TEST_F(MixedBases, APeakWithAFlatTopCounts) {
   const auto samples = channels_[Quillet::channelOf('G')];
   for (std::size_t i = 45; i <= 75; ++i) samples[i] = 40000;
