@@ -1,0 +1,88 @@
+// The rows: one object for each, as texts, in order, and by their names in links.
+
+const pageData = JSON.parse(document.getElementById("rows").textContent);
+
+/// The table's columns by its headings. `name` is the TSV's; the strip has none.
+const tableColumns = [...document.querySelectorAll("#app th")].map((heading) => ({
+  name: heading.dataset.column,
+  kind: heading.dataset.kind,
+  heading,
+}));
+const columnByName = new Map(tableColumns.map((column) => [column.name, column]));
+
+const stateByName = new Map(pageData.states.map((state, rank) => [state.name, { ...state, rank }]));
+
+/// {name, severity, text, rank} of a state. Rank 0 is the worst.
+function stateOf(name) {
+  return stateByName.get(name);
+}
+
+/// All rows in the order of the audit: the values by their names in the TSV, `strip` and
+/// `hasPicture`; and the severity of the state.
+const sampleRows = pageData.rows.map((values, index) => {
+  const row = { index };
+  [...pageData.columns, "strip", "hasPicture"].forEach((name, i) => {
+    row[name] = values[i];
+  });
+  row.severity = stateOf(row.state).severity;
+  return row;
+});
+
+/// Bases of the longest read: the right end of every strip.
+const longestRead = sampleRows.reduce((most, row) => Math.max(most, row.bases ?? 0), 0);
+
+/// How good a read is by its good stretch; "none" when that is unknown.
+function gradeOf(contiguous) {
+  if (contiguous === null) return "none";
+  if (contiguous > 600) return "good";
+  return contiguous < 300 ? "poor" : "fair";
+}
+
+/// A value as text, as in the TSV before escaping; "" when it is unknown.
+function valueText(row, name) {
+  const value = row[name];
+  return name === "mean_quality" && value !== null ? value.toFixed(1) : String(value ?? "");
+}
+
+const tsvEscapes = new Map([["\t", "t"], ["\n", "n"], ["\r", "r"], ["\\", "\\"], ["\0", "0"]]);
+
+/// A row as the program writes it into a TSV, without the line feed.
+function tsvLine(row) {
+  const escape = (letter) => `\\${tsvEscapes.get(letter)}`;
+  const field = (name) => valueText(row, name).replace(/[\t\n\r\\\0]/g, escape);
+  return pageData.columns.map(field).join("\t");
+}
+
+/// Rows by need: worst state first, and whole results by the shortest good stretch. Those without
+/// calls have none and stand before all others of them.
+function orderByNeed(rows) {
+  const need = (row) => (row.severity === "whole" ? row.contiguous ?? -1 : 0);
+  const rank = (row) => stateOf(row.state).rank;
+  return [...rows].sort((a, b) => rank(a) - rank(b) || need(a) - need(b) || a.index - b.index);
+}
+
+const textOrder = new Intl.Collator("en", { numeric: true });
+
+/// Rows by a column. Unknown values stand last either way, and equal ones keep their order.
+function orderByColumn(rows, { name, kind }, isDescending) {
+  const keyOf = (row) => {
+    if (kind === "state") return stateOf(row.state).rank;
+    return (kind === "positions" ? row[name]?.[0] : row[name]) ?? "";
+  };
+  const compare = (a, b) => (typeof a === "number" ? a - b : textOrder.compare(a, b));
+  return rows.map((row) => ({ row, key: keyOf(row) }))
+    .sort(({ key: a }, { key: b }) =>
+      (a === "") - (b === "") || (isDescending ? compare(b, a) : compare(a, b)))
+    .map(({ row }) => row);
+}
+
+/// The name of a row in links: its sample, or its trace when another row owns the sample.
+function linkName(row) {
+  return row.state === "hidden" ? row.trace : row.sample;
+}
+
+const rowByLinkName = new Map();
+for (const row of sampleRows) {
+  const name = linkName(row);
+  if (row.state !== "hidden" || !rowByLinkName.has(name)) rowByLinkName.set(name, row);
+}
