@@ -1,12 +1,15 @@
 #include "shards/shard_plan.h"
 
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <iostream>
 #include <random>
 #include <stdexcept>
 #include <string_view>
 #include <unistd.h>
+#include <unordered_set>
 #include <utility>
 
 #include "app/flags.h"
@@ -16,16 +19,20 @@
 #include "app/sample_name.h"
 #include "app/settings.h"
 #include "audit/escaped_text.h"
+#include "audit/impediments.h"
 #include "audit/terminal_meter.h"
 #include "foundation/directory.h"
 #include "shards/cut_points.h"
 #include "shards/file_operations.h"
 #include "shards/shard_folder.h"
+#include "shards/shard_names.h"
 #include "shards/shards_folder.h"
 
 namespace Quillet {
 
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr std::string_view packedSuffix = ".gz";
 constexpr std::string_view phdSuffix = ".phd.1";
@@ -76,10 +83,40 @@ PlannedNames namesToConvert(const Settings& settings, const Project& project) {
   return planned;
 }
 
-std::vector<std::size_t> startsOf(const PlannedNames& planned, const Project& project,
-                                  const PlanOptions& options, const UsualSize& usualSize) {
+/// Knows the gzipped traces that a run can leave out, since they stay packed and their paths are
+/// not for a shell. Such a trace replaces nothing.
+class LeftOutTraces {
+ public:
+  LeftOutTraces(const std::vector<std::string>& names, bool listed, std::string chromatPath)
+      : chromatPath_(std::move(chromatPath)) {
+    if (listed) listed_.insert(names.begin(), names.end());
+  }
+
+  /// Whether the trace can be left out where a shard begins with it.
+  bool contains(const std::string& name) const {
+    std::string path = chromatPath_ + name;
+    if (!isPackedName(path)) {
+      if (Tessaly::Directory::exists(path.c_str())) return false;
+      path += packedSuffix;
+    }
+    if (!isTornByShell(path)) return false;
+    const bool isUnpacked = unpackableNames({name}, false)[0];
+    return !isUnpacked || listed_.contains(unpackedName(name));
+  }
+
+ private:
+  std::string chromatPath_;
+  std::unordered_set<std::string> listed_;
+};
+
+std::vector<std::size_t> startsOf(const PlannedNames& planned, const Settings& settings,
+                                  const Project& project, const PlanOptions& options,
+                                  const UsualSize& usualSize) {
+  const std::string chromatPath = project.chromatPath().text();
+  const LeftOutTraces leftOut(planned.names, isListed(settings), chromatPath);
   CutPoints points(planned.samples, [&](std::size_t index) {
-    return replacesCarriedCalls(project.chromatPath().text() + planned.names[index]);
+    const std::string& name = planned.names[index];
+    return !leftOut.contains(name) && replacesCarriedCalls(chromatPath + name);
   });
   if (options.count) return startsByCount(points, *options.count);
   return startsBySize(points, options.size ? *options.size : usualSize(planned.names.size()));
@@ -101,7 +138,8 @@ std::string absolute(const std::string& path) {
     if (errno != ERANGE) throwSystemError("can not find", ".");
     folder.resize(folder.size() + 256);
   }
-  return folder.c_str() + ('/' + path);
+  folder.resize(std::strlen(folder.c_str()));
+  return folder.append("/").append(path);
 }
 
 /// Makes the links of shards. Those of a list lead to what the converter would open: the name, or
@@ -124,7 +162,7 @@ class TraceLinks {
       const int error = errno;
       close(descriptor);
       errno = error;
-      throwSystemError("can not make", folder + '/' + file);
+      throwSystemError("can not link to", chromatPath_ + file);
     }
     close(descriptor);
   }
@@ -203,6 +241,9 @@ LaidPlan lay(const ShardsFolder& shards, const ShardSettings& settings,
 
 /// Throws unless the place of the shards is free or may be made so.
 void claim(const ShardsFolder& shards, bool force) {
+  if (fs::is_symlink(shards.path())) {
+    throw std::runtime_error(shards.path() + " is a symbolic link");
+  }
   if (!shards.shards().empty()) {
     if (force) return;
     throw std::runtime_error(shards.path() +
@@ -231,13 +272,13 @@ LaidPlan planShards(const PlanOptions& options, const UsualSize& usualSize) {
     if (options.force) shards.retireAll();
     return {};
   }
-  const std::vector<std::size_t> starts = startsOf(planned, project, options, usualSize);
+  const std::vector<std::size_t> starts = startsOf(planned, settings, project, options, usualSize);
   return lay(shards,
              {.keepExtensions = !settings.stripExtensions,
               .overwrite = settings.overwrite,
               .listed = isListed(settings),
               .planId = newPlanId(),
-              .project = project.rootDir().text(),
+              .project = absolute(project.rootDir().text()),
               .chromatPath = project.chromatPath().text(),
               .phdPath = absolute(project.phdPath().text()),
               .polyPath = absolute(project.polyPath().text())},
