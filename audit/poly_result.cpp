@@ -34,14 +34,17 @@ bool takePolyLine(std::string_view& text) {
   return true;
 }
 
-bool isSeparator(char character) { return (character == ' ') | (character == '\n'); }
+/// 1 for a blank and a line feed, else 0.
+unsigned char isSeparator(char character) {
+  return static_cast<unsigned char>((character == ' ') | (character == '\n'));
+}
 
 /// Passes over all lines if each is plainly one of twelve fields: eleven blanks, and no two
 /// separators side by side. Lines with a blank or a line feed as base are not, nor are wrong ones;
 /// then the text stays. Line by line as takePolyLine() goes, a .poly takes five times as long:
 /// fields are of unpredictable length, and these loops have no branch for a field.
 void takePlainLines(std::string_view& text, std::size_t& lineCount) {
-  if (text.empty() || isSeparator(text.front())) return;
+  if (text.empty() || isSeparator(text.front()) != 0) return;
   unsigned char sideBySide = 0;
   for (std::size_t i = 1; i < text.size(); ++i) {
     sideBySide |= static_cast<unsigned char>(isSeparator(text[i - 1]) & isSeparator(text[i]));

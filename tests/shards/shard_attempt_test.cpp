@@ -102,6 +102,18 @@ class ShardAttempt : public testing::Test {
   std::optional<LaidShard> shard_;
 };
 
+/// How many processes named `quillet` work below a folder.
+int convertersIn(const std::string& folder) {
+  int count = 0;
+  for (const fs::directory_entry& entry : fs::directory_iterator("/proc")) {
+    std::error_code error;
+    const fs::path program = fs::read_symlink(entry.path() / "exe", error);
+    const std::string place = error ? "" : fs::read_symlink(entry.path() / "cwd", error).string();
+    if (!error && program == QUILLET_PROGRAM && place.starts_with(folder)) ++count;
+  }
+  return count;
+}
+
 /// The names of the attempts in a folder.
 Names attemptsIn(const std::string& folder) {
   Names names;
@@ -183,6 +195,20 @@ TEST_F(ShardAttempt, ATraceThatGoesDuringTheRunIsAnError) {
 
   EXPECT_EQ(result.status, 1);
   expectNothingLeft();
+}
+
+TEST_F(ShardAttempt, ATraceThatGoesDuringARunWithAListIsAnErrorAsWell) {
+  Quillet::ShardSettings settings;
+  settings.listed = true;
+  fs::remove_all("shards");
+  const LaidShard listed(project_, {"a.ab1", "b.ab1.gz", "missing.ab1"}, settings);
+
+  const ProgramResult result =
+      runWithConverter("rm " + at("chromat_dir/a.ab1") + "\nexec $quillet \"$@\"\n");
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("/chromat_dir/a.ab1 has gone since the plan"));
+  EXPECT_EQ(listed.content(), laidContent(listed));
 }
 
 TEST_F(ShardAttempt, AConverterThatFailsIsAnError) {
@@ -339,9 +365,15 @@ TEST_F(ShardAttempt, AKilledRunTakesItsConverterAlongAndIsClearedAwayByTheNext) 
     fs::remove(at("started"));
     const auto run = startStopped(flags);
 
+    EXPECT_EQ(convertersIn(project_.path()), 1);
+
     run->signal(SIGKILL);
 
     EXPECT_EQ(run->wait(), 128 + SIGKILL);
+    for (int tries = 0; convertersIn(project_.path()) > 0 && tries < 500; ++tries) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_EQ(convertersIn(project_.path()), 0);
     EXPECT_FALSE(shard().folder().isDone());
     EXPECT_EQ(attemptsIn(shard().path()).size() + attemptsIn(at("edit_dir")).size(), 1U);
     EXPECT_EQ(shard().run({"--scratch", at("edit_dir")}).status, 0);
