@@ -9,7 +9,6 @@
 #include <stdexcept>
 #include <string_view>
 #include <unistd.h>
-#include <unordered_set>
 #include <utility>
 
 #include "app/flags.h"
@@ -88,25 +87,24 @@ PlannedNames namesToConvert(const Settings& settings, const Project& project) {
 class LeftOutTraces {
  public:
   LeftOutTraces(const std::vector<std::string>& names, bool listed, std::string chromatPath)
-      : chromatPath_(std::move(chromatPath)) {
-    if (listed) listed_.insert(names.begin(), names.end());
-  }
+      : names_(names),
+        isUnpacked_(unpackableNames(names, listed)),
+        chromatPath_(std::move(chromatPath)) {}
 
-  /// Whether the trace can be left out where a shard begins with it.
-  bool contains(const std::string& name) const {
-    std::string path = chromatPath_ + name;
+  /// A trace that is unpacked in a run over all names is unpacked in every shard.
+  bool contains(std::size_t index) const {
+    std::string path = chromatPath_ + names_[index];
     if (!isPackedName(path)) {
       if (Tessaly::Directory::exists(path.c_str())) return false;
       path += packedSuffix;
     }
-    if (!isTornByShell(path)) return false;
-    const bool isUnpacked = unpackableNames({name}, false)[0];
-    return !isUnpacked || listed_.contains(unpackedName(name));
+    return isTornByShell(path) && !isUnpacked_[index];
   }
 
  private:
+  const std::vector<std::string>& names_;
+  std::vector<bool> isUnpacked_;
   std::string chromatPath_;
-  std::unordered_set<std::string> listed_;
 };
 
 std::vector<std::size_t> startsOf(const PlannedNames& planned, const Settings& settings,
@@ -115,8 +113,7 @@ std::vector<std::size_t> startsOf(const PlannedNames& planned, const Settings& s
   const std::string chromatPath = project.chromatPath().text();
   const LeftOutTraces leftOut(planned.names, isListed(settings), chromatPath);
   CutPoints points(planned.samples, [&](std::size_t index) {
-    const std::string& name = planned.names[index];
-    return !leftOut.contains(name) && replacesCarriedCalls(chromatPath + name);
+    return !leftOut.contains(index) && replacesCarriedCalls(chromatPath + planned.names[index]);
   });
   if (options.count) return startsByCount(points, *options.count);
   return startsBySize(points, options.size ? *options.size : usualSize(planned.names.size()));

@@ -242,6 +242,17 @@ TEST(ShardPlan, DoesNotCutInFrontOfATraceThatARunMayLeaveOut) {
   EXPECT_THAT(project.names("0004"), ElementsAre("c d.gz", "c d.gz.gz"));
 }
 
+TEST(ShardPlan, DoesNotCutWhereATraceIsUnpackedOnlyAsTheFirst) {
+  const PlannedProject project;
+  project.addTrace("m b.ab1-1.ab1", good);
+  project.addGzipped("m b.ab1.gz", good);  // unpacked, it would sort before the other
+  addGood(project, {"n"});
+
+  planShards(sized(project, 1));
+
+  EXPECT_THAT(project.names("0001"), ElementsAre("m b.ab1-1.ab1", "m b.ab1.gz"));
+}
+
 TEST(ShardPlan, DoesNotCutInFrontOfAListedTraceThatARunMayLeaveOut) {
   const PlannedProject project;
   addGood(project, {"a", "z"});
