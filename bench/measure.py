@@ -1,7 +1,7 @@
-"""Compares the converter with other programs and with the bare cost of its files, and
-quillet-report with the converter.
+"""Compares the converter with other programs and with the bare cost of its files, and quillet-report
+and quillet-shards with the converter.
 
-usage: measure.py BUILD [growth | report] [--rounds N]
+usage: measure.py BUILD [growth | report | shards] [--rounds N]
 
 In every round all programs run in turn, each into empty result folders. Figures are medians over
 the rounds. A ratio is taken within each round first. Times include those of child processes.
@@ -64,6 +64,7 @@ class Bench:
     def __init__(self, build, folder, rounds):
         self.quillet = os.path.join(build, "quillet")
         self.report = os.path.join(build, "quillet-report")
+        self.shards = os.path.join(build, "quillet-shards")
         self.floor = os.path.join(build, "bench", "floor")
         self.maker = os.path.join(build, "bench", "bench_project")
         self.folder = folder
@@ -179,11 +180,94 @@ class Bench:
                         "quillet")
             shutil.rmtree(folder)
 
+    def divided(self):
+        """Seconds that `all -j 1` takes for a gzipped trace."""
+        seconds = {}
+        for title, files, kind in (("Gzipped traces", 2000, "packed"), ("Plain traces", 10_000, "plain")):
+            folder = self.project("divided", files, 12000, 900, kind)
+            everything = [self.shards, "all", "-d", folder, "-j"]
+            runs = measure(folder, {
+                "quillet": [self.quillet],
+                "quillet-shards all -j 1": [*everything, "1"],
+                "quillet-shards all -j 2": [*everything, "2"],
+            }, self.rounds)
+            print_table(f"{title}, {files:,} files of 12,000 samples and 900 bases:", files, runs,
+                        "quillet")
+            plain, one, two = runs.values()
+            print(f"\n-j 1 takes {ratio(one, plain, 'seconds'):.2f} times as long as quillet and is "
+                  f"{ratio(plain, one, 'seconds'):.2f} times as fast, -j 2 is "
+                  f"{ratio(one, two, 'seconds'):.2f} times as fast as -j 1.", flush=True)
+            seconds[kind] = median(one, "seconds") / files
+            shutil.rmtree(folder)
+        return seconds["packed"]
+
+    def steps(self):
+        """What the steps of a divided run cost beside the conversion: seconds that plan and join
+        take for a gzipped trace, and that a shard takes before its first."""
+        print("\n| Step | Names | Time, ms | of that for a name, µs |")
+        print("|---|---:|---:|---:|")
+        found = []
+
+        def print_step(title, names, runs):
+            seconds = median(runs, "seconds")
+            found.append(seconds / names)
+            print(f"| {title} | {names:,} | {1e3 * seconds:,.1f} | {1e6 * seconds / names:,.1f} |",
+                  flush=True)
+
+        count = 100_000
+        for kind in ("plain", "packed"):
+            folder = self.project("planned", 50, 12000, 900, kind)
+            chromats = os.path.join(folder, "chromat_dir")
+            for k, name in zip(range(50, count), 2000 * sorted(os.listdir(chromats))):
+                os.link(f"{chromats}/{name}", f"{chromats}/trace{k:05}{name[10:]}")
+            runs = []
+            for _ in range(self.rounds):
+                shutil.rmtree(os.path.join(folder, "shards"), ignore_errors=True)
+                runs.append(Run([self.shards, "plan", "-d", folder, "-n", "100"], folder))
+            print_step(f"plan, 100 shards, {kind} traces", count, runs)
+            shutil.rmtree(folder)
+
+        count = 2000
+        folder = self.project("joined", count, 12000, 900)
+        single, joined = [], []
+        for _ in range(self.rounds):
+            for shard in self.planned(folder, size=1)[:20]:
+                single.append(Run([self.shards, "run", shard], folder))
+            for shard in self.planned(folder, size=500):
+                Run([self.shards, "run", shard], folder)
+            joined.append(Run([self.shards, "join", "-d", folder], folder))
+        print_step("run, a shard of one plain trace", 1, single)
+        print_step("join, four shards", count, joined)
+        shutil.rmtree(folder)
+        _, plan, start, join = found
+        return plan, start, join
+
+    def simulate(self, whole, plan, start, join):
+        """A million gzipped traces on paper: plan and join in one process, the runs in one process
+        on each node. `whole`: seconds for a trace in all three steps."""
+        names, shards = 1_000_000, 500
+        print(f"\n{names:,} gzipped traces in {shards} shards, computed from the figures above:\n")
+        print("| Nodes | plan, s | run, s | join, s | Together, min |")
+        print("|---:|---:|---:|---:|---:|")
+        for nodes in (1, 10, 100):
+            run = -(-shards // nodes) * (start + names / shards * (whole - plan - join))
+            steps = names * plan, run, names * join
+            print(f"| {nodes} | {' | '.join(f'{step:,.0f}' for step in steps)} "
+                  f"| {sum(steps) / 60:.1f} |")
+
+    def planned(self, folder, size):
+        """Shards of `size` traces, of the whole project, in place of those that are there."""
+        empty_results(folder)
+        Run([self.shards, "plan", "-f", "-d", folder, "--size", str(size)], folder)
+        return sorted(entry.path for entry in os.scandir(os.path.join(folder, "shards"))
+                      if entry.is_dir())
+
 
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("build")
-    parser.add_argument("what", nargs="?", choices=["programs", "growth", "report"], default="programs")
+    parser.add_argument("what", nargs="?", default="programs",
+                        choices=["programs", "growth", "report", "shards"])
     parser.add_argument("--rounds", type=int, default=7)
     options = parser.parse_args()
 
@@ -198,6 +282,9 @@ def main():
             bench.growth()
         elif options.what == "report":
             bench.reports()
+        elif options.what == "shards":
+            whole = bench.divided()
+            bench.simulate(whole, *bench.steps())
         else:
             bench.plain()
             bench.packed()

@@ -16,6 +16,8 @@ install(FILES README.md CHANGELOG.md CITATION.cff CONTRIBUTING.md LICENSE
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT program)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT program
         FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
+install(FILES workflow/README.md workflow/Snakefile workflow/slurm-array.sh
+        DESTINATION ${CMAKE_INSTALL_DOCDIR}/workflow COMPONENT program)
 install(DIRECTORY examples/installed DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
         COMPONENT development)
 

@@ -56,7 +56,7 @@ std::string verdictHtml(const std::string& project, const Verdict& verdict) {
   return html + "</p>";
 }
 
-/// "22 November 2026, 00:52 · quillet-report 1.0.0"
+/// "22 November 2026, 00:52 · quillet-report 1.1.0"
 std::string madeText(std::time_t moment) {
   const Tessaly::Clock clock(moment);
   return std::to_string(clock.day()) + ' ' + clock.monthName().text() + ' ' +

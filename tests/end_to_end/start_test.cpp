@@ -85,7 +85,7 @@ TEST(Start, VersionIsAnsweredWhereverItStandsAndBeforeHelp) {
                          {"-version", "-l"}};
   // The stamp is the time of the build and, when known, its commit.
   const auto expected = MatchesRegex(
-      "\nQUILLET   Version 1\\.0\\.0\n"
+      "\nQUILLET   Version 1\\.1\\.0\n"
       "Build [0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}( [0-9a-f]{7,})?\n\n");
   for (const Words& words : cases) {
     SCOPED_TRACE(::testing::PrintToString(words));
