@@ -5,7 +5,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "foundation/directory.h"
 #include "shards/attempt.h"
 #include "shards/file_operations.h"
 #include "shards/held_shard.h"
@@ -22,8 +21,10 @@ namespace {
 constexpr const char* scratchPrefix = "quillet-";  // of attempts in folders that others use too
 constexpr const char* resultFolders[] = {"/phd_dir", "/poly_dir"};
 
+/// The path from the root. It begins in the working directory, as the shell completes it, not in
+/// PWD, which can be an earlier one.
 std::string absolute(const std::string& path) {
-  return path.starts_with('/') ? path : Tessaly::Directory::currentDirectory().text() + path;
+  return path.starts_with('/') ? path : fs::current_path().string() + '/' + path;
 }
 
 void copyFile(const std::string& from, const std::string& to, bool toDisk = false) {

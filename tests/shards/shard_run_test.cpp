@@ -274,6 +274,20 @@ TEST(ShardRunSettings, ARelativePathBeginsInTheWorkingDirectory) {
   EXPECT_TRUE(fs::is_empty("edit_dir"));
 }
 
+TEST(ShardRunSettings, ThatDirectoryIsNotTheOneOfAnEarlierPwd) {
+  const ProjectFolder project;
+  project.addTrace("a.ab1", trace(1));
+  const LaidShard shard(project, {"a.ab1"});
+
+  const ProgramResult result = runProgram(
+      QUILLET_SHARDS_PROGRAM, {.folder = project.path().string(),
+                               .arguments = {"run", "shards/01", "--scratch", "edit_dir"},
+                               .environment = {{"PWD", "/"}}});
+
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_TRUE(shard.folder().isDone());
+}
+
 TEST(ShardRunSettings, OptionsOfGunzipInTheEnvironmentDoWhatTheyDoInAPlainRun) {
   for (const char* options : {"-9", "-q", "-v"}) {
     const ProjectFolder project;
