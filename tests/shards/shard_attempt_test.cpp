@@ -74,10 +74,11 @@ class ShardAttempt : public testing::Test {
   }
 
   /// Starts a run whose converter stops in gunzip until the file "go" is there, and waits for that.
+  /// That gunzip ends by itself once the file "started" has gone, with the project at the latest.
   std::unique_ptr<StartedRun> startStopped(Names flags = {"--keep-gzip"}) {
-    const std::map<std::string, std::string> environment =
-        project_.withGunzip("echo $$ >" + at("id") + "\n>" + at("started") + "\nwhile [ ! -e " +
-                            at("go") + " ]; do sleep 0.01; done\nexec gzip -d \"$@\"\n");
+    const std::map<std::string, std::string> environment = project_.withGunzip(
+        "echo $$ >" + at("id") + "\n>" + at("started") + "\nwhile [ ! -e " + at("go") +
+        " ] && [ -e " + at("started") + " ]; do sleep 0.01; done\nexec gzip -d \"$@\"\n");
     flags.insert(flags.begin(), {"run", shard().path()});
     auto run = std::make_unique<StartedRun>(
         QUILLET_SHARDS_PROGRAM,
