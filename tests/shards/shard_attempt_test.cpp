@@ -254,6 +254,13 @@ TEST_F(ShardAttempt, TheConverterIsTheOneBesideTheProgramOrElseInPath) {
   EXPECT_EQ(runWithConverter("exit 7\n", true).status, 1) << "both are there now";
 }
 
+TEST_F(ShardAttempt, AFolderBesideTheProgramIsNoConverter) {
+  fs::create_directories(at("programs/quillet"));
+
+  EXPECT_EQ(runWithConverter("exec $quillet \"$@\"\n", false).status, 0);
+  expectDone();
+}
+
 TEST_F(ShardAttempt, WhatIsNoShardIsAnError) {
   for (const std::string& path : {at("nowhere"), at("chromat_dir"), std::string("")}) {
     const ProgramResult result =
