@@ -317,6 +317,23 @@ TEST_F(ShardAttempt, AttemptsThatNobodyUsesAreRemoved) {
   close(used);
 }
 
+TEST_F(ShardAttempt, AttemptsThatWereBegunLongAgoAreRemoved) {
+  for (const std::string folder : {"shards/01/", "edit_dir/quillet-"}) {
+    for (const char* name : {"begun-aaaaaa", "begun-bbbbbb", "begun-other"}) {
+      project_.write(folder + name + "/lock", "");
+      const auto age = std::chrono::minutes(name == std::string("begun-bbbbbb") ? 50 : 70);
+      fs::last_write_time(at(folder + name), fs::file_time_type::clock::now() - age);
+    }
+  }
+
+  EXPECT_EQ(shard().run({"--scratch", at("edit_dir")}).status, 0);
+
+  EXPECT_THAT(project_.entries("edit_dir"),
+              testing::UnorderedElementsAre("quillet-begun-bbbbbb", "quillet-begun-other"));
+  EXPECT_FALSE(project_.has("shards/01/begun-aaaaaa"));
+  EXPECT_TRUE(project_.has("shards/01/begun-bbbbbb"));
+}
+
 TEST_F(ShardAttempt, OfAScratchFolderOnlyOurOwnIsRemoved) {
   for (const std::string name : {"attempt-aaaaaa", "gone-cccccc", "quillet-attempt-aaaaaa",
                                  "quillet-gone-cccccc", "quillet-attempt-longer"}) {
