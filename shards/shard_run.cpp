@@ -66,6 +66,17 @@ bool publish(const HeldShard& held, const ShardFolder& shard, const AttemptFolde
   return publication == Publication::published;
 }
 
+/// The messages of an attempt. When it fails since the shard has been removed, the exception says
+/// so: what else it might say is a consequence.
+std::string convert(Attempt& attempt, bool keepGzip, const HeldShard& held) {
+  try {
+    return attempt.convert(keepGzip);
+  } catch (const std::runtime_error&) {
+    held.checkInPlace();
+    throw;
+  }
+}
+
 std::string convertShard(const ShardFolder& shard, const RunOptions& options,
                          const StopSignals& signals) {
   const HeldShard held(shard);
@@ -77,7 +88,7 @@ std::string convertShard(const ShardFolder& shard, const RunOptions& options,
     removeUnusedAttempts(place);
   }
   Attempt attempt(shard, contents, place, signals);
-  std::string messages = attempt.convert(options.keepGzip);
+  std::string messages = convert(attempt, options.keepGzip, held);
   return publish(held, shard, attempt.folder(), signals) ? std::move(messages) : std::string();
 }
 

@@ -33,11 +33,12 @@ std::string contentOf(int descriptor) {
 
 /// Throws when gunzip did not end by itself, or did not start the program that it is a script for.
 /// The bytes are not those of the file then.
-void checkEnd(int status, const std::string& packed, const std::string& complaints) {
+void checkEnd(int status, const std::string& packed, std::string complaints) {
   constexpr int warned = 2;  // the highest that gunzip gives, whatever the file holds
   if (status <= warned) return;
   std::string line;
   appendEscaped(line, packed, true);
+  complaints.erase(complaints.find_last_not_of('\n') + 1);
   throw std::runtime_error("gunzip of " + line + " ended with status " + std::to_string(status) +
                            (complaints.empty() ? "" : ": " + complaints));
 }

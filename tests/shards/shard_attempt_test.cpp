@@ -216,8 +216,8 @@ TEST_F(ShardAttempt, AConverterThatFailsIsAnError) {
   const ProgramResult result = runWithConverter("echo out of order; exit 3\n");
 
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "quillet-shards: " + shard().path() +
-                            ": quillet ended with status 3:\nout of order\n\n");
+  EXPECT_EQ(result.err,
+            "quillet-shards: " + shard().path() + ": quillet ended with status 3:\nout of order\n");
   expectNothingLeft();
 }
 
@@ -259,6 +259,16 @@ TEST_F(ShardAttempt, AFolderBesideTheProgramIsNoConverter) {
 
   EXPECT_EQ(runWithConverter("exec $quillet \"$@\"\n", false).status, 0);
   expectDone();
+}
+
+TEST_F(ShardAttempt, AShardThatIsRemovedDuringTheRunIsNamedAsTheReason) {
+  const ProgramResult result =
+      runWithConverter("mv " + at("shards") + ' ' + at("joined") + "; rm -r " + at("joined") +
+                       "; echo strange; exit 3\n");
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err,
+            "quillet-shards: " + shard().path() + " has been removed: No such file or directory\n");
 }
 
 TEST_F(ShardAttempt, WhatIsNoShardIsAnError) {
