@@ -23,7 +23,7 @@ Place placeUnder(const MixedSearch& search, std::int32_t base) {
   const std::int64_t pointCount = search.channels.pointCount();
   const std::int64_t before = base == 0 ? 0 : search.positions[base - 1];
   const std::int64_t after = isLast ? pointCount : search.positions[base + 1];
-  if (after < before) return {};
+  if (after <= before) return {};  // positions that make no sense
   const std::int64_t reach = std::min((after - before) / 8, farthest);
   const std::int64_t begin = std::max<std::int64_t>(search.positions[base] - reach, 0);
   const std::int64_t end = std::min(search.positions[base] + reach + 1, pointCount);
@@ -70,7 +70,8 @@ double ratioOf(std::uint16_t second, std::uint16_t called) {
 std::vector<MixedBase> mixedBases(const MixedSearch& search) {
   std::vector<MixedBase> mixed;
   const auto length = static_cast<std::uint32_t>(search.bases.length());
-  for (std::uint32_t i = search.begin; i < std::min(search.end, length); ++i) {
+  const std::uint32_t end = std::min(search.end, length);
+  for (std::uint32_t i = search.begin; i < end && mixed.size() < mostMixedBases; ++i) {
     const auto base = static_cast<std::int32_t>(i);
     const int called = channelOf(search.bases[base]);
     const Place place = placeUnder(search, base);

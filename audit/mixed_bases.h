@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -22,6 +23,8 @@ struct MixedSearch {
   double ratio;  // least height of a second peak, measured by the called one
 };
 
+inline constexpr std::size_t mostMixedBases = 32'768;
+
 /// The bases A, C, G and T with a second peak that is high enough and stands under the call: from
 /// the called position its top is at most an eighth of the way between both neighbours away, and at
 /// most 32 samples. A peak falls below nine tenths of its height on both sides within half a base's
@@ -31,6 +34,9 @@ struct MixedSearch {
 /// Heights are those of the stored samples, which a person sees, and not those of a .poly: there
 /// the channels are balanced by a fixed part of the trace, which a short trace lacks and a dye blob
 /// spoils.
+///
+/// At most `mostMixedBases`, the first ones: no read has so many, and a file that invents millions
+/// of calls shall not fill the memory.
 std::vector<MixedBase> mixedBases(const MixedSearch& search);
 
 }  // namespace Quillet

@@ -12,6 +12,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "audit/escaped_text.h"
+
 namespace Quillet {
 
 namespace {
@@ -73,7 +75,7 @@ void ChildRuns::start(std::size_t shard, const std::string& folder) {
     errno = error;
     fail("can not start a process");
   }
-  children_.emplace(id, Child{shard, output});
+  children_.emplace(id, Child{shard, output, folder});
 }
 
 EndedRun ChildRuns::wait() {
@@ -88,8 +90,9 @@ EndedRun ChildRuns::wait() {
                    .isDone = WIFEXITED(status) && WEXITSTATUS(status) == 0,
                    .messages = contentOf(child->second.output)};
     if (WIFSIGNALED(status)) {
-      ended.messages += "quillet-shards: a run was ended by signal ";
-      ended.messages += std::to_string(WTERMSIG(status)) + '\n';
+      ended.messages += "quillet-shards: the run of ";
+      appendEscaped(ended.messages, child->second.folder, true);
+      ended.messages += " was ended by signal " + std::to_string(WTERMSIG(status)) + '\n';
     }
     close(child->second.output);
     children_.erase(child);

@@ -34,6 +34,7 @@ class ChildRuns {
   struct Child {
     std::size_t shard;
     int output;  // a file in memory
+    std::string folder;
   };
   std::map<pid_t, Child> children_;
 };

@@ -105,7 +105,9 @@ class ShardsApp {
       }
       value = number;
     };
-    command.add_option_function<std::string>(flag, take, help)->type_name(type);
+    command.add_option_function<std::string>(flag, take, help)
+        ->type_name(type)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
   }
 
   void addProject(CLI::App& command) {
@@ -134,7 +136,8 @@ class ShardsApp {
         .add_option_function<std::string>(
             "--scratch", [this](const std::string& text) { command_.scratch = text; },
             "work in a folder of this one, such as a local disk")
-        ->type_name("DIR");
+        ->type_name("DIR")
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     addFlag(command, "--keep-gzip", command_.keepGzip,
             "leave the unpacking of gzipped traces to quillet");
   }

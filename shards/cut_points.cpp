@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <stdexcept>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -27,7 +28,12 @@ std::optional<std::size_t> nearestCut(CutPoints& points, std::size_t ideal, std:
 }  // namespace
 
 bool replacesCarriedCalls(const std::string& path) {
-  const TraceReading reading = readTrace(path);
+  TraceReading reading;
+  try {
+    reading = readTrace(path);
+  } catch (const std::runtime_error&) {
+    return false;  // nothing is known of it
+  }
   if (!reading.fault.empty() || reading.isDamaged) return false;
   const BaseCalls& calls = reading.content.calls;
   return calls.count > 0 && calls.hasUsableQualities();

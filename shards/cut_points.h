@@ -9,8 +9,8 @@ namespace Quillet {
 
 /// Whether the trace at `path` replaces everything that the converter carries from one trace to the
 /// next: it opens and holds calls and qualities. A .gz that is not intact never does. A run that
-/// begins with such a trace gives what a longer run gives from there on.
-/// Throws std::runtime_error when there is no room to unpack it.
+/// begins with such a trace gives what a longer run gives from there on. False, too, where there is
+/// no room to unpack it.
 bool replacesCarriedCalls(const std::string& path);
 
 /// Where the names of a run may be cut into shards.

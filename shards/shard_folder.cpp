@@ -41,7 +41,8 @@ constexpr std::array texts{
 std::vector<std::string> readTexts(const ShardFolder& folder, const std::string& path) {
   std::ifstream stream(path, std::ios::binary);
   const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream.is_open() || (!bytes.empty() && bytes.back() != '\0')) {
+  if (!stream.is_open()) throw std::runtime_error(folder.path() + " is no shard: no " + path);
+  if (!bytes.empty() && bytes.back() != '\0') {
     throw std::runtime_error(folder.path() + " is no shard: " + path + " is not whole");
   }
   std::vector<std::string> found;

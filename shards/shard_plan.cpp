@@ -1,7 +1,9 @@
 #include "shards/shard_plan.h"
 
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <iostream>
 #include <random>
 #include <stdexcept>
@@ -16,16 +18,20 @@
 #include "app/sample_name.h"
 #include "app/settings.h"
 #include "audit/escaped_text.h"
+#include "audit/impediments.h"
 #include "audit/terminal_meter.h"
 #include "foundation/directory.h"
 #include "shards/cut_points.h"
 #include "shards/file_operations.h"
 #include "shards/shard_folder.h"
+#include "shards/shard_names.h"
 #include "shards/shards_folder.h"
 
 namespace Quillet {
 
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr std::string_view packedSuffix = ".gz";
 constexpr std::string_view phdSuffix = ".phd.1";
@@ -76,10 +82,38 @@ PlannedNames namesToConvert(const Settings& settings, const Project& project) {
   return planned;
 }
 
-std::vector<std::size_t> startsOf(const PlannedNames& planned, const Project& project,
-                                  const PlanOptions& options, const UsualSize& usualSize) {
+/// Knows the gzipped traces that a run can leave out, since they stay packed and their paths are
+/// not for a shell. Such a trace replaces nothing.
+class LeftOutTraces {
+ public:
+  LeftOutTraces(const std::vector<std::string>& names, bool listed, std::string chromatPath)
+      : names_(names),
+        isUnpacked_(unpackableNames(names, listed)),
+        chromatPath_(std::move(chromatPath)) {}
+
+  /// A trace that is unpacked in a run over all names is unpacked in every shard.
+  bool contains(std::size_t index) const {
+    std::string path = chromatPath_ + names_[index];
+    if (!isPackedName(path)) {
+      if (Tessaly::Directory::exists(path.c_str())) return false;
+      path += packedSuffix;
+    }
+    return isTornByShell(path) && !isUnpacked_[index];
+  }
+
+ private:
+  const std::vector<std::string>& names_;
+  std::vector<bool> isUnpacked_;
+  std::string chromatPath_;
+};
+
+std::vector<std::size_t> startsOf(const PlannedNames& planned, const Settings& settings,
+                                  const Project& project, const PlanOptions& options,
+                                  const UsualSize& usualSize) {
+  const std::string chromatPath = project.chromatPath().text();
+  const LeftOutTraces leftOut(planned.names, isListed(settings), chromatPath);
   CutPoints points(planned.samples, [&](std::size_t index) {
-    return replacesCarriedCalls(project.chromatPath().text() + planned.names[index]);
+    return !leftOut.contains(index) && replacesCarriedCalls(chromatPath + planned.names[index]);
   });
   if (options.count) return startsByCount(points, *options.count);
   return startsBySize(points, options.size ? *options.size : usualSize(planned.names.size()));
@@ -101,7 +135,8 @@ std::string absolute(const std::string& path) {
     if (errno != ERANGE) throwSystemError("can not find", ".");
     folder.resize(folder.size() + 256);
   }
-  return folder.c_str() + ('/' + path);
+  folder.resize(std::strlen(folder.c_str()));
+  return folder.append("/").append(path);
 }
 
 /// Makes the links of shards. Those of a list lead to what the converter would open: the name, or
@@ -124,7 +159,7 @@ class TraceLinks {
       const int error = errno;
       close(descriptor);
       errno = error;
-      throwSystemError("can not make", folder + '/' + file);
+      throwSystemError("can not link to", chromatPath_ + file);
     }
     close(descriptor);
   }
@@ -203,6 +238,9 @@ LaidPlan lay(const ShardsFolder& shards, const ShardSettings& settings,
 
 /// Throws unless the place of the shards is free or may be made so.
 void claim(const ShardsFolder& shards, bool force) {
+  if (fs::is_symlink(shards.path())) {
+    throw std::runtime_error(shards.path() + " is a symbolic link");
+  }
   if (!shards.shards().empty()) {
     if (force) return;
     throw std::runtime_error(shards.path() +
@@ -231,13 +269,13 @@ LaidPlan planShards(const PlanOptions& options, const UsualSize& usualSize) {
     if (options.force) shards.retireAll();
     return {};
   }
-  const std::vector<std::size_t> starts = startsOf(planned, project, options, usualSize);
+  const std::vector<std::size_t> starts = startsOf(planned, settings, project, options, usualSize);
   return lay(shards,
              {.keepExtensions = !settings.stripExtensions,
               .overwrite = settings.overwrite,
               .listed = isListed(settings),
               .planId = newPlanId(),
-              .project = project.rootDir().text(),
+              .project = absolute(project.rootDir().text()),
               .chromatPath = project.chromatPath().text(),
               .phdPath = absolute(project.phdPath().text()),
               .polyPath = absolute(project.polyPath().text())},

@@ -5,10 +5,12 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
+#include <iostream>
 #include <stdexcept>
 #include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 #include "shards/file_operations.h"
@@ -23,12 +25,16 @@ constexpr std::string_view hiddenPrefix = ".quillet-shards-";
 constexpr std::string_view retiredPrefix = ".joined-";
 constexpr const char* planTable = "/plan.tsv";
 
+// What can not be looked at must not pass for something that is not there: it would be removed.
+
 bool hasEntry(const std::string& path) {
   struct stat status;
-  return lstat(path.c_str(), &status) == 0;
+  if (lstat(path.c_str(), &status) == 0) return true;
+  if (errno != ENOENT && errno != ENOTDIR) throwSystemError("can not look at", path);
+  return false;
 }
 
-/// Names of the entries of a folder; none when it can not be read.
+/// Names of the entries of a folder, ascending; none without the folder.
 std::vector<std::string> entriesOf(const std::string& path) {
   std::vector<std::string> names;
   std::error_code error;
@@ -36,8 +42,19 @@ std::vector<std::string> entriesOf(const std::string& path) {
        entry.increment(error)) {
     names.push_back(entry->path().filename().string());
   }
+  if (error && error != std::errc::no_such_file_or_directory) {
+    throw std::runtime_error("can not read " + path + ": " + error.message());
+  }
   std::sort(names.begin(), names.end());
   return names;
+}
+
+/// Removes what is no longer needed. Says so when it can not.
+void discard(const std::string& path) {
+  if (!removeTree(path)) {
+    std::cerr << "quillet-shards: can not remove " << path << ", which is no longer needed"
+              << std::endl;
+  }
 }
 
 }  // namespace
@@ -70,8 +87,13 @@ std::string ShardsFolder::makeHidden() const {
 
 void ShardsFolder::replaceBy(const std::string& hidden) const {
   const std::string old = renameAway();
-  if (std::rename(hidden.c_str(), path_.c_str()) != 0) throwSystemError("can not make", path_);
-  if (!old.empty()) removeTree(old);
+  if (std::rename(hidden.c_str(), path_.c_str()) != 0) {
+    const int error = errno;
+    if (!old.empty()) std::rename((old + "/shards").c_str(), path_.c_str());
+    errno = error;
+    throwSystemError("can not make", path_);
+  }
+  if (!old.empty()) discard(old);
 }
 
 void ShardsFolder::retire(const ShardFolder& shard) const {
@@ -86,12 +108,12 @@ void ShardsFolder::retire(const ShardFolder& shard) const {
 
 void ShardsFolder::retireAll() const {
   const std::string old = renameAway();
-  if (!old.empty()) removeTree(old);
+  if (!old.empty()) discard(old);
 }
 
 std::string ShardsFolder::renameAway() const {
   if (!hasEntry(path_)) return {};
-  const std::string hidden = makeHidden();
+  std::string hidden = makeHidden();
   if (std::rename(path_.c_str(), (hidden + "/shards").c_str()) != 0) {
     const int error = errno;
     rmdir(hidden.c_str());
@@ -121,15 +143,25 @@ std::string ShardsFolder::foreignFile() const {
   return {};
 }
 
-ProjectLock::ProjectLock(const std::string& project)
-    : descriptor_(open(project.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-  if (descriptor_ < 0 || flock(descriptor_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
-  close(descriptor_);
-  throw std::runtime_error("another quillet-shards plans or joins in " + project);
+ProjectLock::ProjectLock(const std::string& project) : project_(project) {
+  lock(project, O_RDONLY | O_DIRECTORY);
+  lock(project + "shards" + planTable, O_RDWR);  // as network file systems want it
 }
 
-ProjectLock::~ProjectLock() {
-  if (descriptor_ >= 0) close(descriptor_);
+void ProjectLock::lock(const std::string& path, int flags) {
+  const int descriptor = open(path.c_str(), flags | O_CLOEXEC);
+  if (descriptor < 0) return;
+  descriptors_.push_back(descriptor);
+  if (flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
+  release();
+  throw std::runtime_error("another quillet-shards plans or joins in " + project_);
 }
+
+void ProjectLock::release() {
+  for (const int descriptor : descriptors_) close(descriptor);
+  descriptors_.clear();
+}
+
+ProjectLock::~ProjectLock() { release(); }
 
 }  // namespace Quillet

@@ -42,8 +42,9 @@ class ShardsFolder {
   std::string path_;
 };
 
-/// While there is such an object, no other process can make one for the same project. Where the
-/// file system has no locks, it does nothing.
+/// While there is such an object, no other process can make one for the same project. It locks the
+/// project's root, which on network file systems counts on one machine only, and the table of the
+/// plan, if there is one, which counts on all. Where there are no locks, it does nothing.
 class ProjectLock {
  public:
   /// Throws std::runtime_error when another process has the project.
@@ -53,7 +54,11 @@ class ProjectLock {
   ProjectLock& operator=(const ProjectLock&) = delete;
 
  private:
-  int descriptor_;
+  void lock(const std::string& path, int flags);
+  void release();
+
+  std::string project_;
+  std::vector<int> descriptors_;
 };
 
 }  // namespace Quillet

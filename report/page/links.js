@@ -2,8 +2,7 @@
 
 const addressPause = 250;  // ms between two changes of the address; browsers refuse hundreds
 
-/// {row, base, problem} of an address. Without a row, `problem` says why; it is missing for an
-/// address without a hash. `base` is null when there is none.
+/// {row, base, problem} of an address; without a row, `problem` says why. {} without a hash.
 function placeOfAddress({ href, hash }) {
   if (!href.includes("#")) return {};
   const [, nameText, baseText] = /^#?(.*?)(?::([^:]*))?$/s.exec(hash);
@@ -18,25 +17,18 @@ function placeOfAddress({ href, hash }) {
   }
   const row = rowByLinkName.get(name);
   if (!row) return { problem: `There is no sample “${name}”. This is the first one.` };
-  const base = baseText ? Number(baseText) : null;
-  return base > row.bases ? { row, problem: `${name} has no base ${base}.` } : { row, base };
+  if (baseText > row.bases) return { row, problem: `${name} has no base ${baseText}.` };
+  return { row, base: baseText && Number(baseText) };
 }
 
-/// Returns a function to be called at each change. The address follows at most four times a second,
-/// by what `current()` returns then, {row, base}.
-function createAddress(current) {
-  let timer = null;
-  const write = () => {
-    timer = null;
-    const { row, base } = current();
-    const hash = `#${encodeURIComponent(linkName(row))}${base === null ? "" : `:${base}`}`;
-    try {
-      if (hash !== location.hash) history.replaceState(null, "", hash);
-    } catch {
-      // A page inside a frame may not change its address.
-    }
-  };
-  return () => {
-    timer ??= setTimeout(write, addressPause);
-  };
+let addressTimer = null;
+
+/// Lets the address follow the chosen row and its base.
+function changeAddress() {
+  addressTimer ??= setTimeout(() => {
+    addressTimer = null;
+    const base = traceView.base();
+    const hash = `#${encodeURIComponent(linkName(chosen))}${base === null ? "" : `:${base}`}`;
+    if (hash !== location.hash) history.replaceState(null, "", hash);
+  }, addressPause);
 }

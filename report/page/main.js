@@ -2,31 +2,26 @@
 
 const panelOf = (name) => document.querySelector(`[data-panel="${name}"]`);
 const filterField = document.querySelector("input[type=search]");
-const rowCount = document.getElementById("row-count");
-const notice = document.querySelector(".notice");
 
 const rowsByNeed = orderByNeed(sampleRows);
-let sortedRows = rowsByNeed;   // all of them, in the table's order
-let rowsInSight = rowsByNeed;  // those of them that the filter leaves
-let inSight = new Set(rowsByNeed);
-let sorting = null;            // {column, isDescending}; null for the order by need
+let sortedRows = rowsByNeed;  // all of them, in the table's order
+let rowsInSight = [];         // those of them that the filter leaves
+let inSight = new Set();
+let sorting = null;           // {column, isDescending}; null for the order by need
 let chosen = null;
-let map = null;
+let map;
 
-const changeAddress = createAddress(() => ({ row: chosen, base: traceView.base() }));
-const openHelp = () => document.querySelector(".help").showModal();
-const traceView = createTraceView(panelOf("trace"), { onBase: changeAddress, onHelp: openHelp });
+const traceView = createTraceView(panelOf("trace"), changeAddress);
 const updateHead = createHead(panelOf("head"), (terms) => toggleFilter(terms, chipColumns));
 const table = createTable(document.querySelector(".rows"), { onChoose: choose, onSort: sortBy });
 
 /// Says something above the panels, until another row is chosen; nothing without a text.
 function tell(text = "") {
-  notice.textContent = text;
-  notice.hidden = text === "";
+  document.querySelector(".notice").textContent = text;
 }
 
-/// Chooses a row in the table, on the map and for the trace, at `base` or where it opens by itself.
-/// A filter that hides the row goes. The promise holds when the trace is drawn.
+/// Chooses a row everywhere, at `base` or where the trace opens by itself. A filter that hides the
+/// row goes. The promise holds when the trace is drawn.
 function choose(row, base = null) {
   if (!inSight.has(row)) {
     filterField.value = "";
@@ -38,19 +33,16 @@ function choose(row, base = null) {
   map?.choose(row);
   const drawn = traceView.show(row, base);
   const at = rowsInSight.indexOf(row);
-  traceView.prefetch([rowsInSight[at + 1], rowsInSight[at - 1]].filter((near) => near));
+  traceView.prefetch([rowsInSight[at + 1], rowsInSight[at - 1]].filter(Boolean));
   changeAddress();
   return drawn;
 }
 
-/// Shows the rows that the filter leaves.
 function filterRows() {
-  const { matches, hint } = parseFilter(filterField.value);
-  rowsInSight = sortedRows.filter(matches);
+  rowsInSight = sortedRows.filter(parseFilter(filterField.value));
   inSight = new Set(rowsInSight);
   const some = inSight.size < sampleRows.length ? `${formatNumber(inSight.size)} of ` : "";
-  rowCount.textContent = hint ?? some + counted(sampleRows.length, "row");
-  rowCount.classList.toggle("hint", hint !== undefined);
+  document.getElementById("row-count").textContent = some + counted(sampleRows.length, "row");
   updateHead(filterField.value);
   table.show(rowsInSight);
   map?.filter((row) => inSight.has(row));
@@ -63,7 +55,7 @@ function applyFilter() {
   else if (rowsInSight.length > 0) choose(rowsInSight[0]);
 }
 
-/// Puts terms into the filter in the place of others on the same columns, or takes them out.
+/// Puts terms into the filter in the place of others on these columns, or takes them out.
 function toggleFilter(terms, columns) {
   filterField.value = toggledFilter(filterField.value, terms, columns).text;
   applyFilter();
@@ -79,7 +71,6 @@ function sortBy(column) {
   table.show(rowsInSight);
 }
 
-/// Goes up or down the table.
 function step(by) {
   const row = rowsInSight[rowsInSight.indexOf(chosen) + by];
   if (row) choose(row);
@@ -93,11 +84,9 @@ function copyRows({ currentTarget: button }) {
     event.clipboardData.setData("text/plain", text);
     event.preventDefault();
   }, { once: true });
-  const isCopied = document.execCommand("copy");
-  button.textContent = isCopied ? `Copied ${counted(rowsInSight.length, "row")}` : "Not copied";
-  setTimeout(() => {
-    button.textContent = "Copy as TSV";
-  }, 1500);
+  document.execCommand("copy");
+  button.textContent = `Copied ${counted(rowsInSight.length, "row")}`;
+  setTimeout(() => (button.textContent = "Copy as TSV"), 1500);
 }
 
 /// Opens what the address names, else the first row.
@@ -108,9 +97,20 @@ function openAddress() {
   tell(problem);
 }
 
-/// Draws everything again in other colours.
+function openHelp() {
+  document.querySelector(".help").showModal();
+}
+
+function switchPalette({ currentTarget: button }) {
+  const isOther = button.ariaPressed === "false";
+  button.ariaPressed = isOther;
+  document.documentElement.dataset.palette = isOther ? "2" : "1";
+  repaint();
+}
+
+/// Draws everything again, in other colours or other pixels.
 function repaint() {
-  forgetColours();
+  colours.clear();
   table.repaint();
   traceView.repaint();
 }
@@ -136,23 +136,18 @@ openAddress();
 
 filterField.addEventListener("input", applyFilter);
 document.querySelector(".copy").addEventListener("click", copyRows);
-listenForKeys({
-  step,
-  filter: () => filterField.select(),
-  help: openHelp,
-  other: (event) => traceView.key(event),
-});
+document.querySelector(".palette").addEventListener("click", switchPalette);
+document.querySelector(".keys").addEventListener("click", openHelp);
+document.addEventListener("keydown", onKey);
 window.addEventListener("hashchange", openAddress);
 window.matchMedia("(prefers-color-scheme: dark)").addEventListener("change", repaint);
-document.addEventListener("colours", repaint);
-window.addEventListener("resize", () => table.repaint());  // pixels of the screen can have changed
-preparePrinting(table, traceView, () => {
-  return { rows: rowsInSight, filter: filterField.value, row: chosen };
-});
+window.addEventListener("resize", repaint);  // pixels of the screen can have changed
+window.addEventListener("beforeprint", turnToPaper);
+window.addEventListener("afterprint", turnToScreen);
 
 window.quillet = Object.freeze({
   show: async (name, base = null) => choose(rowNamed(name), base),
   order: () => rowsInSight.map((row) => row.sample),
-  pixelOf: (base, channel) => traceView.pixelOf(base, channel),
+  pixelOf: traceView.pixelOf,
   wellOf: (name) => map?.placeOf(rowNamed(name)) ?? null,
 });

@@ -1,5 +1,4 @@
-// The map: wells of plates, and capillaries of runs. A cell is an element that names its rows by
-// their indices. The style sheet says how it looks: fill by good stretch, ring or cross by state.
+// The map: wells of plates, and capillaries of runs. The style sheet says how cells look.
 
 /// The well of a row as [line, column] from 1: what the instrument notes, else the end of the
 /// sample's name ("_B01"). Null when there is none.
@@ -21,8 +20,8 @@ function grouped(rows, keyOf) {
 }
 
 /// A grid of cells by `placeOf(row)`, [line, column]. A cell shows its worst sample, and how many.
-function cellGrid(label, rows, [lineCount, columnCount], placeOf) {
-  const grid = element("div", { className: "cells", role: "img", "aria-label": label });
+function cellGrid(ariaLabel, rows, [lineCount, columnCount], placeOf) {
+  const grid = element("div", { className: "cells", role: "img", ariaLabel });
   grid.style.setProperty("--lines", lineCount);
   grid.style.setProperty("--columns", columnCount);
   const textOf = ({ sample, state, detail, contiguous }) =>
@@ -32,8 +31,8 @@ function cellGrid(label, rows, [lineCount, columnCount], placeOf) {
     const [worst] = held;
     const cell = element("i", {
       className: `${gradeOf(worst.contiguous)} ${worst.severity}`,
-      "data-rows": held.map(({ index }) => index).join(" "),
       title: held.slice(0, 9).map(textOf).join("\n"),
+      dataset: { rows: held.map(({ index }) => index).join(" ") },
     });
     if (held.length > 1) cell.dataset.count = held.length;
     cell.style.gridArea = placeOf(worst).join(" / ");
@@ -42,17 +41,18 @@ function cellGrid(label, rows, [lineCount, columnCount], placeOf) {
   return grid;
 }
 
-/// Numbers or letters beside a grid; the style sheet counts and writes them.
+/// Numbers or letters beside a grid, which the style sheet counts.
 function gridLabels(className, count) {
   const spans = Array.from({ length: count }, () => element("span"));
-  const labels = element("div", { className, "aria-hidden": "true" }, ...spans);
+  const labels = element("div", { className, ariaHidden: "true" }, ...spans);
   labels.style.setProperty("--columns", count);
   return labels;
 }
 
 /// Plates in natural order, wells whose plate is unknown at the end: {name, count, size, grid}.
 function platesOf(rows) {
-  const plates = grouped(rows, (row) => wellOfRow(row) && (row.plate ?? "")).map((group) => {
+  const lastName = "\uffff";
+  return grouped(rows, (row) => wellOfRow(row) && (row.plate ?? lastName)).map((group) => {
     const isLarge = group.map(wellOfRow).some(([line, column]) => line > 8 || column > 12);
     const size = isLarge ? [16, 24] : [8, 12];
     const name = group[0].plate ?? "";
@@ -60,47 +60,47 @@ function platesOf(rows) {
     const count = `${counted(group.length, "sample")}, ${counted(grid.children.length, "well")}`;
     return { name, count, size, grid };
   });
-  return plates.sort((a, b) => (a.name === "") - (b.name === ""));
 }
 
-/// A line for each run, under the numbers of the capillaries. Empty without capillaries.
+/// A line for each run, under the numbers of the capillaries; none without capillaries. A run goes
+/// by its plate, or by its day where the plate has several.
 function runLines(rows) {
   const held = rows.filter(({ capillary }) => capillary > 0 && capillary <= 384);
-  const most = held.reduce((number, { capillary }) => Math.max(number, capillary), 1);
+  if (held.length === 0) return [];
+  const most = Math.max(...new Set(held.map(({ capillary }) => capillary)));
   const columnCount = [4, 8, 16, 24, 48, 96, 384].find((count) => count >= most);
   const runs = grouped(held, (row) => [row.run_date, row.instrument, row.plate].join("\n"));
-  const line = (name, title, grid) => element("div", { className: "run" },
-    element("span", { className: "run-name", text: name, title }), grid);
+  const line = (textContent, title, grid) => element("div", { className: "run" },
+    element("span", { className: "run-name", textContent, title }), grid);
   const lines = runs.map((group) => {
     const { plate, run_date: day, instrument } = group[0];
-    const notes = [plate, day, instrument].filter((note) => note);
-    const label = `Run ${notes.join(", ")}`;
+    const isOnlyRun = runs.filter(([row]) => row.plate === plate).length === 1;
+    const name = (isOnlyRun && plate) || day || plate || instrument || "unknown";
+    const label = `Run ${[plate, day, instrument].filter(Boolean).join(", ")}`;
     const grid = cellGrid(label, group, [1, columnCount], ({ capillary }) => [1, capillary]);
-    return line(notes[0] ?? "unknown", label, grid);
+    return line(name, label, grid);
   });
-  const numbers = gridLabels(columnCount > 24 ? "numbers many" : "numbers", columnCount);
-  return lines.length > 0 ? [line("capillary", "", numbers), ...lines] : [];
+  return [line("capillary", "", gridLabels(`numbers of-${columnCount}`, columnCount)), ...lines];
 }
 
-/// Fills the map; null, and no map, without wells and capillaries. `onChoose(row)` is called for a
-/// cell, `onPlate(name)` for a plate's name. Returns choose(row); filter(isInSight) dims cells;
-/// placeOf(row): {x, y} of its cell in CSS px of the window, brought into sight, or null.
+/// Fills the map; clicks call onChoose(row) and onPlate(name). Returns choose(row);
+/// filter(isInSight), which dims cells; placeOf(row): {x, y} of its cell, brought into sight, in
+/// CSS px of the window, or null. Undefined, and no map, without wells and capillaries.
 function createMap(panel, { onChoose, onPlate }) {
   const plates = platesOf(sampleRows);
   const runs = runLines(sampleRows);
-  if (plates.length + runs.length === 0) return null;
+  if (plates.length + runs.length === 0) return undefined;
   panel.hidden = false;
   const scroller = panel.querySelector(".map-scroller");
-  const large = scroller.querySelector(".large-plate");
-  const small = scroller.querySelector(".small-plates");
+  const [plateHalf, runHalf] = scroller.children;
+  const [large, small] = plateHalf.children;
   const rowsOf = (cell) => cell.dataset.rows.split(" ").map((index) => sampleRows[index]);
-  const cellOf = (row) => `[data-rows~="${row.index}"]`;
-  let chosen = null;
+  const cellsOf = (row, part) => [...part.querySelectorAll(`[data-rows~="${row.index}"]`)];
 
   const plateButton = ({ name }) => element("button", {
     type: "button",
     className: "plate-name",
-    text: name || "no plate",
+    textContent: name || "no plate",
     title: `Filter by the plate ${name}`,
     onclick: () => onPlate(name),
   });
@@ -118,11 +118,10 @@ function createMap(panel, { onChoose, onPlate }) {
   }
 
   function choose(row) {
-    chosen = row;
     for (const cell of scroller.querySelectorAll(".chosen")) cell.classList.remove("chosen");
-    const grid = small.querySelector(cellOf(row))?.parentNode;
+    const grid = cellsOf(row, small)[0]?.parentNode;
     if (grid && !grid.closest(".current")) showLarge(plates.find((plate) => plate.grid === grid));
-    for (const cell of scroller.querySelectorAll(cellOf(row))) cell.classList.add("chosen");
+    for (const cell of cellsOf(row, scroller)) cell.classList.add("chosen");
   }
 
   function filter(isInSight) {
@@ -132,8 +131,7 @@ function createMap(panel, { onChoose, onPlate }) {
   }
 
   function placeOf(row) {
-    const half = [...scroller.children].find(({ hidden }) => !hidden);
-    const cell = half.querySelector(cellOf(row));
+    const [cell] = cellsOf(row, plateHalf.hidden ? runHalf : plateHalf);
     if (!cell) return null;
     cell.scrollIntoView({ block: "nearest" });
     const { x, y, width, height } = cell.getBoundingClientRect();
@@ -144,22 +142,19 @@ function createMap(panel, { onChoose, onPlate }) {
     element("div", { className: "small-plate" }, plateButton(plate), plate.grid)));
   small.hidden = plates.length < 2;
   if (plates.length > 0) showLarge(plates[0]);
-  scroller.lastElementChild.append(...runs);
+  runHalf.append(...runs);
   const tabs = [...panel.querySelectorAll(".tabs button")];
   const turnTo = (turned) => tabs.forEach((tab, i) => {
-    tab.setAttribute("aria-pressed", i === turned);
+    tab.ariaPressed = i === turned;
     scroller.children[i].hidden = i !== turned;
   });
   tabs.forEach((tab, i) => {
     tab.hidden = [plates, runs][i].length === 0;
-    tab.addEventListener("click", () => turnTo(i));
+    tab.onclick = () => turnTo(i);
   });
   turnTo(plates.length > 0 ? 0 : 1);
   scroller.addEventListener("click", ({ target }) => {
-    if (!target.dataset.rows) return;
-    const rows = rowsOf(target);
-    // A further click on a cell with several samples goes on to the next of them.
-    onChoose(rows[(rows.indexOf(chosen) + 1) % rows.length]);
+    if (target.dataset.rows) onChoose(rowsOf(target)[0]);
   });
   return { choose, filter, placeOf };
 }

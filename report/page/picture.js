@@ -1,12 +1,9 @@
-// Pictures of traces: from the element that holds one to samples, calls and a second reading.
-// docs/report_page.md describes the bytes.
+// Pictures of traces: docs/report_page.md.
 
 const channelLetters = "ACGT";
-const damagedPicture = "The picture of this trace is damaged or missing. Make the page again.";
-const oldBrowser = "This browser can not unpack traces: it has no DecompressionStream.";
 
-/// The text of the element of a row's picture once it is whole: while the page loads, it can be
-/// missing or half there, and is whole when another element follows it.
+/// The text of the element of a row's picture once it is whole: while the page loads, it is only
+/// when another element follows it.
 async function pictureText(index) {
   for (;;) {
     const isLoading = document.readyState === "loading";
@@ -16,7 +13,6 @@ async function pictureText(index) {
   }
 }
 
-/// The bytes of a zlib stream in base64.
 async function inflatedBytes(base64) {
   const packed = Uint8Array.from(atob(base64), (letter) => letter.charCodeAt(0));
   const stream = new Blob([packed]).stream().pipeThrough(new DecompressionStream("deflate"));
@@ -25,14 +21,13 @@ async function inflatedBytes(base64) {
 
 /// What the bytes of a row's picture say. Throws when they are no picture.
 ///
-/// `levels` has an array for each channel, in the order A, C, G, T, with every second sample; 255
-/// is the amplitude `top` or more. `calls` and `reading` hold bases (a text), qualities and
-/// positions (samples); `reading` is the result's where that is another, or null. `mixed` maps
-/// bases (from 0) to {letter, percent}: the second base and its height, measured by the called one.
+/// `levels` has an array for each channel with every second sample; 255 is the amplitude `top` or
+/// more. `calls` and `reading` (the result's where that is another, or null) hold bases (a text),
+/// qualities and positions (samples). `mixed` maps bases (from 0) to {letter, percent}: the second
+/// base and its height, measured by the called one.
 function unpackedPicture(bytes, row) {
-  const head = new DataView(bytes.buffer);
   const [pointCount, kept, top, inSight, baseCount, mixedCount, resultCount, hasResult] =
-    Array.from({ length: 8 }, (_, i) => head.getUint32(4 * i, true));
+    new Uint32Array(bytes.buffer, 0, 8);
   let offset = 32;
   const take = (count) => bytes.subarray(offset, (offset += count));
   const takeText = (count) => new TextDecoder("latin1").decode(take(count));
@@ -63,10 +58,11 @@ function unpackedPicture(bytes, row) {
 async function readPicture(row) {
   if (!pageData.pictures) return "This page was made without pictures of traces.";
   if (!row.hasPicture) return "There is no trace to show.";
-  if (typeof DecompressionStream === "undefined") return oldBrowser;
   try {
     return unpackedPicture(await inflatedBytes(await pictureText(row.index)), row);
   } catch {
-    return damagedPicture;
+    return "DecompressionStream" in window
+      ? "The picture of this trace is damaged or missing. Make the page again."
+      : "This browser can not unpack traces: it has no DecompressionStream.";
   }
 }

@@ -2,24 +2,20 @@
 
 const mostPrintedRows = 1000;
 
-/// Makes the page ready for paper before the browser prints, and for the screen after it.
-/// `current()` returns {rows, filter, row}.
-function preparePrinting(table, traceView, current) {
-  const root = document.documentElement;
-  window.addEventListener("beforeprint", () => {
-    root.dataset.paper = "";
-    forgetColours();
-    table.repaint(mostPrintedRows);
-    const { rows, filter, row } = current();
-    let text = counted(rows.length, "sample");
-    if (filter.trim() !== "") text += `, filtered by ${filter.trim()}`;
-    if (rows.length > mostPrintedRows) text += `; ${formatNumber(mostPrintedRows)} are printed`;
-    document.querySelector(".print-note").textContent = `${text}.`;
-    if (row) traceView.print(row);
-  });
-  window.addEventListener("afterprint", () => {
-    delete root.dataset.paper;
-    forgetColours();
-    table.repaint();
-  });
+function turnToPaper() {
+  document.documentElement.dataset.paper = "";
+  colours.clear();
+  table.repaint(mostPrintedRows);
+  const filter = filterField.value.trim();
+  const note = document.querySelector(".print-note");
+  note.textContent = counted(rowsInSight.length, "sample") + (filter && `, filtered by ${filter}`);
+  const isMore = rowsInSight.length > mostPrintedRows;
+  if (isMore) note.append(`; ${formatNumber(mostPrintedRows)} are printed`);
+  traceView.print(chosen);
+}
+
+function turnToScreen() {
+  delete document.documentElement.dataset.paper;
+  repaint();
+  if (chosen) table.choose(chosen);
 }

@@ -1,4 +1,4 @@
-// The rows: one object for each, as texts, in order, and by their names in links.
+// The rows, their order, and their names in links.
 
 const pageData = JSON.parse(document.getElementById("rows").textContent);
 
@@ -10,26 +10,20 @@ const tableColumns = [...document.querySelectorAll("#app th")].map((heading) => 
 }));
 const columnByName = new Map(tableColumns.map((column) => [column.name, column]));
 
+/// {name, severity, text, rank} of each state. Rank 0 is the worst.
 const stateByName = new Map(pageData.states.map((state, rank) => [state.name, { ...state, rank }]));
 
-/// {name, severity, text, rank} of a state. Rank 0 is the worst.
-function stateOf(name) {
-  return stateByName.get(name);
-}
-
 /// All rows in the order of the audit: the values by their names in the TSV, `strip` and
-/// `hasPicture`; and the severity of the state.
+/// `hasPicture`; severity and rank of the state.
 const sampleRows = pageData.rows.map((values, index) => {
-  const row = { index };
-  [...pageData.columns, "strip", "hasPicture"].forEach((name, i) => {
-    row[name] = values[i];
-  });
-  row.severity = stateOf(row.state).severity;
-  return row;
+  const names = [...pageData.columns, "strip", "hasPicture"];
+  const row = Object.fromEntries(names.map((name, i) => [name, values[i]]));
+  const { severity, rank } = stateByName.get(row.state);
+  return { ...row, index, severity, rank };
 });
 
 /// Bases of the longest read: the right end of every strip.
-const longestRead = sampleRows.reduce((most, row) => Math.max(most, row.bases ?? 0), 0);
+const longestRead = sampleRows.reduce((most, row) => Math.max(most, row.bases), 0);
 
 /// How good a read is by its good stretch; "none" when that is unknown.
 function gradeOf(contiguous) {
@@ -40,16 +34,15 @@ function gradeOf(contiguous) {
 
 /// A value as text, as in the TSV before escaping; "" when it is unknown.
 function valueText(row, name) {
-  const value = row[name];
-  return name === "mean_quality" && value !== null ? value.toFixed(1) : String(value ?? "");
+  return (name === "mean_quality" ? row[name]?.toFixed(1) : row[name]?.toString()) ?? "";
 }
 
-const tsvEscapes = new Map([["\t", "t"], ["\n", "n"], ["\r", "r"], ["\\", "\\"], ["\0", "0"]]);
+const tsvEscapes = { "\t": "\\t", "\n": "\\n", "\r": "\\r", "\\": "\\\\", "\0": "\\0" };
 
 /// A row as the program writes it into a TSV, without the line feed.
 function tsvLine(row) {
-  const escape = (letter) => `\\${tsvEscapes.get(letter)}`;
-  const field = (name) => valueText(row, name).replace(/[\t\n\r\\\0]/g, escape);
+  const field = (name) =>
+    valueText(row, name).replace(/[\t\n\r\\\0]/g, (letter) => tsvEscapes[letter]);
   return pageData.columns.map(field).join("\t");
 }
 
@@ -57,23 +50,18 @@ function tsvLine(row) {
 /// calls have none and stand before all others of them.
 function orderByNeed(rows) {
   const need = (row) => (row.severity === "whole" ? row.contiguous ?? -1 : 0);
-  const rank = (row) => stateOf(row.state).rank;
-  return [...rows].sort((a, b) => rank(a) - rank(b) || need(a) - need(b) || a.index - b.index);
+  return [...rows].sort((a, b) => a.rank - b.rank || need(a) - need(b) || a.index - b.index);
 }
 
 const textOrder = new Intl.Collator("en", { numeric: true });
 
 /// Rows by a column. Unknown values stand last either way, and equal ones keep their order.
 function orderByColumn(rows, { name, kind }, isDescending) {
-  const keyOf = (row) => {
-    if (kind === "state") return stateOf(row.state).rank;
-    return (kind === "positions" ? row[name]?.[0] : row[name]) ?? "";
-  };
+  const keyOf = (row) => (kind === "state" ? row.rank : [row[name]].flat()[0]) ?? "";
   const compare = (a, b) => (typeof a === "number" ? a - b : textOrder.compare(a, b));
-  return rows.map((row) => ({ row, key: keyOf(row) }))
-    .sort(({ key: a }, { key: b }) =>
-      (a === "") - (b === "") || (isDescending ? compare(b, a) : compare(a, b)))
-    .map(({ row }) => row);
+  const known = rows.filter((row) => keyOf(row) !== "");
+  known.sort((a, b) => (isDescending ? -1 : 1) * compare(keyOf(a), keyOf(b)));
+  return [...new Set([...known, ...rows])];
 }
 
 /// The name of a row in links: its sample, or its trace when another row owns the sample.

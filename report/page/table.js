@@ -6,38 +6,37 @@ const rowsAround = 6;  // in the document beyond those in sight, at either end
 
 /// The cell of a row in a column.
 function tableCell(row, { name, kind }, columnIndex) {
-  const cell = element("td", { className: kind, "aria-colindex": columnIndex + 1 });
+  const cell = element("td", { className: kind, ariaColIndex: columnIndex + 1 });
   if (kind === "state") cell.append(mark(row.severity));
   if (name === "contiguous" && row[name] !== null) cell.append(mark(gradeOf(row[name])));
-  const isWhole = kind === "number" && Number.isInteger(row[name]) && name !== "mean_quality";
+  const isWhole = Number.isInteger(row[name]) && name !== "mean_quality";
   if (kind === "strip") cell.append(stripCanvas(row));
   else cell.append(isWhole ? formatNumber(row[name]) : valueText(row, name));
+  if (kind === "text") cell.title = cell.textContent;
   return cell;
 }
 
-/// Brings the table to life. `onChoose(row)` is called for a click, `onSort(column)` for one on a
-/// heading. Returns show(rows): these rows from the first one on; choose(row): marks it and brings
-/// it into sight; markSort(column, isDescending); repaint(paperLines): makes the lines anew, those
-/// in sight or as many for paper.
+/// Brings the table to life; clicks call onChoose(row) and onSort(column). Returns show(rows), from
+/// the first one on; choose(row), which marks it and brings it into sight; markSort(column,
+/// isDescending); repaint(paperLines), which makes the lines anew, or as many for paper.
 function createTable(scroller, { onChoose, onSort }) {
-  const grid = scroller.querySelector("table");
-  const body = grid.querySelector("tbody");
-  const empty = scroller.querySelector(".empty");
+  const grid = scroller.firstElementChild;
+  const body = grid.tBodies[0];
   let rows = [];
   let chosen = null;
-  const positions = new Map();  // in `rows`
-  const lines = new Map();      // those in the document, by position
-  let paperLines = 0;           // put into the document for paper, from the first one on
+  let paperLines = 0;       // put into the document for paper, from the first one on
+  const lines = new Map();  // those in the document, by position in `rows`
 
   function tableLine(position) {
     const row = rows[position];
-    return element("tr", {
+    const line = element("tr", {
       id: `row-${row.index}`,
-      "aria-rowindex": position + 2,  // the heading is the first
-      "aria-selected": row === chosen,
-      "data-sample": row.sample,
-      "data-state": row.state,
+      ariaRowIndex: position + 2,  // the heading is the first
+      ariaSelected: row === chosen,
+      dataset: { sample: row.sample, state: row.state },
     }, ...tableColumns.map((column, i) => tableCell(row, column, i)));
+    line.addEventListener("click", () => onChoose(row));
+    return line;
   }
 
   /// Takes out the lines that have left and puts in those that have entered.
@@ -53,16 +52,15 @@ function createTable(scroller, { onChoose, onSort }) {
     }
     let next = body.firstChild;
     for (let position = first; position < end; ++position) {
-      if (lines.has(position)) {
-        next = lines.get(position).nextSibling;
-      } else {
+      if (!lines.has(position)) {
         lines.set(position, tableLine(position));
         body.insertBefore(lines.get(position), next);
       }
+      next = lines.get(position).nextSibling;
     }
     body.style.setProperty("--above", `${first * rowHeight}px`);
     body.style.setProperty("--below", `${(rows.length - end) * rowHeight}px`);
-    const chosenLine = lines.get(positions.get(chosen));
+    const chosenLine = lines.get(rows.indexOf(chosen));
     grid.setAttribute("aria-activedescendant", chosenLine?.id ?? "");
   }
 
@@ -75,28 +73,25 @@ function createTable(scroller, { onChoose, onSort }) {
 
   function show(newRows) {
     rows = newRows;
-    positions.clear();
-    rows.forEach((row, position) => positions.set(row, position));
-    grid.setAttribute("aria-rowcount", rows.length + 1);
-    empty.hidden = rows.length > 0;
+    grid.ariaRowCount = rows.length + 1;
     scroller.scrollTop = 0;
     repaint();
   }
 
   function choose(row) {
-    lines.get(positions.get(chosen))?.setAttribute("aria-selected", "false");
+    lines.get(rows.indexOf(chosen))?.setAttribute("aria-selected", "false");
     chosen = row;
-    const top = positions.get(row) * rowHeight;
+    const top = rows.indexOf(row) * rowHeight;
     const highest = top - (scroller.clientHeight - headingHeight - rowHeight);
     scroller.scrollTop = Math.max(Math.min(scroller.scrollTop, top), highest);
     render();
-    lines.get(positions.get(row)).setAttribute("aria-selected", "true");
+    lines.get(rows.indexOf(row)).ariaSelected = "true";
   }
 
   function markSort(sorted, isDescending) {
     for (const { name, heading } of tableColumns) {
       const direction = isDescending ? "descending" : "ascending";
-      if (name) heading.setAttribute("aria-sort", name === sorted?.name ? direction : "none");
+      if (name) heading.ariaSort = name === sorted?.name ? direction : "none";
     }
   }
 
@@ -106,14 +101,5 @@ function createTable(scroller, { onChoose, onSort }) {
   }
   scroller.addEventListener("scroll", render);
   new ResizeObserver(render).observe(scroller);
-  body.addEventListener("click", ({ target }) => {
-    const line = target.closest("tr");
-    if (line) onChoose(rows[line.getAttribute("aria-rowindex") - 2]);
-  });
-  // A text that does not fit is told whole.
-  body.addEventListener("mouseover", ({ target }) => {
-    const cell = target.closest("td");
-    if (cell?.scrollWidth > cell?.clientWidth) cell.title = cell.textContent;
-  });
   return { show, choose, markSort, repaint };
 }

@@ -1,31 +1,22 @@
-// Numbers, nodes and colours: what every part of the page needs.
-
-const numberFormat = new Intl.NumberFormat("en");
+// What every part of the page needs.
 
 /// "1,480".
-function formatNumber(number) {
-  return numberFormat.format(number);
-}
+const formatNumber = new Intl.NumberFormat("en").format;
 
 /// "1 row", "1,480 rows".
 function counted(count, noun) {
   return `${formatNumber(count)} ${noun}${count === 1 ? "" : "s"}`;
 }
 
-/// A new node. `className` and `text` are set, a function under "onclick" listens, all else becomes
-/// an attribute. Children are nodes or texts.
-function element(tag, settings = {}, ...children) {
-  const node = document.createElement(tag);
-  for (const [name, value] of Object.entries(settings)) {
-    if (name === "className") node.className = value;
-    else if (name === "text") node.textContent = value;
-    else if (typeof value === "function") node.addEventListener(name.slice(2), value);
-    else node.setAttribute(name, value);
-  }
+/// A new node with these properties, those in `dataset` included. Children are nodes or texts.
+function element(tag, { dataset, ...properties } = {}, ...children) {
+  const node = Object.assign(document.createElement(tag), properties);
+  Object.assign(node.dataset, dataset);
   node.append(...children);
   return node;
 }
 
+/// To be cleared when theme or palette have changed.
 const colours = new Map();
 
 /// The computed value of a custom property of the root, such as "--base-a".
@@ -35,19 +26,17 @@ function colourOf(name) {
   return colours.get(name);
 }
 
-/// To be called when theme or palette have changed, before anything is drawn again.
-function forgetColours() {
-  colours.clear();
-}
-
 /// The context of a canvas of `width` x `height` CSS px, cleared, in units of CSS px.
-function sizedContext(canvas, width, height) {
-  const ratio = window.devicePixelRatio || 1;
-  canvas.width = Math.max(1, Math.round(width * ratio));
-  canvas.height = Math.max(1, Math.round(height * ratio));
-  canvas.style.width = `${width}px`;
-  canvas.style.height = `${height}px`;
+function sizedContext(canvas, width, height, ratio = window.devicePixelRatio) {
+  canvas.width = Math.round(width * ratio);
+  canvas.height = Math.round(height * ratio);
+  Object.assign(canvas.style, { width: `${width}px`, height: `${height}px` });
   const context = canvas.getContext("2d");
   context.scale(ratio, ratio);
   return context;
+}
+
+function fill(context, colour, ...box) {
+  context.fillStyle = colourOf(colour);
+  context.fillRect(...box);
 }

@@ -1,16 +1,14 @@
 // Draws a trace: on the screen's canvases and on those for paper.
 //
-// A scene says what and where: `row` and its `picture`; `numbered`, the calls that numbers count
-// (the result's where the trace has none), `spacing` samples apart; `comparison` of both readings,
-// or null; `width`, `height`, and edges of the curves `left` and `right`; `extent` samples of the
-// trace; `from`, the sample at the left (counted from the end if `isReversed`: reverse complement);
-// `scale`, px for a sample; `sight`, the amplitude at the top; `marked` base (from 0) and x of the
-// `pointer`, or null.
+// A scene holds `row` and `picture`; `numbered`, the calls that numbers count (the result's where
+// the trace has none), `spacing` samples or `pitch` px apart; what compareReadings() says; `width`,
+// `height`, and the curves' `left` and `right`; `extent` samples of the trace; `from`, the sample
+// at the left (counted from the end if `isReversed`); `scale`, px for a sample; `sight`, the
+// amplitude at the top; `marked` base (from 0) and x of the `pointer`, or null.
 
 const complements = { A: "T", C: "G", G: "C", T: "A" };
 const barHeight = 26;
 
-/// A letter of the trace as the scene shows it.
 function shownLetter(scene, letter) {
   return scene.isReversed ? complements[letter] ?? letter : letter;
 }
@@ -42,18 +40,14 @@ function visitSamples(scene, samples, visit) {
   });
 }
 
-/// y of the rows of letters, and of the curves' edges.
-function rowsOfScene({ picture, height }) {
+/// y of the rows of letters, of the curves' edges, and of a level.
+function rowsOfScene({ picture, height, sight }) {
   const result = picture.mixed.size > 0 ? 87 : 74;
   const top = (picture.reading ? result + 22 : result) + 2;
   const baseline = Math.max(top + 20, height - 7);
-  return { bars: 17, letters: 54, second: 68, result, top, baseline };
-}
-
-/// A function that gives the y of a level.
-function levelScale({ picture, sight }, { top, baseline }) {
   const unit = ((baseline - top) * picture.top) / (255 * sight);
-  return (level) => baseline - level * unit;
+  const yOf = (level) => baseline - level * unit;
+  return { bars: 17, letters: 54, second: 68, result, top, baseline, yOf };
 }
 
 /// The good stretch in samples, its borders halfway to the neighbours. Without figures it is the
@@ -70,114 +64,94 @@ function roundStep(least) {
   return [1, 2, 5, 10].map((digit) => digit * power).find((step) => step >= least);
 }
 
-function fill(pen, colour, ...box) {
-  pen.fillStyle = colourOf(colour);
-  pen.fillRect(...box);
-}
-
 /// Writes centred, or as `align` says.
 function write(pen, text, x, y, align = "center", colour = colourOf("--faint"), font = "11px") {
+  Object.assign(pen, { textAlign: align, textBaseline: "middle", fillStyle: colour });
   pen.font = `${font} system-ui, sans-serif`;
-  pen.textAlign = align;
-  pen.textBaseline = "middle";
-  pen.fillStyle = colour;
   pen.fillText(text, x, y);
 }
 
 /// The trimmed ends and the base in focus, below all else.
 function drawGround(pen, scene, rows) {
-  const inside = (x) => Math.min(Math.max(x, scene.left), scene.right);
+  const { left, right, extent } = scene;
   const { begin, end } = trimOfCalls(scene.picture.calls, scene.row);
-  for (const [from, to] of [[0, Math.min(begin, scene.extent)], [end, scene.extent]]) {
-    const [x, edge] = [from, to].map((at) => inside(xOfSample(scene, at))).sort((a, b) => a - b);
-    if (from >= to) continue;
+  const within = (value, least, most) => Math.min(Math.max(value, least), most);
+  for (const ends of [[0, within(begin, 0, extent)], [within(end, 0, extent), extent]]) {
+    const [x, edge] = ends.map((at) => within(xOfSample(scene, at), left, right));
     fill(pen, "--shade", x, rows.bars, edge - x, rows.baseline - rows.bars);
-    if (edge - x > 60) write(pen, "trimmed", (x + edge) / 2, rows.top + 8);
+    if (Math.abs(edge - x) > 60) write(pen, "trimmed", (x + edge) / 2, rows.top + 8);
   }
-  const width = Math.max(4, scene.spacing * scene.scale * 0.9);
+  const width = Math.max(4, scene.pitch * 0.9);
   const x = xOfSample(scene, scene.numbered.positions[scene.marked]);
   if (isInside(scene, x)) fill(pen, "--choice", x - width / 2, 0, width, rows.baseline);
 }
 
-/// The zero line, and lines and numbers in the instrument's units.
+/// Lines and numbers in the instrument's units.
 function drawScale(pen, scene, rows) {
-  const yOf = levelScale(scene, rows);
   const step = roundStep((35 * scene.sight) / (rows.baseline - rows.top));
   for (let height = 0; height <= scene.sight; height += step) {
-    const y = Math.round(yOf((height * 255) / scene.picture.top));
+    const y = Math.round(rows.yOf((height * 255) / scene.picture.top));
     fill(pen, height === 0 ? "--faint" : "--line", scene.left, y, scene.right - scene.left, 1);
     write(pen, formatNumber(height), scene.left - 6, y, "right");
   }
 }
 
-/// The four curves, and a triangle over each peak that leaves the picture: hollow where the page
-/// holds no more of it.
+/// The curves, and a triangle over each peak that leaves the picture: hollow where the page holds
+/// no more of it.
 function drawCurves(pen, scene, rows) {
   const { picture, left, right, scale } = scene;
-  const ends = [left, right].map((x) => sampleAtX(scene, x) / 2).sort((a, b) => a - b);
-  const first = Math.max(0, Math.floor(ends[0]) - 1);
-  const last = Math.min(picture.levels[0].length - 1, Math.ceil(ends[1]) + 1);
   const limit = Math.min(254, (scene.sight * 255) / picture.top);
-  const xOf = (sample) => xOfSample(scene, sample);
-  const isDense = 4 * scale < 1;
   pen.lineJoin = "round";
+  pen.lineWidth = scale < 0.25 ? 1.2 : 1.8;
   picture.levels.forEach((levels, channel) => {
     const letter = shownLetter(scene, channelLetters[channel]);
     pen.strokeStyle = pen.fillStyle = letterColour(letter);
-    pen.lineWidth = isDense ? 1.2 : 1.8;
     pen.save();
     pen.beginPath();
     pen.rect(left, rows.top - 2, right - left, rows.baseline - rows.top + 6);
     pen.clip();
     pen.beginPath();
-    addCurve(pen, levels, first, last, xOf, levelScale(scene, rows), isDense);
+    for (let x = left; x <= right; x += Math.min(0.6, scale)) {
+      const level = levelAt(levels, sampleAtX(scene, x));
+      if (level !== null) pen.lineTo(x, rows.yOf(level));
+    }
     pen.stroke();
     pen.restore();
-    let before = left - 9;
-    for (let k = first; k <= last; ++k) {
-      const isTop = levels[k] > limit && levels[k] >= levels[k - 1] && !(levels[k] < levels[k + 1]);
-      const x = xOf(2 * k);
-      if (!isTop || !isInside(scene, x) || Math.abs(x - before) < 9) continue;
+    let before = -Infinity;
+    levels.forEach((level, k) => {
+      const isTop = level > limit && level >= levels[k - 1] && !(level < levels[k + 1]);
+      const x = isTop ? xOfSample(scene, 2 * k) : NaN;
+      if (!isInside(scene, x) || Math.abs(x - before) < 9) return;
       before = x;
       pen.beginPath();
-      pen.moveTo(x - 4, rows.top - 3);
-      pen.lineTo(x + 4, rows.top - 3);
-      pen.lineTo(x, rows.top - 10);
+      for (const [dx, dy] of [[-4, 3], [4, 3], [0, 10]]) pen.lineTo(x + dx, rows.top - dy);
       pen.closePath();
-      if (levels[k] === 255) pen.stroke();
+      if (level === 255) pen.stroke();
       else pen.fill();
-    }
+    });
   });
 }
 
-/// Bars of qualities from `bottom` upwards, `height` px for 60: one for each base, or for the mean
-/// of several where they would be narrower than 2 px. Outside of `begin` to `end` (samples) they
-/// are pale.
+/// Bars of qualities, `height` px for 60. Outside of `begin` to `end` (samples) they are pale.
 function drawBars(pen, scene, bottom, height, { begin, end }) {
   const { positions, qualities } = scene.numbered;
-  const spacing = scene.spacing * scene.scale;
-  const every = Math.ceil(2 / spacing);
-  const width = every > 1 ? every * spacing : Math.min(14, spacing * 0.62);
+  const width = Math.max(1, Math.min(14, scene.pitch * 0.62));
   visitSamples(scene, positions, (x, i) => {
-    const group = qualities.subarray(i, i + every);
-    const quality = group.reduce((sum, value) => sum + value) / group.length;
-    const size = Math.max(1, (Math.min(quality, 60) / 60) * height);
+    const size = Math.max(1, (Math.min(qualities[i], 60) / 60) * height);
     pen.globalAlpha = positions[i] < begin || positions[i] > end ? 0.4 : 1;
-    const colour = quality < 20 ? "--low" : "--bar";
-    if (i % every === 0) fill(pen, colour, x - width / 2, bottom - size, width, size);
+    fill(pen, qualities[i] < 20 ? "--low" : "--bar", x - width / 2, bottom - size, width, size);
   });
   pen.globalAlpha = 1;
 }
 
-/// Quality bars with a line at 20, and the number of every tenth base, or of fewer where they would
-/// touch.
+/// Quality bars with a line at 20, and the number of every tenth base, or of fewer.
 function drawQualities(pen, scene, rows) {
   const bottom = rows.bars + barHeight;
   drawBars(pen, scene, bottom, barHeight, {});
   const y = Math.round(bottom - barHeight / 3);
   write(pen, "Q 20", scene.left - 6, y, "right");
   for (let x = scene.left; x < scene.right; x += 6) pen.fillRect(x, y, 2, 1);
-  const step = Math.max(10, roundStep(60 / (scene.spacing * scene.scale)));
+  const step = Math.max(10, roundStep(60 / scene.pitch));
   visitSamples(scene, scene.numbered.positions, (x, i) => {
     if ((i + 1) % step !== 0) return;
     write(pen, formatNumber(i + 1), x, 6);
@@ -185,79 +159,62 @@ function drawQualities(pen, scene, rows) {
   });
 }
 
-/// Letters with their middles at y: pale below quality 20, ticks where they would not be legible,
-/// and nothing where these would not be.
+/// Letters at y where there is room, pale below quality 20.
 function drawLetters(pen, scene, calls, y) {
-  const spacing = scene.spacing * scene.scale;
-  const font = `bold ${Math.min(13.5, Math.max(9, spacing * 1.2))}px`;
+  if (scene.pitch < 6) return;
+  const font = `bold ${Math.min(13.5, Math.max(9, scene.pitch * 1.2))}px`;
   visitSamples(scene, calls.positions, (x, i) => {
     const letter = shownLetter(scene, calls.bases[i]);
     pen.globalAlpha = calls.qualities[i] < 20 ? 0.5 : 1;
-    pen.fillStyle = letterColour(letter);
-    if (spacing >= 6) write(pen, letter, x, y, "center", pen.fillStyle, font);
-    else if (spacing >= 2) pen.fillRect(x - spacing * 0.35, y - 5, spacing * 0.7, 10);
+    write(pen, letter, x, y, "center", letterColour(letter), font);
   });
   pen.globalAlpha = 1;
 }
 
-/// The second base under each mixed one, with a mark that stays when there is no room for letters.
+/// The second base under each mixed one, over a mark.
 function drawSeconds(pen, scene, y) {
-  const spacing = scene.spacing * scene.scale;
-  const width = Math.max(2, Math.min(9, spacing * 0.7));
-  visitSamples(scene, scene.picture.calls.positions, (x, i) => {
-    if (!scene.picture.mixed.has(i)) return;
-    const letter = shownLetter(scene, scene.picture.mixed.get(i).letter);
-    if (spacing >= 6) write(pen, letter, x, y, "center", letterColour(letter), "bold 11px");
+  const { picture, pitch } = scene;
+  const width = Math.max(2, Math.min(9, pitch * 0.7));
+  visitSamples(scene, picture.calls.positions, (x, i) => {
+    if (!picture.mixed.has(i)) return;
+    const letter = shownLetter(scene, picture.mixed.get(i).letter);
+    if (pitch >= 6) write(pen, letter, x, y, "center", letterColour(letter), "bold 11px");
     fill(pen, "--mixed", x - width / 2, y + 6, width, 2.5);
   });
 }
 
-/// The second reading at its own positions: boxed where letters are other than the trace's own,
-/// underlined where only quality or position differ, a dash where a base is missing.
+/// The second reading, boxed where letters are other than the trace's own.
 function drawReading(pen, scene, y) {
-  const { reading } = scene.picture;
-  const { kinds, missing } = scene.comparison ?? { kinds: [], missing: [] };
-  const width = Math.max(2, Math.min(14, scene.spacing * scene.scale - 1));
-  drawLetters(pen, scene, reading, y);
+  const width = Math.max(2, Math.min(14, scene.pitch - 1));
+  drawLetters(pen, scene, scene.picture.reading, y);
   write(pen, "result", scene.left - 6, y, "right");
-  pen.strokeStyle = pen.fillStyle = colourOf("--untrusted");
+  pen.strokeStyle = colourOf("--untrusted");
   pen.lineWidth = 1.3;
-  visitSamples(scene, reading.positions, (x, j) => {
-    if (kinds[j] === 2) pen.strokeRect(x - width / 2, y - 8.5, width, 17);
-    if (kinds[j] === 1) pen.fillRect(x - width / 2, y + 7, width, 1.5);
-  });
-  visitSamples(scene, missing, (x) => pen.fillRect(x - 4, y - 1, 8, 2));
+  visitSamples(scene, scene.differing, (x) => pen.strokeRect(x - width / 2, y - 8.5, width, 17));
 }
 
-/// Draws a whole scene.
 function drawTrace(pen, scene) {
-  const { picture, numbered, left } = scene;
+  const { picture, numbered, left, pointer } = scene;
   const rows = rowsOfScene(scene);
   drawGround(pen, scene, rows);
   if (picture.pointCount > 0) drawScale(pen, scene, rows);
-  else write(pen, "no trace, only a result", left, rows.top + 8, "left");
   if (numbered.bases.length > 0) drawQualities(pen, scene, rows);
   drawLetters(pen, scene, picture.calls, rows.letters);
   drawSeconds(pen, scene, rows.second);
   if (picture.reading) drawReading(pen, scene, rows.result);
-  if (scene.comparison) write(pen, "trace", left - 6, rows.letters, "right");
-  if (picture.pointCount > 0) drawCurves(pen, scene, rows);
-  const x = Math.round(scene.pointer);
-  if (scene.pointer !== null) fill(pen, "--faint", x, rows.bars, 1, rows.baseline);
+  if (scene.partners.length > 0) write(pen, "trace", left - 6, rows.letters, "right");
+  drawCurves(pen, scene, rows);
+  if (pointer !== null) fill(pen, "--faint", Math.round(pointer), rows.bars, 1, rows.baseline);
 }
 
-/// Draws the whole read: qualities, ticks for mixed bases and for differences, a box around the
-/// `visible` samples that begin at `from`. A trace without calls shows its signal.
+/// Draws the whole read, with a box around the `visible` samples that begin at `from`.
 function drawOverview(pen, scene, from, visible) {
-  const { picture, numbered, comparison, height, left, scale } = scene;
+  const { picture, height, left, scale } = scene;
   const ticks = (samples, colour) =>
     visitSamples(scene, samples, (x) => fill(pen, colour, x - 1, 1, 2, 6));
-  if (numbered.bases.length === 0) drawCurves(pen, scene, { top: 12, baseline: height - 2 });
   drawBars(pen, scene, height - 1, height - 9, trimOfCalls(picture.calls, scene.row));
   ticks(Array.from(picture.mixed.keys(), (base) => picture.calls.positions[base]), "--mixed");
-  if (comparison) {
-    ticks(picture.reading.positions.filter((_, j) => comparison.kinds[j] === 2), "--untrusted");
-  }
+  ticks(scene.differing, "--untrusted");
   pen.strokeStyle = colourOf("--ink");
   pen.lineWidth = 1.5;
   const width = Math.max(4, Math.min(visible, scene.extent) * scale - 1.5);

@@ -1,34 +1,34 @@
-// The trace panel: what its buttons, keys and the pointer do. Its nodes stand in report.html.
+// The trace panel: what its keys, its buttons (which name a key each) and the pointer do.
 
 const gutter = 58;
-const baseWidth = 15; // px for a base where a trace opens
-const actionOfKey = {
-  m: "rightMixed", M: "leftMixed", "+": "closer", "=": "closer", "-": "farther", 0: "home",
-  "[": "lower", "]": "higher", r: "reverse", g: "jump", ArrowLeft: "left", ArrowRight: "right",
-};
+const baseWidth = 15;  // px for a base where a trace opens
 
-/// The operations of the panel. `callbacks` may offer onBase(base), called when the base in focus
-/// may be another (1-based, or null), and onHelp().
-function createTraceView(panel, callbacks = {}) {
+/// The operations of the panel; `onBase()` is called when the base in focus may be another.
+function createTraceView(panel, onBase) {
   const part = (selector) => panel.querySelector(selector);
-  const [curves, overview, jump] = ["canvas.curves", "canvas.overview", "input"].map(part);
-  const pictures = new Map(); // Promises by the index of the row.
-  let view = null; // The scene in sight but for its sizes; `home` is the scale in which it opened.
-  let request = 0; // Of the latest show(); an earlier one that ends later is dropped.
-  let frame = null; // The next painting, where one is due.
+  const [curves, overview, jump] = [".curves", ".overview", "input"].map(part);
+  const pictures = new Map();  // promises by row
+  let view = null;             // the scene in sight but for its sizes
+  let request = 0;             // of the latest show(); an earlier one that ends later is dropped
+  let frame = null;            // the next painting, where one is due
 
   const plotWidth = () => Math.max(50, curves.parentNode.clientWidth - gutter - 8);
   const middle = () => gutter + plotWidth() / 2;
   const visible = () => plotWidth() / view.scale;
+  const home = () => baseWidth / view.spacing;
   const tell = (text) => (part(".trace-notice").textContent = text);
 
   /// The scene on a canvas, its scale and place kept within the trace.
   function sceneOn(canvas) {
-    const least = Math.min(plotWidth() / view.extent, view.home);
-    view.scale = Math.min(Math.max(view.scale, least), 6 * view.home);
+    const least = Math.min(plotWidth() / view.extent, home());
+    view.scale = Math.min(Math.max(view.scale, least), 6 * home());
     view.from = Math.max(0, Math.min(view.from, view.extent - visible()));
-    const { clientWidth: width, clientHeight: height } = canvas.parentNode;
-    return { ...view, width, height, left: gutter, right: gutter + plotWidth() };
+    return { ...view, ...placeOn(canvas.parentNode, view.scale) };
+  }
+
+  function placeOn({ clientWidth: width, clientHeight: height }, scale) {
+    const right = gutter + plotWidth();
+    return { width, height, left: gutter, right, scale, pitch: view.spacing * scale };
   }
 
   /// The base (from 0) whose called position is nearest to x; null without bases.
@@ -38,52 +38,50 @@ function createTraceView(panel, callbacks = {}) {
     return gaps.length > 0 ? gaps.indexOf(Math.min(...gaps)) : null;
   }
 
-  /// The base in focus, 1-based: the marked one, else the middle one once the view was moved, or
-  /// null.
+  /// The base in focus, 1-based, or null.
   function base() {
-    const focused = view?.marked ?? (view?.isMoved ? baseNear(middle()) : null);
-    return focused === null ? null : focused + 1;
+    return view && view.marked !== null ? view.marked + 1 : null;
   }
 
   function paint() {
+    frame = null;
     if (!view) return;
     const scene = sceneOn(curves);
     const { positions } = view.numbered;
-    const marked = xOfSample(scene, positions[view.marked]);
-    if (!isInside(scene, marked)) scene.marked = view.marked = null;
+    if (!isInside(scene, xOfSample(scene, positions[view.marked]))) {
+      scene.marked = view.marked = null;
+    }
+    part("[data-key=r]").ariaPressed = view.isReversed;
     drawTrace(sizedContext(curves, scene.width, scene.height), scene);
-    const whole = { ...sceneOn(overview), from: 0, scale: plotWidth() / view.extent };
-    drawOverview(sizedContext(overview, whole.width, whole.height), whole, view.from, visible());
-    const isPointed = view.pointer !== null;
-    const at = isPointed ? baseNear(view.pointer) : view.marked;
-    const sample = isPointed ? sampleAtX(scene, view.pointer) : positions[at];
+    const place = placeOn(overview.parentNode, plotWidth() / view.extent);
+    const pen = sizedContext(overview, place.width, place.height);
+    drawOverview(pen, { ...view, ...place, from: 0 }, view.from, visible());
+    const { pointer, marked } = view;
+    const at = pointer === null ? marked : baseNear(pointer);
+    const sample = pointer === null ? positions[at] : sampleAtX(scene, pointer);
     part(".readout").replaceChildren(...readoutOf(scene, at, sample));
-    callbacks.onBase?.(base());
+    onBase();
   }
 
   function paintSoon() {
-    frame ??= requestAnimationFrame(() => {
-      frame = null;
-      paint();
-    });
+    frame ??= requestAnimationFrame(paint);
   }
 
   function pictureOf(row) {
-    if (!pictures.has(row.index)) pictures.set(row.index, readPicture(row));
-    return pictures.get(row.index);
+    if (!pictures.has(row)) pictures.set(row, readPicture(row));
+    return pictures.get(row);
   }
 
   /// Draws a row; `base` is 1-based, or null for the place where a trace opens. Holds when it is
-  /// drawn, or when a later call has taken its place.
-  async function show(row, base = null) {
+  /// drawn, or a later call has taken its place.
+  async function show(row, base) {
     const mine = ++request;
     tell("");
     if (view?.row !== row) {
       delete panel.dataset.shown;
       showTitle(part, row);
-      const slow = setTimeout(present, 150, row, "Waiting for the rest of the page.");
+      if (document.readyState === "loading") present(row, "Waiting for the rest of the page.");
       const picture = await pictureOf(row);
-      clearTimeout(slow);
       if (mine !== request) return;
       present(row, picture);
     }
@@ -98,10 +96,9 @@ function createTraceView(panel, callbacks = {}) {
     view = isText ? null : openingView(row, picture);
     part(".trace-empty").textContent = isText ? picture : "";
     panel.classList.toggle("without-picture", isText);
-    part("[data-action=reverse]").ariaPressed = "false";
   }
 
-  /// Puts a base (from 0) into focus and into the middle; says so if there is none.
+  /// Puts a base (from 0) into focus and into the middle.
   function goTo(base) {
     const { positions } = view.numbered;
     if (!(base in positions)) return tell(`This read has ${counted(positions.length, "base")}.`);
@@ -116,8 +113,6 @@ function createTraceView(panel, callbacks = {}) {
 
   function pan(pixels) {
     view.from += pixels / view.scale;
-    view.isMoved = true;
-    paintSoon();
   }
 
   /// Multiplies the scale and leaves the sample at x where it is.
@@ -127,11 +122,6 @@ function createTraceView(panel, callbacks = {}) {
     view.scale *= factor;
     sceneOn(curves);
     view.from = place - x / view.scale;
-    pan(0);
-  }
-
-  function changeHeight(factor) {
-    view.sight = Math.min(Math.max(view.sight / factor, 1), view.picture.top);
   }
 
   /// Goes to the next mixed base to the right (1) or left (-1) of the one in focus, or into sight.
@@ -140,108 +130,104 @@ function createTraceView(panel, callbacks = {}) {
     const here = view.marked ?? baseNear(middle() - (direction * plotWidth()) / 2) - step;
     const ahead = [...view.picture.mixed.keys()].filter((base) => step * (base - here) > 0);
     if (ahead.length > 0) goTo(ahead.at(step > 0 ? 0 : -1));
-    else tell(view.picture.mixed.size > 0 ? "No more mixed bases this way." : "No mixed bases.");
+    else tell("No mixed bases this way.");
   }
 
   const actions = {
-    leftMixed: () => goToMixed(-1),
-    rightMixed: () => goToMixed(1),
-    closer: () => zoom(1.4),
-    farther: () => zoom(1 / 1.4),
-    home: () => zoom(view.home / view.scale),
-    whole: () => zoom(0),
-    lower: () => changeHeight(1 / 1.25),
-    higher: () => changeHeight(1.25),
-    left: () => pan(-plotWidth() / 5),
-    right: () => pan(plotWidth() / 5),
-    jump: () => jump.select(),
-    reverse: () => {
+    m: () => goToMixed(1),
+    M: () => goToMixed(-1),
+    "+": () => zoom(1.4),
+    "=": () => zoom(1.4),
+    "-": () => zoom(1 / 1.4),
+    0: () => zoom(home() / view.scale),
+    all: () => zoom(0),
+    "[": () => (view.sight = Math.min(view.sight * 1.25, view.picture.top)),
+    "]": () => (view.sight = Math.max(view.sight / 1.25, 1)),
+    ArrowLeft: () => pan(-plotWidth() / 5),
+    ArrowRight: () => pan(plotWidth() / 5),
+    g: () => jump.select(),
+    r: () => {
       const sample = sampleAtX(sceneOn(curves), middle());
       view.isReversed = !view.isReversed;
-      part("[data-action=reverse]").ariaPressed = view.isReversed;
       centre(sample);
     },
   };
 
-  /// Does what a button or a key asks for; false when there is no trace to do it to.
-  function act(name) {
-    if (name === "help") callbacks.onHelp?.();
-    else if (name === "palette") switchPalette(part("[data-action=palette]"));
-    else if (!view) return false;
-    else {
-      tell("");
-      actions[name]();
-      paintSoon();
-    }
+  /// Does what a key asks for; false when that is nothing, or there is no trace to do it to.
+  function key(name) {
+    if (!view || !Object.hasOwn(actions, name)) return false;
+    tell("");
+    actions[name]();
+    paintSoon();
     return true;
   }
 
-  for (const button of panel.querySelectorAll("button")) {
-    button.addEventListener("click", () => act(button.dataset.action));
+  for (const button of panel.querySelectorAll("[data-key]")) {
+    button.onclick = () => key(button.dataset.key);
   }
-  jump.addEventListener("keydown", ({ key }) => {
-    if (key === "Enter" && view) goTo(Number(jump.value.replaceAll(",", "")) - 1);
-    if (key === "Enter" || key === "Escape") jump.blur();
+  jump.addEventListener("keydown", (event) => {
+    if (event.key === "Enter" && view) goTo(Number(jump.value) - 1);
+    if (event.key === "Enter" || event.key === "Escape") jump.blur();
     paintSoon();
   });
 
-  // Dragging the curves moves them, dragging the overview moves its box; a press outside of the box
-  // brings its middle there first. A press on the curves without a move puts a base into focus.
-  for (const canvas of [curves, overview]) {
-    let pressed = 0;
-    let last = null;
-    const listen = (type, act) => canvas.addEventListener(type, (event) => {
-      if (view) act(event.clientX - canvas.getBoundingClientRect().left, event);
-    });
-    listen("pointerdown", (x, event) => {
-      if (event.button !== 0) return;
-      canvas.setPointerCapture(event.pointerId);
-      pressed = last = x;
-      const inBox = ((x - gutter) * view.extent) / plotWidth() - view.from;
-      if (canvas === curves || (inBox >= 0 && inBox <= visible())) return;
-      view.from += inBox - visible() / 2;
-      pan(0);
-    });
-    listen("pointermove", (x) => {
-      if (last !== null) {
-        pan((x - last) * (canvas === curves ? -1 : view.extent / visible()));
-        last = x;
-      }
-      view.pointer = canvas === curves && isInside(sceneOn(curves), x) ? x : null;
+  /// Calls `act(x, event)` for an event on a canvas, and paints.
+  function listen(canvas, type, act) {
+    canvas.addEventListener(type, (event) => {
+      if (!view) return;
+      act(event.clientX - canvas.getBoundingClientRect().left, event);
       paintSoon();
-    });
-    listen("pointerleave", () => {
-      view.pointer = null;
-      paintSoon();
-    });
-    listen("click", (x) => {
-      if (canvas === curves && Math.abs(x - pressed) < 4) view.marked = baseNear(x);
-      paintSoon();
-    });
-    canvas.addEventListener("lostpointercapture", () => (last = null));
+    }, { passive: false });
   }
-  curves.addEventListener("wheel", (event) => {
-    if (!view || event.ctrlKey) return;
+
+  /// Calls `drag(x, event)` for a press on a canvas and each move until it ends.
+  function listenForDrags(canvas, drag) {
+    listen(canvas, "pointerdown", (x, event) => {
+      canvas.setPointerCapture(event.pointerId);
+      drag(x, event);
+    });
+    listen(canvas, "pointermove", (x, event) => {
+      if (canvas.hasPointerCapture(event.pointerId)) drag(x, event);
+    });
+  }
+
+  let pressed = null;
+  let last = null;
+  listenForDrags(curves, (x, { type }) => {
+    if (type === "pointerdown") pressed = last = x;
+    pan(last - x);
+    last = x;
+  });
+  listen(curves, "click", (x) => {
+    if (Math.abs(x - pressed) < 4) view.marked = baseNear(x);
+  });
+  listen(curves, "pointermove", (x) => (view.pointer = isInside(sceneOn(curves), x) ? x : null));
+  listen(curves, "pointerleave", () => (view.pointer = null));
+  listen(curves, "wheel", (x, event) => {
+    const { deltaX, deltaY, shiftKey, ctrlKey } = event;
+    if (ctrlKey) return;
     event.preventDefault();
-    const { deltaX, deltaY, shiftKey } = event;
     if (shiftKey || Math.abs(deltaX) > Math.abs(deltaY)) pan(deltaX || deltaY);
     else zoom(Math.exp(-deltaY / 500));
-  }, { passive: false });
-  new ResizeObserver(paintSoon).observe(curves.parentNode);
-  window.addEventListener("resize", paintSoon); // The pixels in a CSS px may be others.
+  });
 
-  /// In CSS px of the window: where the curve of a channel (a letter; the trace's own channel)
-  /// passes the called position of a base (1-based). Null when that is not in sight.
+  listenForDrags(overview, (x) => {
+    view.from = ((x - gutter) * view.extent) / plotWidth() - visible() / 2;
+  });
+  new ResizeObserver(paintSoon).observe(curves.parentNode);
+
+  /// In CSS px of the window: where the curve of the trace's own channel (a letter) passes the
+  /// called position of a base (1-based). Null when that is not in sight.
   function pixelOf(base, channel) {
-    const levels = view?.picture.levels[channelLetters.indexOf(channel)];
+    const levels = view?.picture.levels[[...channelLetters].indexOf(channel)];
     const sample = view?.picture.calls.positions[base - 1];
     const level = levels ? levelAt(levels, sample) : null;
     if (level === null) return null;
     const scene = sceneOn(curves);
     const x = xOfSample(scene, sample);
     if (!isInside(scene, x)) return null;
-    const { top, baseline } = rowsOfScene(scene);
-    const y = levelScale(scene, { top, baseline })(level);
+    const { top, baseline, yOf } = rowsOfScene(scene);
+    const y = yOf(level);
     const box = curves.getBoundingClientRect();
     return {
       x: box.x + x,
@@ -254,43 +240,42 @@ function createTraceView(panel, callbacks = {}) {
 
   /// Unpacks the pictures of these rows ahead, and lets go of all but these and the one in sight.
   function prefetch(rows) {
-    const kept = new Set([view?.row, ...rows].map((row) => row?.index));
-    for (const index of pictures.keys()) if (!kept.has(index)) pictures.delete(index);
+    for (const row of pictures.keys()) {
+      if (row !== view?.row && !rows.includes(row)) pictures.delete(row);
+    }
     rows.forEach(pictureOf);
   }
 
-  /// Draws the row in sight for paper, whole; the pictures of others are not at hand.
+  /// Draws the row in sight for paper.
   function print(row) {
     part(".print-trace").replaceChildren();
-    if (view?.row === row) drawPaper(part(".print-trace"), view);
+    if (view && view.row === row) drawPaper(part(".print-trace"), view);
   }
 
-  const key = (event) => Object.hasOwn(actionOfKey, event.key) && act(actionOfKey[event.key]);
   return { show, prefetch, key, repaint: paint, pixelOf, base, print };
 }
 
 /// The scene in which a picture opens: at the first difference of both readings within the good
-/// stretch, else at the first good base, else where the signal begins.
+/// stretch, else at the first good base; whole without calls.
 function openingView(row, picture) {
-  const { calls, reading, levels } = picture;
-  const hasCalls = calls.bases.length > 0;
-  const numbered = hasCalls || !reading ? calls : reading;
+  const { calls, reading } = picture;
+  const numbered = calls.bases !== "" || !reading ? calls : reading;
+  const { positions } = numbered;
   const spacing = spacingOf(numbered);
-  const view = {
-    row, picture, numbered, spacing,
-    comparison: hasCalls && reading ? compareReadings(calls, reading) : null,
-    extent: picture.pointCount || Math.max(0, ...numbered.positions) + Math.ceil(spacing),
-    home: baseWidth / spacing, scale: baseWidth / spacing, sight: picture.inSight,
-    isReversed: false, isMoved: false, marked: null, pointer: null,
+  const comparison = compareReadings(calls, reading);
+  const { begin, end } = trimOfCalls(calls, row);
+  const isGood = (position) => position >= begin && position <= end;
+  const start = comparison.differing.find(isGood) ?? positions[row.trim_start ?? 0] ?? 0;
+  return {
+    row, picture, numbered, spacing, ...comparison,
+    extent: picture.pointCount || (positions.at(-1) ?? 0) + Math.ceil(spacing),
+    scale: positions.length > 0 ? baseWidth / spacing : 0,
+    from: start - 6 * spacing,
+    sight: picture.inSight, isReversed: false, marked: null, pointer: null,
   };
-  const limit = (0.1 * picture.inSight * 255) / picture.top;
-  const isSignal = (_, k) => levels.some((channel) => channel[k] > limit);
-  const start = firstDifference(view) ?? numbered.positions[row.trim_start ?? 0] ??
-    2 * levels[0].findIndex(isSignal);
-  return { ...view, from: start - 6 * spacing };
 }
 
-/// Writes sample, state and facts, and what the state means.
+/// Writes sample, state, facts, and what the state means.
 function showTitle(part, row) {
   const facts = [
     row.plate && `plate ${row.plate}`,
@@ -299,27 +284,28 @@ function showTitle(part, row) {
     row.bases !== null && counted(row.bases, "base"),
     row.contiguous > 0 && `good ${row.trim_start + 1} to ${formatNumber(row.trim_end)}`,
     row.mean_quality !== null && `mean Q ${row.mean_quality.toFixed(1)}`,
-  ];
-  const detail = row.detail && ` (${row.detail.replaceAll(/,(?=\S)/g, ", ")})`;
-  part(".sample").textContent = row.sample;
-  part(".pill").textContent = row.state;
-  part(".pill").dataset.severity = row.severity;
-  part(".facts").textContent = part(".facts").title = facts.filter(Boolean).join(" · ");
-  const sentence = stateOf(row.state).text.replace(/(?=[.;:])/, () => detail);
-  part(".trace-sentence").textContent = part(".trace-sentence").title = sentence;
+  ].filter(Boolean).join(" · ");
+  const detail = row.detail && ` (${row.detail})`;
+  const sentence = stateByName.get(row.state).text.replace(/(?=[.;:])/, () => detail);
+  const say = (place, text) => Object.assign(part(place), { textContent: text, title: text });
+  say(".sample", row.sample);
+  say(".pill", row.state).dataset.severity = row.severity;
+  say(".facts", facts);
+  say(".trace-sentence", sentence);
 }
 
 /// The readout at a sample, as nodes; `at` is the base next to it, or null.
 function readoutOf(scene, at, sample) {
   if (sample === undefined) return ["Point at the curves to read heights."];
-  const { picture, numbered, comparison } = scene;
-  const callOf = ({ bases, qualities }, i) => `${shownLetter(scene, bases[i])} · Q ${qualities[i]}`;
+  const { picture, numbered } = scene;
+  const callOf = ({ bases, qualities }, i) =>
+    `${shownLetter(scene, bases[i])} · Q ${qualities[i]}`;
   const call = at === null ? "" : `base ${formatNumber(at + 1)} · ${callOf(numbered, at)} · `;
   const nodes = [`${call}sample ${formatNumber(Math.round(sample))} · `];
   picture.levels.forEach((levels, channel) => {
     const level = levelAt(levels, sample);
     if (level === null) return;
-    const letter = element("b", { text: shownLetter(scene, channelLetters[channel]) });
+    const letter = element("b", { textContent: shownLetter(scene, channelLetters[channel]) });
     letter.style.color = letterColour(letter.textContent);
     const height = formatNumber(Math.round((level * picture.top) / 255));
     nodes.push(letter, ` ${level >= 255 ? "over " : ""}${height}  `);
@@ -327,37 +313,26 @@ function readoutOf(scene, at, sample) {
   const second = picture.mixed.get(at);
   const letter = second && shownLetter(scene, second.letter);
   if (second) nodes.push(`· second ${letter}, ${second.percent} % of the called `);
-  const j = comparison ? comparison.partners.indexOf(at) : -1;
+  const j = scene.partners.indexOf(at);
   if (j >= 0) nodes.push(`· result ${callOf(picture.reading, j)}`);
   return nodes;
 }
 
-function switchPalette(button) {
-  const isOther = button.ariaPressed === "false";
-  button.ariaPressed = isOther;
-  document.documentElement.dataset.palette = isOther ? "2" : "1";
-  forgetColours();
-  document.dispatchEvent(new Event("colours"));
-}
-
-/// Appends a canvas for each 100 bases of a view to `paper`; without calls, for as many samples.
+/// Appends a canvas for each 100 bases to `paper`; one for all without calls.
 function drawPaper(paper, view) {
-  const { spacing, numbered } = view;
-  const steps = Array.from({ length: Math.ceil(view.extent / spacing) }, (_, i) => i * spacing);
-  const starts = numbered.positions.length > 0 ? numbered.positions : steps;
-  const after = (base) => starts.at(-1) + spacing * (base - starts.length + 1);
-  const startOf = (base) => (starts[base] ?? after(base)) - spacing / 2;
+  const { spacing, numbered: { positions } } = view;
   const [left, width, height] = [46, 1030, 190];
-  for (let first = 0; first < starts.length; first += 100) {
-    const from = startOf(first);
-    const scale = (width - left) / (startOf(first + 100) - from);
-    const right = left + (startOf(Math.min(starts.length, first + 100)) - from) * scale;
-    const place = { left, right, width, height, from, scale, isReversed: false, marked: null };
-    const label = `${view.row.sample} from base ${first + 1}`;
-    const canvas = element("canvas", { role: "img", "aria-label": label });
+  const after = positions.at(-1) + spacing || view.extent;
+  for (let first = 0; first < Math.max(1, positions.length); first += 100) {
+    const from = (positions[first] ?? 0) - spacing / 2;
+    const length = (positions[first + 100] ?? after) - spacing / 2 - from;
+    const scale = (width - left - 16) / Math.max(length, 100 * spacing);
+    const ariaLabel = `${view.row.sample} from base ${first + 1}`;
+    const canvas = element("canvas", { role: "img", ariaLabel });
     paper.append(canvas);
-    const pen = sizedContext(canvas, 2 * width, 2 * height); // Finer than a screen.
-    pen.scale(2, 2);
-    drawTrace(pen, { ...view, ...place, pointer: null });
+    drawTrace(sizedContext(canvas, width, height, 2 * devicePixelRatio), {
+      ...view, left, right: left + length * scale, width, height, from, scale,
+      pitch: spacing * scale, isReversed: false, marked: null, pointer: null,
+    });
   }
 }

@@ -111,6 +111,30 @@ TEST_F(MixedBases, OnlyACGTCanBeMixed) {
   EXPECT_THAT(mixed(), ElementsAre(3U));
 }
 
+TEST_F(MixedBases, ABaseWithoutRoomBetweenItsNeighboursIsNotMixed) {
+  addPeak('G', 60, 65280);
+  positions_ = {60, 60, 60, static_cast<std::int32_t>(pointCount)};
+  EXPECT_THAT(mixed(0.33, 1, 2), IsEmpty());
+
+  positions_[0] = 59;
+  EXPECT_THAT(mixed(0.33, 1, 2), ElementsAre(2U));
+}
+
+TEST_F(MixedBases, AreToldUpToAsManyAsNoReadHas) {
+  addPeak('G', 60, 65280);
+  const std::size_t length = 3 * (Quillet::mostMixedBases + 9);
+  bases_ = std::string(length, 'A').c_str();
+  positions_.resize(length);
+  for (std::size_t i = 0; i < length; ++i) {  // 50, 60, 70, again and again
+    positions_[i] = static_cast<std::int32_t>(50 + 10 * (i % 3));
+  }
+
+  const auto positions = mixed(0.33, 0, static_cast<std::uint32_t>(length));
+
+  ASSERT_EQ(positions.size(), Quillet::mostMixedBases);
+  EXPECT_EQ(positions.back(), 3 * Quillet::mostMixedBases - 1);
+}
+
 TEST_F(MixedBases, PositionsOutsideTheTraceAreNoTrouble) {
   positions_ = {-2147483647 - 1, 2147483647, -1, static_cast<std::int32_t>(pointCount)};
 

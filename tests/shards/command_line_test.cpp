@@ -67,6 +67,7 @@ TEST(ShardsCommandLine, UsesEachProcessorUnlessItIsToldANumber) {
   EXPECT_GE(readShardsCommand({"all"}).processCount, 1U);
   EXPECT_FALSE(readShardsCommand({"all"}).plan.size);
   EXPECT_EQ(readShardsCommand({"all", "-j", "3", "--size", "7"}).plan.size, 7U);
+  EXPECT_EQ(readShardsCommand({"all", "-j", "3", "-j", "4"}).processCount, 4U);
 }
 
 TEST(ShardsCommandLine, RunsAShard) {

@@ -1,10 +1,13 @@
 #include "shards/join_shards.h"
 
+#include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 #include "shards/file_operations.h"
@@ -252,20 +255,61 @@ TEST(JoinShards, MovesEveryPolyBeforeTheFirstPhd) {
   EXPECT_EQ(project.phd("z") + project.poly("z"), "z phdz poly");
 }
 
-TEST(JoinShards, GoesOnWhereItsMovesHaveFailed) {
+TEST(JoinShards, LeavesASampleThatSomebodyHasConvertedSinceThePlan) {
   const ThreeShards project;
-  project.finish("0001", {{"a.phd.1", "a phd"}, {"z.phd.1", "z phd"}},
-                 {{"a.poly", "a poly"}, {"z.poly", "z poly"}}, "message\n");
+  project.finish("0001", {{"a.phd.1", "a phd"}, {"y.phd.1", "y phd"}, {"z.phd.1", "z phd"}},
+                 {{"a.poly", "a poly"}, {"y.poly", "y poly"}, {"z.poly", "z poly"}}, "message\n");
+  project.write("phd_dir/a.phd.1", "edited");
+  project.write("poly_dir/a.poly", "edited poly");
+  project.write("phd_dir/y.phd.1", "y phd");  // the copy of a join that was interrupted
   project.makeFolder("phd_dir/z.phd.1");
 
   EXPECT_EQ(join(project).messages,
-            "thrown: can not write " + project.absolute("phd_dir/z.phd.1") + ": Is a directory");
-  EXPECT_EQ(project.phd("a") + project.poly("a"), "a phda poly");
-  EXPECT_TRUE(project.has("shards/0001/result/messages"));
+            "message\n"
+            "quillet-shards: 0001: 2 samples were converted after the plan and stay, such as a\n"
+            "quillet-shards: not finished: 0002 0003\n");
 
-  fs::remove("phd_dir/z.phd.1");
-  EXPECT_EQ(join(project).messages, "message\nquillet-shards: not finished: 0002 0003\n");
-  EXPECT_EQ(project.phd("z") + project.poly("z"), "z phdz poly");
+  EXPECT_EQ(project.phd("a") + project.poly("a"), "editededited poly");
+  EXPECT_EQ(project.phd("y") + project.poly("y"), "y phdy poly");
+  EXPECT_EQ(project.poly("z"), "");
+}
+
+TEST(JoinShards, TouchNoOtherProjectThanTheirOwn) {
+  const ThreeShards project({"-o"});
+  project.write("phd_dir/a.phd.1", "old");
+  project.finishSample("0001", "a");
+  project.makeFolder("copy");
+  fs::copy("shards", "copy/shards", fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+
+  const std::string complaint = complaintOf([&] { joinShards({"-d", project.absolute("copy")}); });
+
+  EXPECT_EQ(complaint, project.absolute("copy/shards/0001") + " was planned for " +
+                           project.path().string() + "/, another folder: plan again with -f");
+  EXPECT_EQ(project.phd("a"), "old");
+}
+
+TEST(JoinShards, LosesNoMessageThatCanNotBeWritten) {
+  const ThreeShards project;
+  project.finishSample("0001", "a");
+  const int saved = dup(STDERR_FILENO);
+  const int full = open("/dev/full", O_WRONLY);
+  dup2(full, STDERR_FILENO);
+
+  const std::string complaint = complaintOf([&] { joinShards(project.flags()); });
+  dup2(saved, STDERR_FILENO);
+  close(saved);
+  close(full);
+
+  EXPECT_EQ(complaint, "can not write the messages to standard error");
+  EXPECT_EQ(join(project).messages, "message of a\nquillet-shards: not finished: 0002 0003\n");
+}
+
+TEST(JoinShards, SaysThatAResultIsNotWhole) {
+  const ThreeShards project;
+  project.write("shards/0001/result/messages", "");
+
+  EXPECT_EQ(join(project).messages, "thrown: " + project.absolute("shards/0001/result") +
+                                        " is not whole: remove it and run the shard again");
 }
 
 TEST(JoinShards, GoesOnAfterAKillWhenTheWholeFolderGoes) {
@@ -298,6 +342,28 @@ TEST(JoinShards, ChangesNothingWhenAResultFolderIsReadOnly) {
     EXPECT_EQ(project.phd("a"), "old");
     EXPECT_EQ(project.read("shards/0001/result/phd_dir/a.phd.1"), "a phd");
     EXPECT_EQ(project.read("shards/0001/result/poly_dir/a.poly"), "a poly");
+  }
+}
+
+TEST(JoinShards, RemovesNothingThatItCanNotRead) {
+  for (const char* closed : {"shards", "shards/0002"}) {
+    const ThreeShards project;
+    for (const char* open : {".", "phd_dir", "poly_dir", "shards"}) {
+      fs::permissions(open, fs::perms(0777));
+    }
+    project.finishSample("0002", "b");
+    fs::permissions(closed, fs::perms(0));
+    Outcome outcome;
+    {
+      const OrdinaryUser user;
+      if (!user.isOrdinary()) GTEST_SKIP() << "the superuser reads everything";
+      outcome = join(project);
+    }
+    fs::permissions(closed, fs::perms(0777));
+
+    EXPECT_THAT(outcome.messages, HasSubstr("thrown: can not "));
+    EXPECT_THAT(outcome.messages, HasSubstr(": Permission denied"));
+    EXPECT_EQ(project.read("shards/0002/result/phd_dir/b.phd.1"), "b phd");
   }
 }
 
@@ -351,6 +417,17 @@ TEST(JoinShards, LeavesAFolderThatIsSomebodyElses) {
   EXPECT_EQ(join(project).status, 0);
 
   EXPECT_EQ(project.read("shards/letter"), "x");
+}
+
+TEST(JoinShards, LockTheTableOfThePlanForOtherMachines) {
+  const ThreeShards project;
+  project.finishSample("0001", "a");
+  const int table = open("shards/plan.tsv", O_RDWR);
+  ASSERT_EQ(flock(table, LOCK_EX | LOCK_NB), 0);
+
+  EXPECT_THAT(join(project).messages, HasSubstr("thrown: another quillet-shards"));
+  close(table);
+  EXPECT_EQ(join(project).status, 2);
 }
 
 TEST(JoinShards, LetsOneProcessJoinAtATime) {

@@ -92,8 +92,7 @@ TEST(ShardFolder, RefusesWhatIsNoShard) {
   const ScratchFolder scratch;
   const ShardFolder folder(scratch.path().string());
 
-  EXPECT_EQ(complaintOf(folder),
-            folder.path() + " is no shard: " + folder.path() + "/settings is not whole");
+  EXPECT_EQ(complaintOf(folder), folder.path() + " is no shard: no " + folder.path() + "/settings");
 }
 
 TEST(ShardFolder, RefusesCutFiles) {

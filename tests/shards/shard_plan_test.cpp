@@ -228,6 +228,56 @@ TEST(ShardPlan, CutsOnlyInFrontOfATraceWithCallsAndQualities) {
   EXPECT_THAT(project.names("0004"), ElementsAre("i"));
 }
 
+TEST(ShardPlan, DoesNotCutInFrontOfATraceThatARunMayLeaveOut) {
+  const PlannedProject project;
+  addGood(project, {"a"});
+  for (const char* name : {"b.gz", "b.gz.gz", "c d.gz", "c d.gz.gz"}) {
+    project.addGzipped(name, good);
+  }
+
+  planShards(sized(project, 1));
+
+  // A shell tears the path of the last one, and it stays packed.
+  EXPECT_THAT(project.names("0003"), ElementsAre("b.gz.gz"));
+  EXPECT_THAT(project.names("0004"), ElementsAre("c d.gz", "c d.gz.gz"));
+}
+
+TEST(ShardPlan, DoesNotCutWhereATraceIsUnpackedOnlyAsTheFirst) {
+  const PlannedProject project;
+  project.addTrace("m b.ab1-1.ab1", good);
+  project.addGzipped("m b.ab1.gz", good);  // unpacked, it would sort before the other
+  addGood(project, {"n"});
+
+  planShards(sized(project, 1));
+
+  EXPECT_THAT(project.names("0001"), ElementsAre("m b.ab1-1.ab1", "m b.ab1.gz"));
+}
+
+TEST(ShardPlan, DoesNotCutInFrontOfAListedTraceThatARunMayLeaveOut) {
+  const PlannedProject project;
+  addGood(project, {"a", "z"});
+  for (const char* name : {"b;c.gz", "d;e.gz", "f;g.gz", "h.gz"}) project.addGzipped(name, good);
+
+  // "b;c" is only there as "b;c.gz"; "d;e" is not there at all; "h" is for a shell.
+  planShards(listed(project, 1, "a\nb;c\nf;g.gz\nd;e.gz\nx\nd;e.gz\nh\nz\n"));
+
+  EXPECT_THAT(project.names("0001"), ElementsAre("a", "b;c"));
+  EXPECT_THAT(project.names("0002"), ElementsAre("f;g.gz"));
+  EXPECT_THAT(project.names("0003"), ElementsAre("d;e.gz", "x", "d;e.gz"));
+  planShards(forced(listed(project, 1, "a\nd;e.gz\nd;e\nz\n")));
+  EXPECT_THAT(project.names("0001"), ElementsAre("a", "d;e.gz", "d;e"));
+}
+
+TEST(ShardPlan, RefusesALinkInPlaceOfTheShards) {
+  const PlannedProject project;
+  addGood(project, {"a"});
+  project.makeFolder("elsewhere");
+  fs::create_directory_symlink("elsewhere", "shards");
+
+  EXPECT_EQ(complaintOf([&] { planShards(sized(project, 9)); }),
+            project.absolute("shards") + " is a symbolic link");
+}
+
 TEST(ShardPlan, KeepsTheNamesOfASampleTogether) {
   const PlannedProject project;
   addGood(project, {"a.ab1", "b.ab1", "b.ab1-x", "b.scf", "c.ab1"});
