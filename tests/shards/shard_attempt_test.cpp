@@ -221,6 +221,20 @@ TEST_F(ShardAttempt, AConverterThatFailsIsAnError) {
   expectNothingLeft();
 }
 
+TEST_F(ShardAttempt, AConverterThatFailsIsAnErrorAlsoUnderAnIgnoredSigchld) {
+  const std::string wholeButFailed = "$quillet \"$@\"; exit 3\n";
+  ASSERT_EQ(runWithConverter(wholeButFailed).status, 1);
+
+  const ProgramResult result =
+      runProgram("env", {.folder = "/",
+                         .arguments = {"--ignore-signal=CHLD", at("programs/quillet-shards"), "run",
+                                       shard().path()}});
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("quillet ended with status 3"));
+  expectNothingLeft();
+}
+
 TEST_F(ShardAttempt, ResultsThatAreNotWholeAreAnError) {
   for (const std::string damage :
        {"truncate -s -1 phd_dir/a.phd.1", "truncate -s -1 poly_dir/b.poly", "rm poly_dir/a.poly",
