@@ -27,6 +27,12 @@ void writeNewFile(const std::string& path, const std::string& bytes, bool toDisk
   file.finish();
 }
 
+/// A text for the end of a message: without the line feeds at its own end.
+std::string trimmed(std::string text) {
+  text.erase(text.find_last_not_of('\n') + 1);
+  return text;
+}
+
 void renameTo(const std::string& from, const std::string& to) {
   if (std::rename(from.c_str(), to.c_str()) != 0) throwSystemError("can not rename", from);
 }
@@ -72,7 +78,7 @@ std::vector<NameMessages> Attempt::runOverAll() const {
   const ConverterRun run = runConverter(folder_.path(), flags, signals_);
   if (run.status != 0) {
     throw std::runtime_error(shard_.path() + ": quillet ended with status " +
-                             std::to_string(run.status) + ":\n" + run.printed);
+                             std::to_string(run.status) + ":\n" + trimmed(run.printed));
   }
   PrintedRun printed{.resourceFile = at(".quilletrc"),
                      .chromatPath = at("chromat_dir/"),
@@ -83,7 +89,8 @@ std::vector<NameMessages> Attempt::runOverAll() const {
   }
   RunMessages messages = cutMessages(printed, run.printed);
   if (!messages.trouble.empty()) {
-    throw std::runtime_error(shard_.path() + ": quillet was disturbed: " + messages.trouble);
+    throw std::runtime_error(shard_.path() +
+                             ": quillet was disturbed: " + trimmed(messages.trouble));
   }
   return std::move(messages.byName);
 }

@@ -1,10 +1,12 @@
 #include "shards/attempt_folder.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <optional>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -28,6 +30,9 @@ std::string pathOf(const AttemptPlace& place, const char* state) {
   return place.folder + '/' + place.prefix + state;
 }
 
+// Between the first two states lie moments.
+constexpr std::chrono::hours longestBegun(1);
+
 std::string lockOf(const std::string& attempt) { return attempt + "/lock"; }
 
 /// Gives a folder that mkdtemp made the permissions of any other new folder.
@@ -40,13 +45,27 @@ void giveUsualPermissions(const std::string& path) {
   ::chmod(path.c_str(), special | (0777 & ~mask));
 }
 
-/// Whether no process uses the attempt: its lock can be had, or is gone already.
-bool isUnused(const std::string& attempt) {
+/// What the system knows of an attempt's folder; none when it is not this user's.
+std::optional<struct stat> statusOf(const std::string& attempt) {
   struct stat status;
   if (::lstat(attempt.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) ||
       status.st_uid != ::geteuid()) {
-    return false;
+    return std::nullopt;
   }
+  return status;
+}
+
+/// Whether the attempt was begun so long ago that it will not get its name any more.
+bool isGivenUp(const std::string& attempt) {
+  const std::optional<struct stat> status = statusOf(attempt);
+  if (!status) return false;
+  const auto changed = std::chrono::system_clock::from_time_t(status->st_mtime);
+  return std::chrono::system_clock::now() - changed > longestBegun;
+}
+
+/// Whether no process uses the attempt: its lock can be had, or is gone already.
+bool isUnused(const std::string& attempt) {
+  if (!statusOf(attempt)) return false;
   const int lock =
       ::open(lockOf(attempt).c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
   if (lock < 0) return errno == ENOENT;
@@ -85,19 +104,28 @@ std::string AttemptFolder::nameOnceGone() const {
 }
 
 void removeUnusedAttempts(const AttemptPlace& place) {
-  const std::string usedStart = pathOf(place, used);
   const std::string goneStart = pathOf(place, gone);
+  // The end of a path that is an attempt's in this state; empty when it is not.
+  const auto endOf = [&](const std::string& path, const char* state) {
+    const std::string start = pathOf(place, state);
+    const bool isOne = path.starts_with(start) && path.size() == start.size() + endSize;
+    return isOne ? path.substr(start.size()) : std::string();
+  };
   std::error_code error;
   for (const fs::directory_entry& entry : fs::directory_iterator(place.folder, error)) {
     const std::string path = place.folder + '/' + entry.path().filename().string();
-    if (path.starts_with(goneStart) && path.size() == goneStart.size() + endSize) {
+    std::string end;
+    if (!endOf(path, gone).empty()) {
       removeTree(path);
-    } else if (path.starts_with(usedStart) && path.size() == usedStart.size() + endSize &&
-               isUnused(path)) {
-      // Renamed first: whoever still uses it after all can not publish it half removed.
-      const std::string goneName = goneStart + path.substr(usedStart.size());
-      if (std::rename(path.c_str(), goneName.c_str()) == 0) removeTree(goneName);
+    } else if (const std::string usedEnd = endOf(path, used); !usedEnd.empty()) {
+      if (isUnused(path)) end = usedEnd;
+    } else if (const std::string begunEnd = endOf(path, begun); !begunEnd.empty()) {
+      if (isGivenUp(path)) end = begunEnd;
     }
+    if (end.empty()) continue;
+    // Renamed first: whoever still uses it after all can not publish it half removed.
+    const std::string goneName = goneStart + end;
+    if (std::rename(path.c_str(), goneName.c_str()) == 0) removeTree(goneName);
   }
 }
 

@@ -118,7 +118,8 @@ ChildProcess::ChildProcess(const Command& command, const StopSignals& signals, i
   } while (got < 0 && errno == EINTR);
   if (got == sizeof error) {
     ::close(output_);
-    wait();
+    int status = 0;
+    reap(status);
     fail("can not start " + command.words[0], error);
   }
 }
@@ -127,7 +128,8 @@ ChildProcess::~ChildProcess() {
   ::close(output_);
   if (id_ == 0) return;
   ::kill(-id_, SIGKILL);
-  wait();
+  int status = 0;
+  reap(status);
 }
 
 bool ChildProcess::readSome(std::string& bytes) {
@@ -145,11 +147,18 @@ bool ChildProcess::readSome(std::string& bytes) {
   }
 }
 
+bool ChildProcess::reap(int& status) {
+  pid_t ended = 0;
+  do {
+    ended = ::waitpid(id_, &status, 0);
+  } while (ended < 0 && errno == EINTR);
+  id_ = 0;
+  return ended >= 0;
+}
+
 int ChildProcess::wait() {
   int status = 0;
-  while (::waitpid(id_, &status, 0) < 0 && errno == EINTR) {
-  }
-  id_ = 0;
+  if (!reap(status)) fail("can not wait for a process", errno);
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 

@@ -27,10 +27,14 @@ class ChildProcess {
 
   /// Appends the next bytes of the output; false at its end. Throws Stopped.
   bool readSome(std::string& bytes);
-  /// Waits for the end. The exit status, or 128 and the number of the signal that ended it.
+  /// Waits for the end. The exit status, or 128 and the number of the signal that ended it. Throws
+  /// std::runtime_error when the system does not tell it.
   int wait();
 
  private:
+  /// Waits for the end; false when the system does not tell the status.
+  bool reap(int& status);
+
   const StopSignals& signals_;
   int output_ = -1;
   pid_t id_ = 0;  // 0 once it has been waited for

@@ -14,7 +14,9 @@ std::string converterProgram() {
   std::error_code error;
   const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
   const std::string beside = (self.parent_path() / "quillet").string();
-  return !error && ::access(beside.c_str(), X_OK) == 0 ? beside : "quillet";
+  const bool isThere = !error && std::filesystem::is_regular_file(beside, error) &&
+                       ::access(beside.c_str(), X_OK) == 0;
+  return isThere ? beside : "quillet";
 }
 
 }  // namespace

@@ -16,6 +16,7 @@ namespace {
 
 constexpr const char* resultName = "result";
 constexpr const char* messagesName = "result/messages";
+constexpr const char* messagesEnd = "/messages";
 
 }  // namespace
 
@@ -36,26 +37,44 @@ bool HeldShard::isInPlace() const {
          held.st_dev == named.st_dev && held.st_ino == named.st_ino;
 }
 
+void HeldShard::checkInPlace() const {
+  if (isInPlace()) return;
+  errno = ENOENT;
+  fail("has been removed");
+}
+
 HeldShard::Publication HeldShard::publish(const AttemptFolder& attempt) const {
   const std::string result = attempt.path() + '/' + resultName;
   // Engines make folders for their outputs, and remove single files of earlier ones: what is there
   // without messages is moved away, and removed once there is a result.
   const std::string aside = attempt.nameOnceGone();
+  Publication publication = Publication::published;
   for (;;) {
-    if (!isInPlace()) {
-      errno = ENOENT;
-      fail("has been removed");
-    }
+    checkInPlace();
     if (::renameat(AT_FDCWD, result.c_str(), descriptor_, resultName) == 0) break;
     if (errno == EXDEV) return Publication::otherFileSystem;
     if (errno != ENOTEMPTY && errno != EEXIST) fail("gets no result");
-    if (isDone()) return Publication::doneBefore;
-    if (::renameat(descriptor_, resultName, descriptor_, aside.c_str()) != 0 && errno != ENOENT) {
-      fail("has a result that can not be replaced");
+    if (isDone() || isDoneOnceMoved(aside)) {
+      publication = Publication::doneBefore;
+      break;
     }
   }
   removeTree(folder_.path() + '/' + aside);
-  return Publication::published;
+  return publication;
+}
+
+bool HeldShard::isDoneOnceMoved(const std::string& aside) const {
+  if (::renameat(descriptor_, resultName, descriptor_, aside.c_str()) != 0) {
+    if (errno == ENOENT) return false;
+    fail("has a result that can not be replaced");
+  }
+  // Another attempt may have published in between: its result goes back, unless a third one has
+  // published since.
+  if (::faccessat(descriptor_, (aside + messagesEnd).c_str(), F_OK, 0) != 0) return false;
+  if (::renameat(descriptor_, aside.c_str(), descriptor_, resultName) != 0 && !isDone()) {
+    fail("has a result that can not be moved back");
+  }
+  return true;
 }
 
 void HeldShard::fail(const char* what) const {

@@ -20,6 +20,8 @@ class HeldShard {
   bool isDone() const;
   /// Whether the folder's path still leads to it.
   bool isInPlace() const;
+  /// Throws std::runtime_error unless it is in place.
+  void checkInPlace() const;
 
   enum class Publication { published, doneBefore, otherFileSystem };
   /// Renames the folder `result` of an attempt to the shard's result. Whoever is first wins: a
@@ -28,6 +30,9 @@ class HeldShard {
   Publication publish(const AttemptFolder& attempt) const;
 
  private:
+  /// Renames what lies under the result's name. True, with it in its place again, when it is a
+  /// result after all.
+  bool isDoneOnceMoved(const std::string& aside) const;
   [[noreturn]] void fail(const char* what) const;
 
   const ShardFolder& folder_;

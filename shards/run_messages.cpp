@@ -46,6 +46,12 @@ bool isMeterLine(std::string_view line) {
   return !number.empty() && number.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
+/// Whether a line only warns of a setting: gunzip of its variable GZIP, the shell of a locale that
+/// the system does not have. Neither changes what is read.
+bool isWarning(std::string_view line) {
+  return line.starts_with("gzip: warning: ") || line.find(": warning: setlocale: ") != line.npos;
+}
+
 /// Cuts a text and gives each piece to its name.
 class Cutter {
  public:
@@ -62,7 +68,7 @@ class Cutter {
       } else {
         others_ += line;
         const bool namesTrace = line.find(run_.chromatPath) != std::string_view::npos;
-        if (!namesTrace && line != "\n") messages_.trouble += line;
+        if (!namesTrace && line != "\n" && !isWarning(line)) messages_.trouble += line;
       }
     }
     giveOthers();

@@ -16,7 +16,7 @@ struct NameMessages {
 struct RunMessages {
   std::vector<NameMessages> byName;  // one for each name
   /// What speaks of no trace: the shell, or gunzip of its own output. Traces may have been read in
-  /// part then, without another sign.
+  /// part then, without another sign. Warnings about the environment are none.
   std::string trouble;
 };
 

@@ -5,7 +5,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "foundation/directory.h"
 #include "shards/attempt.h"
 #include "shards/file_operations.h"
 #include "shards/held_shard.h"
@@ -22,8 +21,10 @@ namespace {
 constexpr const char* scratchPrefix = "quillet-";  // of attempts in folders that others use too
 constexpr const char* resultFolders[] = {"/phd_dir", "/poly_dir"};
 
+/// The path from the root. It begins in the working directory, as the shell completes it, not in
+/// PWD, which can be an earlier one.
 std::string absolute(const std::string& path) {
-  return path.starts_with('/') ? path : Tessaly::Directory::currentDirectory().text() + path;
+  return path.starts_with('/') ? path : fs::current_path().string() + '/' + path;
 }
 
 void copyFile(const std::string& from, const std::string& to, bool toDisk = false) {
@@ -65,6 +66,17 @@ bool publish(const HeldShard& held, const ShardFolder& shard, const AttemptFolde
   return publication == Publication::published;
 }
 
+/// The messages of an attempt. When it fails since the shard has been removed, the exception says
+/// so: what else it might say is a consequence.
+std::string convert(Attempt& attempt, bool keepGzip, const HeldShard& held) {
+  try {
+    return attempt.convert(keepGzip);
+  } catch (const std::runtime_error&) {
+    held.checkInPlace();
+    throw;
+  }
+}
+
 std::string convertShard(const ShardFolder& shard, const RunOptions& options,
                          const StopSignals& signals) {
   const HeldShard held(shard);
@@ -76,7 +88,7 @@ std::string convertShard(const ShardFolder& shard, const RunOptions& options,
     removeUnusedAttempts(place);
   }
   Attempt attempt(shard, contents, place, signals);
-  std::string messages = attempt.convert(options.keepGzip);
+  std::string messages = convert(attempt, options.keepGzip, held);
   return publish(held, shard, attempt.folder(), signals) ? std::move(messages) : std::string();
 }
 

@@ -1,10 +1,12 @@
 #include "shards/unpacking.h"
 
 #include <fcntl.h>
+#include <stdexcept>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "audit/escaped_text.h"
 #include "audit/gzip_members.h"
 #include "shards/child_process.h"
 #include "shards/new_file.h"
@@ -29,6 +31,18 @@ std::string contentOf(int descriptor) {
   return text;
 }
 
+/// Throws when gunzip did not end by itself, or did not start the program that it is a script for.
+/// The bytes are not those of the file then.
+void checkEnd(int status, const std::string& packed, std::string complaints) {
+  constexpr int warned = 2;  // the highest that gunzip gives, whatever the file holds
+  if (status <= warned) return;
+  std::string line;
+  appendEscaped(line, packed, true);
+  complaints.erase(complaints.find_last_not_of('\n') + 1);
+  throw std::runtime_error("gunzip of " + line + " ended with status " + std::to_string(status) +
+                           (complaints.empty() ? "" : ": " + complaints));
+}
+
 /// Passes the file through gunzip; false when there are more bytes than the limit.
 bool passThroughGunzip(NewFile& to, const std::string& packed, std::int64_t limit,
                        const StopSignals& signals, std::string& complaints) {
@@ -40,8 +54,9 @@ bool passThroughGunzip(NewFile& to, const std::string& packed, std::int64_t limi
     if (to.size() + static_cast<std::int64_t>(bytes.size()) > limit) return false;
     to.write(bytes);
   }
-  gunzip.wait();  // its status does not matter to the converter
+  const int status = gunzip.wait();
   complaints = contentOf(errors.number());
+  checkEnd(status, packed, complaints);
   return true;
 }
 

@@ -1,9 +1,11 @@
 #include "shards/held_shard.h"
 
+#include <barrier>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include "tests/support/scratch_folder.h"
 
@@ -55,6 +57,31 @@ TEST_F(HeldShardTest, AFolderWithoutMessagesIsNoResult) {
   EXPECT_EQ(messages(), "one");
   EXPECT_FALSE(scratch_.has("01/result/phd_dir"));
   EXPECT_FALSE(scratch_.has("01/" + one_.nameOnceGone()));
+}
+
+TEST_F(HeldShardTest, OfTwoAtTheSameTimeTheFirstWinsThoughAFolderLaysThere) {
+  for (int round = 0; round < 300; ++round) {
+    fs::remove_all("01/result");
+    scratch_.write("01/result/phd_dir/x.phd.1", "");
+    write(one_, "one");
+    write(two_, "two");
+    std::barrier start(2);
+    Publication ofOne{};
+    std::thread beside([&] {
+      start.arrive_and_wait();
+      ofOne = held_.publish(one_);
+    });
+    start.arrive_and_wait();
+    const Publication ofTwo = held_.publish(two_);
+    beside.join();
+
+    ASSERT_EQ((ofOne == Publication::published) + (ofTwo == Publication::published), 1) << round;
+    ASSERT_EQ(messages(), ofOne == Publication::published ? "one" : "two");
+    for (const AttemptFolder* attempt : {&one_, &two_}) {
+      ASSERT_FALSE(scratch_.has("01/" + attempt->nameOnceGone()));
+      fs::remove_all(attempt->path() + "/result");
+    }
+  }
 }
 
 TEST_F(HeldShardTest, NothingHappensInAnotherFolderOfItsName) {

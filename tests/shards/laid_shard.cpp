@@ -75,11 +75,14 @@ std::map<std::string, std::string> timelessFiles(const std::string& folder) {
   return files;
 }
 
-std::string plainMessages(const ProjectFolder& project, const std::vector<std::string>& flags) {
+std::string plainMessages(const ProjectFolder& project, const std::vector<std::string>& flags,
+                          const std::map<std::string, std::string>& environment) {
   std::vector<std::string> words = {"-c", "exec \"$@\" 2>&1", "sh", QUILLET_PROGRAM};
   words.insert(words.end(), flags.begin(), flags.end());
   const std::string printed =
-      runProgram("sh", {.folder = project.path().string(), .arguments = words}).out;
+      runProgram(
+          "sh", {.folder = project.path().string(), .arguments = words, .environment = environment})
+          .out;
   static const std::regex opening("^\nQUILLET[^\n]*\n-{62}\n(Reading file [^\n]*\n)?");
   static const std::regex meter("(^|\n) *[0-9]+% done(?=\n)");
   // Each meter line goes with the line feed before it; the first one has none.

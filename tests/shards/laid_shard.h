@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -38,4 +39,5 @@ std::map<std::string, std::string> timelessFiles(const std::string& folder);
 
 /// What one plain run of the converter, started in the project's folder, prints to both its streams
 /// in its order, without the opening and the meter's lines. No name may look like these.
-std::string plainMessages(const ProjectFolder& project, const std::vector<std::string>& flags = {});
+std::string plainMessages(const ProjectFolder& project, const std::vector<std::string>& flags = {},
+                          const std::map<std::string, std::string>& environment = {});

@@ -120,6 +120,20 @@ TEST(RunMessages, WhatSpeaksOfNoTraceIsTrouble) {
             "");
 }
 
+TEST(RunMessages, AWarningAboutTheEnvironmentIsNoTrouble) {
+  const std::string warnings[] = {
+      "gzip: warning: GZIP environment variable is deprecated; use an alias or script\n",
+      "sh: warning: setlocale: LC_ALL: cannot change locale (xx_YY.UTF-8)\n",
+      "/usr/bin/gunzip: line 2: warning: setlocale: LC_ALL: cannot change locale (xx_YY)\n"};
+  for (const std::string& text : warnings) {
+    const RunMessages messages =
+        cutMessages({"a.gz"}, opening + meterLines({0}) + text + meterLines({100}) + invalid("a"));
+
+    EXPECT_EQ(messages.trouble, "");
+    EXPECT_EQ(messages.byName[0].text, text + inProject("a"));
+  }
+}
+
 TEST(RunMessages, NothingIsLost) {
   EXPECT_THAT(cut({"a", "b"}, "strange\n" + invalid("unknown") + invalid("b") + "end"),
               ElementsAre("strange\n" + inProject("unknown"), "+" + inProject("b") + "end"));

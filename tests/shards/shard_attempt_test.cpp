@@ -74,10 +74,11 @@ class ShardAttempt : public testing::Test {
   }
 
   /// Starts a run whose converter stops in gunzip until the file "go" is there, and waits for that.
+  /// That gunzip ends by itself once the file "started" has gone, with the project at the latest.
   std::unique_ptr<StartedRun> startStopped(Names flags = {"--keep-gzip"}) {
-    const std::map<std::string, std::string> environment =
-        project_.withGunzip("echo $$ >" + at("id") + "\n>" + at("started") + "\nwhile [ ! -e " +
-                            at("go") + " ]; do sleep 0.01; done\nexec gzip -d \"$@\"\n");
+    const std::map<std::string, std::string> environment = project_.withGunzip(
+        "echo $$ >" + at("id") + "\n>" + at("started") + "\nwhile [ ! -e " + at("go") +
+        " ] && [ -e " + at("started") + " ]; do sleep 0.01; done\nexec gzip -d \"$@\"\n");
     flags.insert(flags.begin(), {"run", shard().path()});
     auto run = std::make_unique<StartedRun>(
         QUILLET_SHARDS_PROGRAM,
@@ -215,8 +216,22 @@ TEST_F(ShardAttempt, AConverterThatFailsIsAnError) {
   const ProgramResult result = runWithConverter("echo out of order; exit 3\n");
 
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "quillet-shards: " + shard().path() +
-                            ": quillet ended with status 3:\nout of order\n\n");
+  EXPECT_EQ(result.err,
+            "quillet-shards: " + shard().path() + ": quillet ended with status 3:\nout of order\n");
+  expectNothingLeft();
+}
+
+TEST_F(ShardAttempt, AConverterThatFailsIsAnErrorAlsoUnderAnIgnoredSigchld) {
+  const std::string wholeButFailed = "$quillet \"$@\"; exit 3\n";
+  ASSERT_EQ(runWithConverter(wholeButFailed).status, 1);
+
+  const ProgramResult result =
+      runProgram("env", {.folder = "/",
+                         .arguments = {"--ignore-signal=CHLD", at("programs/quillet-shards"), "run",
+                                       shard().path()}});
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.err, HasSubstr("quillet ended with status 3"));
   expectNothingLeft();
 }
 
@@ -251,6 +266,23 @@ TEST_F(ShardAttempt, TheConverterIsTheOneBesideTheProgramOrElseInPath) {
   fs::remove_all(shard().folder().result());
 
   EXPECT_EQ(runWithConverter("exit 7\n", true).status, 1) << "both are there now";
+}
+
+TEST_F(ShardAttempt, AFolderBesideTheProgramIsNoConverter) {
+  fs::create_directories(at("programs/quillet"));
+
+  EXPECT_EQ(runWithConverter("exec $quillet \"$@\"\n", false).status, 0);
+  expectDone();
+}
+
+TEST_F(ShardAttempt, AShardThatIsRemovedDuringTheRunIsNamedAsTheReason) {
+  const ProgramResult result =
+      runWithConverter("mv " + at("shards") + ' ' + at("joined") + "; rm -r " + at("joined") +
+                       "; echo strange; exit 3\n");
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err,
+            "quillet-shards: " + shard().path() + " has been removed: No such file or directory\n");
 }
 
 TEST_F(ShardAttempt, WhatIsNoShardIsAnError) {
@@ -307,6 +339,23 @@ TEST_F(ShardAttempt, AttemptsThatNobodyUsesAreRemoved) {
               testing::UnorderedElementsAre("attempt-dddddd", "attempt-other"));
   EXPECT_FALSE(project_.has("shards/01/gone-cccccc"));
   close(used);
+}
+
+TEST_F(ShardAttempt, AttemptsThatWereBegunLongAgoAreRemoved) {
+  for (const std::string folder : {"shards/01/", "edit_dir/quillet-"}) {
+    for (const char* name : {"begun-aaaaaa", "begun-bbbbbb", "begun-other"}) {
+      project_.write(folder + name + "/lock", "");
+      const auto age = std::chrono::minutes(name == std::string("begun-bbbbbb") ? 50 : 70);
+      fs::last_write_time(at(folder + name), fs::file_time_type::clock::now() - age);
+    }
+  }
+
+  EXPECT_EQ(shard().run({"--scratch", at("edit_dir")}).status, 0);
+
+  EXPECT_THAT(project_.entries("edit_dir"),
+              testing::UnorderedElementsAre("quillet-begun-bbbbbb", "quillet-begun-other"));
+  EXPECT_FALSE(project_.has("shards/01/begun-aaaaaa"));
+  EXPECT_TRUE(project_.has("shards/01/begun-bbbbbb"));
 }
 
 TEST_F(ShardAttempt, OfAScratchFolderOnlyOurOwnIsRemoved) {

@@ -274,6 +274,38 @@ TEST(ShardRunSettings, ARelativePathBeginsInTheWorkingDirectory) {
   EXPECT_TRUE(fs::is_empty("edit_dir"));
 }
 
+TEST(ShardRunSettings, ThatDirectoryIsNotTheOneOfAnEarlierPwd) {
+  const ProjectFolder project;
+  project.addTrace("a.ab1", trace(1));
+  const LaidShard shard(project, {"a.ab1"});
+
+  const ProgramResult result = runProgram(
+      QUILLET_SHARDS_PROGRAM, {.folder = project.path().string(),
+                               .arguments = {"run", "shards/01", "--scratch", "edit_dir"},
+                               .environment = {{"PWD", "/"}}});
+
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_TRUE(shard.folder().isDone());
+}
+
+TEST(ShardRunSettings, OptionsOfGunzipInTheEnvironmentDoWhatTheyDoInAPlainRun) {
+  for (const char* options : {"-9", "-q", "-v"}) {
+    const ProjectFolder project;
+    project.addGzipped("a.gz.gz", trace(1));
+    project.addTrace("b.ab1.gz", gzipped(trace(2)) + "garbage");
+    project.addTrace("c.ab1.gz", "\x1f\x8b garbage");
+    const LaidShard shard(project, {"a.gz.gz", "b.ab1.gz", "c.ab1.gz"});
+    const std::map<std::string, std::string> environment = {{"GZIP", options}};
+
+    const ProgramResult result = shard.run({}, environment);
+
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, plainMessages(project, {}, environment)) << options;
+    EXPECT_EQ(timelessFiles(shard.folder().resultPhds()), timelessFiles("phd_dir"));
+    EXPECT_EQ(timelessFiles("phd_dir").size(), 2U);
+  }
+}
+
 TEST(ShardRunSettings, TheResultHasTheUsualPermissions) {
   for (const auto& [mask, expected] : {std::pair{0022, 0755}, {0002, 0775}, {0077, 0700}}) {
     const ProjectFolder project;

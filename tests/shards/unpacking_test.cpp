@@ -2,8 +2,10 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <sys/stat.h>
@@ -94,6 +96,46 @@ TEST(Unpacking, WithoutGunzipOnlyIntactFilesCanBeUnpacked) {
   EXPECT_THROW(unpack(folder), std::runtime_error);
   EXPECT_FALSE(folder.has("x"));
 }
+
+class FailingGunzip : public testing::TestWithParam<const char*> {
+ protected:
+  /// A gunzip that gives a few bytes, and then ends in its own way.
+  explicit FailingGunzip() {
+    folder_.write("bin/gunzip", std::string("#!/bin/sh\necho some\n") + GetParam() + '\n');
+    std::filesystem::permissions("bin/gunzip", std::filesystem::perms::owner_all);
+    folder_.write("x.gz", gzipped("bytes") + "garbage");
+    path_.emplace("PATH",
+                  (folder_.at("bin").text() + std::string(":") + std::getenv("PATH")).c_str());
+  }
+
+  const ScratchFolder folder_;
+  std::optional<EnvironmentVariable> path_;
+};
+
+TEST_P(FailingGunzip, IsNoVerdictOnTheFile) {
+  try {
+    unpack(folder_);
+    ADD_FAILURE() << "no exception";
+  } catch (const std::runtime_error& error) {
+    EXPECT_THAT(error.what(),
+                testing::StartsWith("gunzip of " + std::string(folder_.at("x.gz").text()) +
+                                    " ended with status 1"));
+  }
+  EXPECT_FALSE(folder_.has("x"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Ends, FailingGunzip,
+                         testing::Values("kill -9 $$", "kill -15 $$", "exec /nowhere/gzip",
+                                         "exec /"));
+
+class WarningGunzip : public FailingGunzip {};
+
+TEST_P(WarningGunzip, GivesItsBytes) {
+  EXPECT_TRUE(unpack(folder_).isUnpacked);
+  EXPECT_EQ(folder_.read("x"), "some\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Ends, WarningGunzip, testing::Values("exit 0", "exit 1", "exit 2"));
 
 TEST(Unpacking, ASignalStopsItAndLeavesNoFile) {
   const ScratchFolder folder;
