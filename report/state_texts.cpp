@@ -26,8 +26,9 @@ const char* adviceOf(SampleState state) {
   switch (state) {
     case SampleState::differs:
       return "The result is not what its own trace gives. Look at both readings; then delete both "
-             "files and run quillet again. With the detail invalid or refused the trace has gone "
-             "bad since: keep the results, and copy the trace from the instrument again first.";
+             "files and run quillet again. Detail invalid or refused: the trace has gone bad "
+             "since: "
+             "keep the results.";
     case SampleState::borrowed:
       return "The trace holds no calls or no qualities, and its result has those of another trace. "
              "Do not use the result: delete it, and have the trace called or take it out of "

@@ -77,8 +77,7 @@ TEST(StateTexts, SayWhatTheDocumentsSay) {
     const char* toDo;
   } cases[] = {
       {SampleState::differs, "The result is not what its own trace gives",
-       "the trace has gone bad since: keep the results, and copy the trace from the instrument "
-       "again first."},
+       "the trace has gone bad since: keep the results"},
       {SampleState::borrowed, "The trace holds no calls or no qualities, and",
        "Do not use the result"},
       {SampleState::cut,
