@@ -249,7 +249,7 @@ class EngineKilledTest(ShardsTest):
         self.assertEqual(child.wait(), KILLED)
         self.assertFalse(all(map(is_done, shards_of(project))))
         run(["bash", "-c", line + " --unlock"], workflow, PATH=path)
-        run(["bash", "-c", line], workflow, PATH=path)
+        run(["bash", "-c", line + " --rerun-incomplete"], workflow, PATH=path)
 
         self.assert_results_as_plain(project, ["marks", "report.tsv"])
 
