@@ -42,7 +42,11 @@ std::vector<std::string> withUsualFlags(std::vector<std::string> words,
     const auto spelling = spellings.find(word);
     if (spelling != spellings.end()) {
       const bool isKnown = kindOf(spelling->second) != FlagKind::unknown;
-      word = isKnown ? spelling->second : '-' + word;
+      if (isKnown) {
+        word = spelling->second;
+      } else {
+        word.insert(0, 1, '-');
+      }
     }
     if (kindOf(word) == FlagKind::withValue) ++index;
   }

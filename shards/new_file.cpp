@@ -46,8 +46,9 @@ void NewFile::writeFrom(const std::string& path) {
 }
 
 void NewFile::clear() {
-  if (::ftruncate(descriptor_, 0) != 0 || ::lseek(descriptor_, 0, SEEK_SET) != 0)
+  if (::ftruncate(descriptor_, 0) != 0 || ::lseek(descriptor_, 0, SEEK_SET) != 0) {
     throwSystemError("can not write", path_);
+  }
   size_ = 0;
 }
 

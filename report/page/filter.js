@@ -18,7 +18,7 @@ function plainTerm(token) {
 /// A text is equal as a whole when some row has just this value, else in part; the quoted empty one
 /// is the unknown. Every row passes before a value is typed, and none when a number is missing.
 function comparisonOf(token) {
-  const [, typedName = "", sign, text] = /^(\w+)([:<>])(.*)$/s.exec(token) ?? [];
+  const [, typedName = "", sign, text] = /^(\w+)([:=<>])(.*)$/s.exec(token) ?? [];
   const { name, kind } = columnByName.get(typedName.toLowerCase()) ?? {};
   if (!name) return null;
   const isText = kind === "text" || kind === "state";
