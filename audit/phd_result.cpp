@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <limits>
 
 namespace Quillet {
@@ -26,6 +27,18 @@ bool takeLine(std::string_view& text, std::string_view& line) {
   line = text.substr(0, end);
   text.remove_prefix(end + 1);
   return true;
+}
+
+/// The last place of `linesBegin`; npos where there is none. Looks from one "_" to the one before
+/// it: comparing at every byte, as rfind() does, took a third of splitPhd()'s instructions.
+std::size_t lastLinesBegin(std::string_view text) {
+  constexpr std::size_t mark = linesBegin.find('_');
+  std::size_t end = text.size();
+  while (const void* const found = memrchr(text.data(), '_', end)) {
+    end = static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+    if (end >= mark && text.substr(end - mark).starts_with(linesBegin)) return end - mark;
+  }
+  return std::string_view::npos;
 }
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
@@ -89,7 +102,7 @@ bool isPhdEnding(std::string_view text) {
 
 std::optional<PhdParts> splitPhd(std::string_view text) {
   if (!text.starts_with(firstWord)) return std::nullopt;
-  const std::size_t begin = text.rfind(linesBegin);
+  const std::size_t begin = lastLinesBegin(text);
   if (begin == std::string_view::npos) return std::nullopt;
 
   PhdParts parts;
