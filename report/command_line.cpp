@@ -27,6 +27,13 @@ std::string ratioFault(const std::string& text) {
   return "RATIO is a number, 0 or more, not `" + text + "'";
 }
 
+/// With the converter -o is a flag without a value; here it would take the next flag for a file.
+void refuseFlagAsPage(const CommandLine& line) {
+  if (line.html && line.html->size() > 1 && line.html->starts_with('-')) {
+    throw UsageError("-o takes a FILE, not `" + *line.html + "'; ./" + *line.html + " is one");
+  }
+}
+
 void refuseTwoOnStandardOutput(const CommandLine& line) {
   const auto outputs = {&line.tsv, &line.json, &line.fastq, &line.fasta, &line.html};
   const auto count = std::count_if(outputs.begin(), outputs.end(),
@@ -96,6 +103,7 @@ CommandLine readCommandLine(const std::vector<std::string>& words) {
     throw UsageError(error.what());
   }
   refuseTwoOnStandardOutput(line);
+  refuseFlagAsPage(line);
 
   std::vector<std::string>& flags = line.projectFlags;
   if (dataDirOption->count() > 0) {

@@ -56,7 +56,7 @@ TEST(CommandLine, NamesThePageByEitherFlag) {
   EXPECT_EQ(Quillet::readCommandLine({"-o", "page.html"}).html, "page.html");
   EXPECT_EQ(Quillet::readCommandLine({"--html", "page.html"}).html, "page.html");
   EXPECT_EQ(Quillet::readCommandLine({"--html=-"}).html, "-");
-  EXPECT_EQ(Quillet::readCommandLine({"-o", "-nostrip"}).html, "-nostrip");
+  EXPECT_EQ(Quillet::readCommandLine({"-o", "./-nostrip"}).html, "./-nostrip");
   EXPECT_TRUE(Quillet::readCommandLine({"-o", "page.html"}).pictures);
   EXPECT_FALSE(Quillet::readCommandLine({"--no-pictures", "-o", "page.html"}).pictures);
 }
@@ -102,6 +102,8 @@ TEST(CommandLine, RefusesWhatItDoesNotKnow) {
                                                     {"-x"},
                                                     {"names.txt"},
                                                     {"-o"},
+                                                    {"-o", "-s"},
+                                                    {"--html", "-d", "project"},
                                                     {"-overwrite"},
                                                     {"-overwrite", "page.html"},
                                                     {"-o", "a", "--html", "b"},
