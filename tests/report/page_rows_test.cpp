@@ -135,7 +135,7 @@ TEST(PageRows, HoldAnyTextWithoutAWayOutOfTheirElement) {
     })) << json;
     const Json page = Json::parse(json);
     EXPECT_EQ(page["project"], name);
-    for (const std::size_t column : {0, 1, 3, 13, 14, 15, 18, 19}) {
+    for (const std::size_t column : {0U, 1U, 3U, 13U, 14U, 15U, 18U, 19U}) {
       EXPECT_EQ(page["rows"][0][column], name);
     }
   }

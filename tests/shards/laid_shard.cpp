@@ -19,7 +19,7 @@ std::string bytesOf(const fs::path& file) {
 
 LaidShard::LaidShard(const ProjectFolder& project, const std::vector<std::string>& names,
                      Quillet::ShardSettings flags, const std::string& name)
-    : project_(project), folder_((project.path() / "shards" / name).string()) {
+    : folder_((project.path() / "shards" / name).string()) {
   const fs::path root = project.path();
   fs::create_directories(folder_.chromats());
   for (const std::string& listed : names) {

@@ -27,7 +27,6 @@ class LaidShard {
   std::vector<std::string> content() const;
 
  private:
-  const ProjectFolder& project_;
   Quillet::ShardFolder folder_;
 };
 
