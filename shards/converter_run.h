@@ -7,7 +7,7 @@
 
 namespace Quillet {
 
-/// What the converter has left behind.
+/// How a run of the converter ended, and what it printed.
 struct ConverterRun {
   int status = 0;       // exit status, or 128 and the number of the signal that ended it
   std::string printed;  // to both its streams, in its order

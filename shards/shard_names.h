@@ -10,7 +10,7 @@ namespace Quillet {
 /// Whether the converter takes a file of this name for a gzipped one. ".GZ" is no such ending.
 bool isPackedName(std::string_view name);
 
-/// The name without its final ".gz", as it stands in messages; any other name as it is.
+/// The name that messages show: a final ".gz" is cut off, once.
 std::string unpackedName(const std::string& name);
 
 /// Which gzipped traces of a shard can be unpacked under their names without ".gz" and change

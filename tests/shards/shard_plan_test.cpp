@@ -322,8 +322,8 @@ TEST(ShardPlan, LinksListedNamesToWhatTheConverterWouldOpen) {
   project.addGzipped("both.gz", good);
   project.addGzipped("packed.gz", good);
   project.addGzipped("twice.gz.gz", good);
-  project.addGzipped("behind.gz", good);
-  fs::create_symlink("nowhere", "chromat_dir/behind");
+  project.addGzipped("astray.gz", good);
+  fs::create_symlink("nowhere", "chromat_dir/astray");
   project.makeFolder("chromat_dir/sub");
   const auto target = [&project](const std::string& name) {
     return Pair(name, project.absolute("chromat_dir/" + name));
@@ -331,12 +331,12 @@ TEST(ShardPlan, LinksListedNamesToWhatTheConverterWouldOpen) {
   const std::string longName(255, 'x');
 
   planShards(listed(project, 99,
-                    "plain\nboth\npacked\npacked.gz\npacked\ntwice.gz\nbehind\nsub\n.hidden\n"
+                    "plain\nboth\npacked\npacked.gz\npacked\ntwice.gz\nastray\nsub\n.hidden\n"
                     "missing\nmissing.gz\n" +
                         longName + "\n" + longName + "x\n" + std::string("\0\n", 2)));
 
   EXPECT_THAT(project.links("0001"),
-              ElementsAre(target(".hidden"), target("behind.gz"), target("both"),
+              ElementsAre(target(".hidden"), target("astray.gz"), target("both"),
                           target("packed.gz"), target("plain"), target("sub")));
   EXPECT_EQ(project.names("0001").size(), 14U);
   EXPECT_EQ(project.names("0001").back(), "");
