@@ -45,12 +45,15 @@ bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
 /// Takes an integer and the character that must follow it.
 bool takeInteger(std::string_view& text, char follower, std::string_view& number) {
-  std::size_t end = text.starts_with('-') ? 1 : 0;
-  const std::size_t digits = end;
-  while (end < text.size() && isDigit(text[end])) ++end;
-  if (end == digits || end == text.size() || text[end] != follower) return false;
-  number = text.substr(0, end);
-  text.remove_prefix(end + 1);
+  const char* const begin = text.data();
+  const char* const last = begin + text.size();
+  const char* at = begin;
+  if (at != last && *at == '-') ++at;
+  const char* const digits = at;
+  while (at != last && isDigit(*at)) ++at;
+  if (at == digits || at == last || *at != follower) return false;
+  number = {begin, at};
+  text = {at + 1, last};
   return true;
 }
 

@@ -55,10 +55,9 @@ std::string Attempt::sampleOf(const std::string& name) const {
 }
 
 void Attempt::makeProject(bool keepGzip) {
-  makeFolder(at("chromat_dir"));
   for (const char* folder : resultFolders) makeFolder(folder_.path() + folder);
   writeNewFile(at(".quilletrc"), "");  // the first that the converter looks for
-  traces_ = bringTraces(shard_, contents_, at("chromat_dir/"), keepGzip, signals_);
+  traces_ = bringTraces(shard_, contents_, at("chromat_dir"), keepGzip, signals_);
   if (!contents_.settings.listed) return;
   std::string list;
   for (const AttemptTrace& trace : traces_) {
@@ -102,7 +101,6 @@ std::string Attempt::composed(const std::vector<NameMessages>& said) const {
   std::unordered_set<std::string> converted;  // samples
   auto next = said.begin();
   for (const AttemptTrace& trace : traces_) {
-    signals_.check();
     if (trace.isLeftOut) {
       messages += ownMessage(trace, "is left out: gunzip would get a path that is not for a shell");
       continue;
@@ -114,7 +112,7 @@ std::string Attempt::composed(const std::vector<NameMessages>& said) const {
     if (!isPassedOver) messages += trace.complaints;
     messages += name.text;
     if (name.hasMessage) {
-      if (!trace.target.empty()) checkIsThere(trace);
+      if (!trace.link.empty()) checkIsThere(trace);
     } else if (isTooLongForResult(sample)) {
       messages +=
           ownMessage(trace, "gives nothing: its .phd.1 would have a name of more than 255 bytes");
@@ -133,7 +131,7 @@ std::string Attempt::ownMessage(const AttemptTrace& trace, const char* what) con
 void Attempt::checkResults(const std::unordered_set<std::string>& samples) const {
   std::size_t badCount = 0;
   std::string first;
-  WholeResults results(at("phd_dir/"), at("poly_dir/"));
+  WholeResults results(at("phd_dir"), at("poly_dir"));
   for (const std::string& sample : samples) {
     signals_.check();
     if (results.has(sample)) continue;

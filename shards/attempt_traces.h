@@ -11,15 +11,16 @@ namespace Quillet {
 /// One name of a shard and what an attempt has of it.
 struct AttemptTrace {
   std::string name;         // in the shard
-  std::string target;       // of its link in the shard; empty when there was no trace to link to
+  std::string link;         // the path of its link in the shard; empty when there was no trace
   std::string attemptName;  // under which the converter gets it
   std::string complaints;   // of gunzip about it, unless it stays packed
   bool isLeftOut = false;   // stays packed, and its path is not for a shell
 };
 
-/// Fills the attempt's folder of traces, whose path ends in "/": links, and unpacked files in place
-/// of .gz unless they stay packed. One entry for each name of the shard. Throws std::runtime_error,
-/// also when a trace has gone since the plan, and Stopped.
+/// Makes the attempt's folder of traces, `attemptPath`: links, and unpacked files in place of .gz
+/// unless they stay packed. Where nothing is packed and there is no list, it is one link to the
+/// shard's own. One entry for each name of the shard. Throws std::runtime_error, also when a trace
+/// has gone since the plan, and Stopped.
 std::vector<AttemptTrace> bringTraces(const ShardFolder& shard, const ShardContents& contents,
                                       const std::string& attemptPath, bool keepGzip,
                                       const StopSignals& signals);

@@ -5,7 +5,6 @@
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 #include "audit/phd_result.h"
 #include "audit/poly_result.h"
@@ -13,21 +12,25 @@
 
 namespace Quillet {
 
-WholeResults::WholeResults(std::string phdPath, std::string polyPath)
-    : phdPath_(std::move(phdPath)), polyPath_(std::move(polyPath)) {}
+WholeResults::WholeResults(const std::string& phdPath, const std::string& polyPath)
+    : phds_(phdPath), polys_(polyPath) {}
 
 bool WholeResults::has(const std::string& sample) {
-  const std::optional<PhdParts> parts = splitPhd(phd_.read(phdPath_ + sample + ".phd.1"));
+  const std::optional<PhdParts> parts = splitPhd(phds_.read(sample + ".phd.1"));
   if (!parts) return false;
 
-  std::string_view poly = poly_.read(polyPath_ + sample + ".poly");
+  std::string_view poly = polys_.read(sample + ".poly");
   if (!poly.starts_with(sample)) return false;
   poly.remove_prefix(sample.size());  // its line feeds would end the first line
   return isWholePoly(poly, parts->baseCount);
 }
 
-std::string_view WholeResults::Content::read(const std::string& path) {
-  const OpenDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+WholeResults::Folder::Folder(const std::string& path)
+    : descriptor_(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
+
+std::string_view WholeResults::Folder::read(const std::string& name) {
+  const OpenDescriptor file(
+      ::openat(descriptor_.number(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   struct stat status;
   if (file.number() < 0 || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
     return {};

@@ -52,6 +52,33 @@ TEST(PolyResult, OneLineCanNotMakeUpForAnother) {
   EXPECT_FALSE(isWholePoly(first + line + thirteen + line + eleven, 4));
 }
 
+TEST(PolyResult, LinesOfAnyLengthAreWhole) {
+  for (int digits = 1; digits < 600; ++digits) {
+    const std::string number(static_cast<std::size_t>(digits), '7');
+    const std::string twelve = "A 5 " + number + " 0 C 6 50 0 900 450 0 3\n";
+    const std::string eleven = "A 5 " + number + " 0 C 6 50 0 900 450 0\n";
+    const std::string thirteen = "A 5 100 0 C 6 50 0 900 450 0 " + number + " 3\n";
+    EXPECT_TRUE(isWholePoly(first + line + twelve, 2)) << digits;
+    EXPECT_FALSE(isWholePoly(first + line + thirteen, 2)) << digits;
+    EXPECT_TRUE(isWholePoly(first + twelve + line + line + line, 4)) << digits;
+    EXPECT_FALSE(isWholePoly(first + line + eleven, 2)) << digits;
+    EXPECT_FALSE(isWholePoly(first + eleven + line + line + line, 4)) << digits;
+  }
+}
+
+TEST(PolyResult, NoNumberOfFieldsPassesForTwelve) {
+  std::string fields = "A";
+  for (int count = 2; count < 600; ++count) {
+    fields += " 1";
+    EXPECT_EQ(isWholePoly(first + fields + '\n', 1), count == 12) << count;
+    for (int digits = 1; digits < 70; ++digits) {
+      const std::string number(static_cast<std::size_t>(digits), '7');
+      const std::string next = "A 5 " + number + " 0 C 6 50 0 900 450 0 3\n";
+      EXPECT_EQ(isWholePoly(first + fields + '\n' + next + next, 3), count == 12) << count;
+    }
+  }
+}
+
 TEST(PolyResult, ABlankAsBaseBetweenOrdinaryOnesIsWhole) {
   const std::string blank = " " + line.substr(1);
   const std::string lineFeed = "\n" + line.substr(1);

@@ -53,7 +53,7 @@ class ShardAttempt : public testing::Test {
     lay();
   }
 
-  void lay() { shard_.emplace(project_, Names{"a.ab1", "b.ab1.gz"}); }
+  void lay(const Names& names = {"a.ab1", "b.ab1.gz"}) { shard_.emplace(project_, names); }
   const LaidShard& shard() const { return *shard_; }
   std::string at(const std::string& name) const { return project_.at(name).text(); }
 
@@ -188,6 +188,65 @@ TEST_F(ShardAttempt, ALinkThatHasGoneIsAnError) {
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.err, HasSubstr("there is no link " + shard().path() + "/chromat_dir/a.ab1"));
   expectNothingLeft();
+}
+
+/// A shard of which no trace is packed: an attempt takes the shard's own links.
+class UnpackedShardAttempt : public ShardAttempt {
+ protected:
+  UnpackedShardAttempt() {
+    fs::remove_all("shards");
+    project_.addTrace("c.ab1", anyTrace());
+    lay({"a.ab1", "c.ab1"});
+  }
+
+  std::string link(const std::string& name) const {
+    return shard().folder().chromats() + '/' + name;
+  }
+};
+
+TEST_F(UnpackedShardAttempt, ATraceThatHasGoneIsAnError) {
+  for (const std::string name : {"a.ab1", "c.ab1"}) {
+    const std::string bytes = project_.read("chromat_dir/" + name);
+    fs::remove(at("chromat_dir/" + name));
+
+    const ProgramResult result = shard().run();
+
+    EXPECT_EQ(result.status, 1) << name;
+    EXPECT_EQ(result.err, "quillet-shards: " + at("chromat_dir/" + name) +
+                              " has gone since the plan: No such file or directory\n");
+    expectNothingLeft();
+    project_.addTrace(name, bytes);
+  }
+}
+
+TEST_F(UnpackedShardAttempt, ALinkThatHasGoneIsAnErrorWhateverIsThereInstead) {
+  for (const bool isReplaced : {false, true}) {
+    fs::remove(link("c.ab1"));
+    if (isReplaced) fs::create_symlink(at("chromat_dir/c.ab1"), link("d.ab1"));
+
+    const ProgramResult result = shard().run();
+
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "quillet-shards: there is no link " + link("c.ab1") + '\n');
+  }
+}
+
+TEST_F(UnpackedShardAttempt, WhatElseLiesBesideTheLinksIsNotConverted) {
+  fs::create_symlink(at("chromat_dir/a.ab1"), link("foreign.ab1"));
+
+  EXPECT_EQ(shard().run().status, 0);
+
+  EXPECT_THAT(project_.entries("shards/01/result/phd_dir"), ElementsAre("a.phd.1", "c.phd.1"));
+}
+
+TEST_F(UnpackedShardAttempt, LinksOutliveTheAttemptThatTookThem) {
+  EXPECT_EQ(runWithConverter("exit 3\n").status, 1);
+  expectNothingLeft();
+
+  EXPECT_EQ(shard().run().status, 0);
+
+  EXPECT_EQ(fs::read_symlink(link("a.ab1")), at("chromat_dir/a.ab1"));
+  EXPECT_EQ(fs::read_symlink(link("c.ab1")), at("chromat_dir/c.ab1"));
 }
 
 TEST_F(ShardAttempt, ATraceThatGoesDuringTheRunIsAnError) {

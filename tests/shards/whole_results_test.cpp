@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 bool isWhole(const ProjectFolder& project, const std::string& sample) {
   const std::string root = project.path();
-  return Quillet::WholeResults(root + "/phd_dir/", root + "/poly_dir/").has(sample);
+  return Quillet::WholeResults(root + "/phd_dir", root + "/poly_dir").has(sample);
 }
 
 TEST(WholeResults, TheConvertersResultsAreWhole) {
@@ -44,7 +44,7 @@ TEST(WholeResults, OneSampleAfterTheOtherIsLookedAt) {
   project.addTrace("short", AbifBuilder().build());
   ASSERT_EQ(project.run().status, 0);
   const std::string root = project.path();
-  Quillet::WholeResults results(root + "/phd_dir/", root + "/poly_dir/");
+  Quillet::WholeResults results(root + "/phd_dir", root + "/poly_dir");
 
   for (const char* sample : {"short", "long", "short", "long"}) {
     EXPECT_TRUE(results.has(sample)) << sample;
