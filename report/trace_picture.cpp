@@ -62,6 +62,13 @@ std::uint32_t highestPercentile(const Channels& channels) {
   return highest;
 }
 
+/// Peaks are round: a step is like the last one, but shorter when that was longer than the one
+/// before it.
+int expectedLevel(const std::array<int, 3>& before) {
+  const int doubled = 4 * before[0] - 3 * before[1] + before[2];
+  return std::clamp(doubled >> 1, 0, static_cast<int>(highestLevel));
+}
+
 /// The picture in the making.
 class PictureBytes {
  public:
@@ -74,14 +81,15 @@ class PictureBytes {
   void byte(std::size_t value) { picture_.bytes += static_cast<char>(value & highestByte); }
   void all(std::span<const char> values) { picture_.bytes.append(values.data(), values.size()); }
 
-  /// The differences of the levels of a channel.
+  /// The levels of a channel, less what is expected of each. Real traces take a seventh less than
+  /// by the differences to the last level.
   void channel(std::span<const std::uint16_t> samples, std::uint32_t top) {
-    std::uint32_t before = 0;
+    std::array<int, 3> before{};  // the last level first
     for (std::size_t i = 0; i < samples.size(); i += step) {
       const std::uint32_t rounded = (2 * highestLevel * samples[i] + top) / (2 * top);
-      const std::uint32_t level = std::min(rounded, highestLevel);
-      byte(level - before);
-      before = level;
+      const auto level = static_cast<int>(std::min(rounded, highestLevel));
+      byte(static_cast<std::size_t>(level - expectedLevel(before)));
+      before = {level, before[0], before[1]};
     }
   }
 

@@ -18,7 +18,7 @@
 //             mixedCount    mixed bases, as many as the row names
 //             resultCount   bases of the second reading
 //             hasResult     1 when there is a second reading, else 0
-//   4 * kept bytes          A, C, G, T: differences of levels modulo 256, from 0 on in each
+//   4 * kept bytes          A, C, G, T: levels less what the ones before let expect, modulo 256
 //   baseCount bytes         bases, as stored
 //   baseCount bytes         qualities, as stored
 //   2 * baseCount bytes     positions: differences, the low bytes, then the high bytes
@@ -29,9 +29,11 @@
 //   resultCount bytes       qualities, 0 to 255
 //   2 * resultCount bytes   positions, as above
 //
-// The level of a sample is round(sample * 255 / top), 255 at most. A position is a 0-based sample
-// index. Its int16 difference is that to the sum of the differences before it, which begin at 0: a
-// jump that does not fit is made up for by those that follow.
+// The level of a sample is round(sample * 255 / top), 255 at most. After the levels c, b, a,
+// (4 a - 3 b + c) / 2 is expected, rounded down, 0 to 255: the last step again, less half of the
+// one before. Levels before the first are 0. A position is a 0-based sample index. Its int16
+// difference is that to the sum of the differences before it, which begin at 0: a jump that does
+// not fit is made up for by those that follow.
 namespace Quillet {
 
 /// The amplitudes that a picture reaches to.

@@ -32,8 +32,13 @@ function unpackedPicture(bytes, row) {
   const take = (count) => bytes.subarray(offset, (offset += count));
   const takeText = (count) => new TextDecoder("latin1").decode(take(count));
   const takeLevels = () => {
-    let level = 0;
-    return take(kept).map((difference) => (level += difference));
+    let [a, b, c] = [0, 0, 0]; // the last levels
+    return take(kept).map((difference) => {
+      const expected = Math.min(Math.max((4 * a - 3 * b + c) >> 1, 0), 255);
+      c = b;
+      b = a;
+      return (a = (expected + difference) & 255);
+    });
   };
   const takeCalls = (count) => {
     const calls = { bases: takeText(count), qualities: take(count) };

@@ -47,6 +47,7 @@ BREAKS = {
         "const levels = Array.from(channelLetters, takeLevels);",
         "const levels = Array.from(channelLetters, takeLevels);"
         "levels[2] = levels[2].map((level) => level * 0.85);", PIXELS),
+    "another level expected": ("4 * a - 3 * b + c", "4 * a - 2 * b", PIXELS),
     "distances that swell and shrink": (
         "(place - scene.from) * scene.scale",
         "(place + 6 * Math.sin(place / 30) - scene.from) * scene.scale", PIXELS),

@@ -12,6 +12,7 @@
 #include <zlib.h>
 
 #include "tests/report/converted_project.h"
+#include "tests/report/picture_levels.h"
 #include "tests/report/report_run.h"
 #include "tests/support/project_folder.h"
 #include "tests/support/trace_builder.h"
@@ -197,11 +198,14 @@ TEST_F(Page, HoldsTheSamplesAndCallsOfEachTrace) {
     EXPECT_EQ(wordOf(bytes, 2), top);
     std::size_t at = 32;
     for (const std::vector<int>& samples : trace.channels) {
-      int level = 0;
-      for (std::size_t point = 0; point < pointCount; point += 2, ++at) {
-        level = (level + bytes.at(at)) % 256;
-        const double exact = std::min(samples[point] * 255.0 / top, 255.0);
-        ASSERT_NEAR(level, exact, 0.5000001) << point;
+      const auto start = bytes.begin() + static_cast<std::ptrdiff_t>(at);
+      at += kept;
+      ASSERT_LE(at, bytes.size());
+      const std::vector<int> levels =
+          levelsOf({start, bytes.begin() + static_cast<std::ptrdiff_t>(at)});
+      for (std::size_t k = 0; k < kept; ++k) {
+        const double exact = std::min(samples[2 * k] * 255.0 / top, 255.0);
+        ASSERT_NEAR(levels[k], exact, 0.5000001) << k;
       }
     }
     EXPECT_EQ(at, 32 + 4 * kept);

@@ -13,6 +13,7 @@
 
 #include "foundation/channels.h"
 #include "tests/report/made_rows.h"
+#include "tests/report/picture_levels.h"
 
 namespace {
 
@@ -101,11 +102,7 @@ Picture read(const std::string& bytes) {
   Picture picture;
   while (picture.head.size() < 8) picture.head.push_back(rest.word());
   for (std::vector<int>& levels : picture.levels) {
-    int level = 0;
-    for (const int difference : rest.list(picture.head[1])) {
-      level = (level + difference) % 256;
-      levels.push_back(level);
-    }
+    levels = levelsOf(rest.list(picture.head[1]));
   }
   picture.bases = rest.text(picture.head[4]);
   picture.qualities = rest.list(picture.head[4]);
@@ -189,12 +186,29 @@ TEST(TracePicture, IsTheBytesThatItsTableTells) {
                                   255, 129,          // A: 255, 128
                                   0,   0,            // C
                                   0,   255,          // G
-                                  51,  0,            // T
+                                  51,  205,          // T: 51 after 102 was expected
                                   'C', 't', 7, 250,  //
                                   44,  213,          // low bytes of 300 and -299
                                   1,   254,          // high bytes
                                   'N', 20,  2, 1};
   EXPECT_THAT(Bytes(bytes).list(bytes.size()), ElementsAreArray(expected));
+}
+
+// Level 255 stands for 510, as all Ts are 255.
+TEST(TracePicture, HoldsLevelsLessWhatTheOnesBeforeLetExpect) {
+  MadeTrace trace;
+  trace.channels = {Samples{20, 0, 40, 0, 100, 0, 60, 0, 0}, Samples{2, 0, 8, 0, 18, 0, 18, 0, 18},
+                    Samples(9), Samples(9, 255)};
+
+  const std::string bytes = bytesOf(trace);
+
+  const std::vector<int> expected{
+      10, 0, 25, 211, 0,  // 10, 20, 50, 30, 0 where 0, 20, 25, 75, -5 are expected
+      1,  2, 3,  253, 3,  // 1, 4, 9, 9, 9 where 0, 2, 6.5, 12.5, 6.5 are
+      0,  0, 0,  0,   0,  //
+  };
+  const std::vector<int> all = Bytes(bytes).list(bytes.size());
+  EXPECT_THAT(std::vector<int>(all.begin() + 32, all.begin() + 47), ElementsAreArray(expected));
 }
 
 TEST(TracePicture, KeepsTheLastOfAnOddNumberOfSamples) {
