@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdio>
 #include <stdexcept>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include "app/sample_name.h"
@@ -98,7 +100,9 @@ std::vector<NameMessages> Attempt::runOverAll() const {
 /// nor a result.
 std::string Attempt::composed(const std::vector<NameMessages>& said) const {
   std::string messages;
-  std::unordered_set<std::string> converted;  // samples
+  std::vector<std::string> samples;  // that should have results, in order
+  samples.reserve(traces_.size());   // they stay where they are
+  std::unordered_set<std::string_view> converted;
   auto next = said.begin();
   for (const AttemptTrace& trace : traces_) {
     if (trace.isLeftOut) {
@@ -116,11 +120,11 @@ std::string Attempt::composed(const std::vector<NameMessages>& said) const {
     } else if (isTooLongForResult(sample)) {
       messages +=
           ownMessage(trace, "gives nothing: its .phd.1 would have a name of more than 255 bytes");
-    } else {
-      converted.insert(sample);
+    } else if (!converted.contains(sample)) {
+      converted.insert(samples.emplace_back(sample));
     }
   }
-  checkResults(converted);
+  checkResults(samples);
   return messages;
 }
 
@@ -128,14 +132,14 @@ std::string Attempt::ownMessage(const AttemptTrace& trace, const char* what) con
   return programName + contents_.settings.chromatPath + trace.name + ' ' + what + '\n';
 }
 
-void Attempt::checkResults(const std::unordered_set<std::string>& samples) const {
+void Attempt::checkResults(const std::vector<std::string>& samples) const {
   std::size_t badCount = 0;
   std::string first;
   WholeResults results(at("phd_dir"), at("poly_dir"));
   for (const std::string& sample : samples) {
     signals_.check();
     if (results.has(sample)) continue;
-    if (badCount++ == 0 || sample < first) first = sample;
+    if (badCount++ == 0) first = sample;
   }
   if (badCount == 0) return;
   std::string shown;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "shards/attempt_folder.h"
@@ -33,7 +32,7 @@ class Attempt {
   std::vector<NameMessages> runOverAll() const;
   std::string composed(const std::vector<NameMessages>& said) const;
   std::string ownMessage(const AttemptTrace& trace, const char* what) const;
-  void checkResults(const std::unordered_set<std::string>& samples) const;
+  void checkResults(const std::vector<std::string>& samples) const;
   void makeResult(const std::string& messages) const;
 
   const ShardFolder& shard_;
