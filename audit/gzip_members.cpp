@@ -1,25 +1,16 @@
 #include "audit/gzip_members.h"
 
-#include <cerrno>
 #include <memory>
 #include <new>
-#include <unistd.h>
 #include <zlib.h>
+
+#include "audit/descriptor.h"
 
 namespace Quillet {
 
 namespace {
 
 constexpr std::size_t chunkSize = 1 << 18;  // bytes read or unpacked at a time
-
-/// Up to `count` bytes; 0 at the end and where the file can not be read.
-std::size_t readSome(int descriptor, void* bytes, std::size_t count) {
-  ssize_t got = 0;
-  do {
-    got = ::read(descriptor, bytes, count);
-  } while (got < 0 && errno == EINTR);
-  return got > 0 ? static_cast<std::size_t>(got) : 0;
-}
 
 /// zlib's state for gzip members.
 class Inflation {
@@ -34,7 +25,8 @@ class Inflation {
 
   GzipContent unpackAll(int from) {
     for (;;) {
-      stream_.avail_in = static_cast<unsigned>(readSome(from, packed_.get(), chunkSize));
+      const ssize_t got = readSome(from, packed_.get(), chunkSize);
+      stream_.avail_in = got > 0 ? static_cast<unsigned>(got) : 0;
       stream_.next_in = packed_.get();
       if (stream_.avail_in == 0) return atMemberEnd_ ? GzipContent::intact : GzipContent::damaged;
       const GzipContent content = unpackChunk();

@@ -1,11 +1,12 @@
 #include "audit/result_file.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "audit/descriptor.h"
 
 namespace Quillet {
 
@@ -13,15 +14,6 @@ namespace {
 
 constexpr std::int64_t largestBuffer = 1 << 18;    // bytes; results of ordinary traces fit
 constexpr std::int64_t longestResult = 1LL << 28;  // bytes; ten times that of four million bases
-
-/// Reads up to `count` bytes at `offset`, fewer at the end of the file; -1 for an error.
-ssize_t readAt(int descriptor, char* bytes, std::size_t count, std::int64_t offset) {
-  ssize_t got = 0;
-  do {
-    got = pread(descriptor, bytes, count, offset);
-  } while (got < 0 && errno == EINTR);
-  return got;
-}
 
 }  // namespace
 
@@ -56,7 +48,7 @@ bool ResultFile::refill() {
   cursor_ = end_ = 0;
   // The size is trusted: it saves the read that would find the end of every file.
   if (bufferOffset_ >= size_) return false;
-  const ssize_t got = readAt(descriptor_, buffer_.get(), capacity_, bufferOffset_);
+  const ssize_t got = readSomeAt(descriptor_, buffer_.get(), capacity_, bufferOffset_);
   if (got > 0) end_ = static_cast<std::size_t>(got);
   return got > 0;
 }
@@ -100,8 +92,8 @@ std::optional<std::string> ResultFile::textFrom(std::int64_t offset) const {
   std::string text(static_cast<std::size_t>(std::max<std::int64_t>(size_ - offset, 0)), '\0');
   std::size_t held = 0;
   while (held < text.size()) {
-    const ssize_t got = readAt(descriptor_, text.data() + held, text.size() - held,
-                               offset + static_cast<std::int64_t>(held));
+    const ssize_t got = readSomeAt(descriptor_, text.data() + held, text.size() - held,
+                                   offset + static_cast<std::int64_t>(held));
     if (got < 0) return std::nullopt;
     if (got == 0) break;
     held += static_cast<std::size_t>(got);

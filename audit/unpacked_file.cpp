@@ -13,8 +13,8 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <utility>
 
+#include "audit/descriptor.h"
 #include "audit/gzip_members.h"
 
 extern char** environ;  // NOLINT(readability-redundant-declaration): not every libc declares it
@@ -30,65 +30,27 @@ constexpr std::int64_t memoryLimit = 64LL << 20;  // bytes; longer content goes 
   throw std::runtime_error(std::string(what) + ": " + std::strerror(errno));
 }
 
-/// A file descriptor that is closed with its owner; -1 is none.
-class Descriptor {
- public:
-  explicit Descriptor(int number = -1) : number_(number) {}
-  ~Descriptor() { reset(); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  int number() const { return number_; }
-  int release() { return std::exchange(number_, -1); }
-  void reset(int number = -1) {
-    if (number_ >= 0) ::close(number_);
-    number_ = number;
-  }
-
- private:
-  int number_;
-};
-
-/// Up to `count` bytes; 0 at the end and where the file can not be read.
-std::size_t readSome(int descriptor, void* bytes, std::size_t count) {
-  ssize_t got = 0;
-  do {
-    got = ::read(descriptor, bytes, count);
-  } while (got < 0 && errno == EINTR);
-  return got > 0 ? static_cast<std::size_t>(got) : 0;
-}
-
 /// A new file without a name in $TMPDIR or /tmp.
-int openUnnamedFile() {
+int openTemporaryFile() {
   const char* chosen = std::getenv("TMPDIR");
-  const std::string folder = chosen != nullptr && *chosen != '\0' ? chosen : "/tmp";
-  const int descriptor = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-  if (descriptor >= 0) return descriptor;
-  // Not every file system has files without a name.
-  std::string name = folder + "/quillet-XXXXXX";
-  const int named = ::mkostemp(name.data(), O_CLOEXEC);
-  if (named < 0) fail("can not make a temporary file");
-  ::unlink(name.c_str());
-  return named;
+  const int descriptor = openUnnamedFile(chosen != nullptr && *chosen != '\0' ? chosen : "/tmp");
+  if (descriptor < 0) fail("can not make a temporary file");
+  return descriptor;
 }
 
 /// Takes the unpacked bytes: in memory as long as there are few.
 class Content {
  public:
   Content() : descriptor_(::memfd_create("quillet", MFD_CLOEXEC)) {
-    if (descriptor_.number() < 0) fail("can not make a file in memory");
+    if (!descriptor_.isOpen()) fail("can not make a file in memory");
   }
 
   void append(const unsigned char* bytes, std::size_t count) {
     if (inMemory_ && size_ + static_cast<std::int64_t>(count) > memoryLimit) moveToFile();
-    while (count > 0) {
-      const ssize_t written = ::write(descriptor_.number(), bytes, count);
-      if (written < 0 && errno == EINTR) continue;
-      if (written <= 0) fail("can not write to a temporary file");
-      bytes += written;
-      count -= static_cast<std::size_t>(written);
-      size_ += written;
+    if (!writeAll(descriptor_.number(), {reinterpret_cast<const char*>(bytes), count})) {
+      fail("can not write to a temporary file");
     }
+    size_ += static_cast<std::int64_t>(count);
   }
 
   void clear() {
@@ -104,7 +66,7 @@ class Content {
  private:
   void moveToFile() {
     const Descriptor memory(descriptor_.release());
-    descriptor_.reset(openUnnamedFile());
+    descriptor_.reset(openTemporaryFile());
     for (off_t offset = 0; offset < size_;) {
       const auto rest = static_cast<std::size_t>(size_ - offset);
       if (::sendfile(descriptor_.number(), memory.number(), &offset, rest) <= 0) {
@@ -162,7 +124,7 @@ class Gunzip {
   }
   /// Waits, once nobody reads the output any longer.
   ~Gunzip() {
-    output_.reset();
+    output_.close();
     while (::waitpid(id_, nullptr, 0) < 0 && errno == EINTR) {
     }
   }
@@ -181,8 +143,10 @@ void passThroughGunzip(int from, Content& to) {
   ::lseek(from, 0, SEEK_SET);
   const auto buffer = std::make_unique_for_overwrite<unsigned char[]>(chunkSize);
   const Gunzip gunzip(from);
-  while (const std::size_t got = readSome(gunzip.output(), buffer.get(), chunkSize)) {
-    to.append(buffer.get(), got);
+  for (;;) {
+    const ssize_t got = readSome(gunzip.output(), buffer.get(), chunkSize);
+    if (got <= 0) return;
+    to.append(buffer.get(), static_cast<std::size_t>(got));
   }
 }
 
@@ -193,7 +157,7 @@ UnpackedFile::UnpackedFile(const std::string& path) {
   // Not to wait for the writer of a pipe.
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   struct stat status;
-  if (file.number() >= 0 && ::fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode)) {
+  if (file.isOpen() && ::fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode)) {
     constexpr unsigned char magic[] = {0x1F, 0x8B};
     unsigned char start[sizeof magic] = {};
     isGzip_ = ::pread(file.number(), start, sizeof start, 0) == sizeof start &&

@@ -4,24 +4,11 @@
 
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <stdexcept>
-#include <string>
+
+#include "examples/project_files.h"
 
 namespace fs = std::filesystem;
-
-namespace {
-
-/// Writes a file anew; throws when the disk does not take it.
-void writeFile(const fs::path& path, const std::string& bytes) {
-  std::ofstream stream(path, std::ios::binary);
-  stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  stream.close();
-  if (!stream) throw std::runtime_error("can not write " + path.string());
-}
-
-}  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 2) {
@@ -30,9 +17,7 @@ int main(int argc, char** argv) {
   }
   try {
     const fs::path root = argv[1];
-    for (const char* name : {"chromat_dir", "phd_dir", "poly_dir", "edit_dir"}) {
-      fs::create_directories(root / name);
-    }
+    makeProjectFolders(root);
     for (const PlateTrace& trace : plateOf96()) {
       writeFile(root / "chromat_dir" / (trace.sample + ".ab1"), trace.bytes);
     }

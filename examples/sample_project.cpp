@@ -5,25 +5,17 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "examples/project_files.h"
 #include "tests/support/trace_generator.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-/// Writes a file anew; throws when the disk does not take it.
-void writeFile(const fs::path& path, const std::string& bytes) {
-  std::ofstream stream(path, std::ios::binary);
-  stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  stream.close();
-  if (!stream) throw std::runtime_error("can not write " + path.string());
-}
 
 /// The bytes of an ABIF file, with further directory entries like those of an instrument.
 std::string traceFile(const TraceContents& contents) {
@@ -32,9 +24,7 @@ std::string traceFile(const TraceContents& contents) {
 
 /// Makes the four folders under `root` and puts `traceCount` traces into `chromat_dir`.
 void makeProject(const fs::path& root, int traceCount) {
-  for (const char* name : {"chromat_dir", "phd_dir", "poly_dir", "edit_dir"}) {
-    fs::create_directories(root / name);
-  }
+  makeProjectFolders(root);
   const fs::path chromats = root / "chromat_dir";
   for (int i = 1; i <= traceCount; ++i) {
     const std::string number = (i < 10 ? "0" : "") + std::to_string(i);

@@ -12,6 +12,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "audit/descriptor.h"
+
 namespace Quillet {
 
 namespace {
@@ -127,14 +129,7 @@ void OutputFile::write(std::string_view bytes) {
 }
 
 void OutputFile::flush() {
-  for (std::string_view rest = buffer_; !rest.empty();) {
-    const ssize_t count = ::write(descriptor_, rest.data(), rest.size());
-    if (count >= 0) {
-      rest.remove_prefix(static_cast<std::size_t>(count));
-    } else if (errno != EINTR) {
-      fail(errno);
-    }
-  }
+  if (!writeAll(descriptor_, buffer_)) fail(errno);
   buffer_.clear();
 }
 

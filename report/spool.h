@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "audit/descriptor.h"
+
 namespace Quillet {
 
 /// Bytes that wait on the disk, in a file without a name that no other user may read. It goes with
@@ -14,9 +16,6 @@ namespace Quillet {
 class Spool {
  public:
   explicit Spool(const std::string& folder);
-  ~Spool();
-  Spool(const Spool&) = delete;
-  Spool& operator=(const Spool&) = delete;
 
   void write(std::string_view bytes);
   /// Hands over everything that was written, in pieces.
@@ -28,7 +27,7 @@ class Spool {
 
   std::string folder_;
   std::string buffer_;
-  int descriptor_ = -1;
+  Descriptor descriptor_;
 };
 
 }  // namespace Quillet

@@ -12,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "audit/descriptor.h"
 #include "audit/escaped_text.h"
 
 namespace Quillet {
@@ -37,17 +38,6 @@ constexpr const char* ownProgram = "/proc/self/exe";
   constexpr std::string_view complaint = "quillet-shards: can not start itself by /proc\n";
   [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, complaint.data(), complaint.size());
   _exit(1);
-}
-
-std::string contentOf(int file) {
-  std::string content;
-  std::array<char, 1 << 14> buffer;
-  ssize_t count = 0;
-  while ((count = pread(file, buffer.data(), buffer.size(), static_cast<off_t>(content.size()))) >
-         0) {
-    content.append(buffer.data(), static_cast<std::size_t>(count));
-  }
-  return content;
 }
 
 }  // namespace

@@ -13,7 +13,8 @@
 #include <system_error>
 #include <thread>
 #include <unistd.h>
-#include <utility>
+
+#include "audit/descriptor.h"
 
 namespace Quillet {
 
@@ -21,51 +22,15 @@ namespace {
 
 constexpr std::size_t chunkSize = std::size_t{1} << 16;  // bytes
 
-/// A file descriptor that is closed with its owner.
-class Descriptor {
- public:
-  Descriptor(const std::string& path, int flags)
-      : number_(open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, 0666)) {}
-  ~Descriptor() { close(); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  int number() const { return number_; }
-  bool close() {
-    const int number = std::exchange(number_, -1);
-    return number < 0 || ::close(number) == 0;
-  }
-
- private:
-  int number_;
-};
-
-bool writeAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-    if (count >= 0) {
-      bytes.remove_prefix(static_cast<std::size_t>(count));
-    } else if (errno != EINTR) {
-      return false;
-    }
-  }
-  return true;
-}
-
-/// The number of bytes read; 0 at the end, negative after an error.
-ssize_t readSome(int descriptor, std::array<char, chunkSize>& buffer) {
-  ssize_t count = 0;
-  do {
-    count = ::read(descriptor, buffer.data(), buffer.size());
-  } while (count < 0 && errno == EINTR);
-  return count;
+int openFile(const std::string& path, int flags) {
+  return open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, 0666);
 }
 
 /// Copies the bytes to the disk; false, with errno set, when that fails.
 bool copyBytes(int from, Descriptor& to) {
   std::array<char, chunkSize> buffer;
   for (;;) {
-    const ssize_t count = readSome(from, buffer);
+    const ssize_t count = readSome(from, buffer.data(), buffer.size());
     if (count < 0) return false;
     if (count == 0) break;
     if (!writeAll(to.number(), {buffer.data(), static_cast<std::size_t>(count)})) return false;
@@ -74,10 +39,10 @@ bool copyBytes(int from, Descriptor& to) {
 }
 
 void copyFile(const std::string& from, const std::string& to) {
-  const Descriptor source(from, O_RDONLY);
-  if (source.number() < 0) throwSystemError("can not read", from);
-  Descriptor target(to, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
-  if (target.number() < 0) throwSystemError("can not write", to);
+  const Descriptor source(openFile(from, O_RDONLY));
+  if (!source.isOpen()) throwSystemError("can not read", from);
+  Descriptor target(openFile(to, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW));
+  if (!target.isOpen()) throwSystemError("can not write", to);
   if (!copyBytes(source.number(), target)) throwSystemError("can not write", to);
 }
 
@@ -89,12 +54,12 @@ void throwSystemError(const std::string& what, const std::string& path) {
 }
 
 std::string readWholeFile(const std::string& path) {
-  const Descriptor file(path, O_RDONLY);
-  if (file.number() < 0) throwSystemError("can not read", path);
+  const Descriptor file(openFile(path, O_RDONLY));
+  if (!file.isOpen()) throwSystemError("can not read", path);
   std::string bytes;
   std::array<char, chunkSize> buffer;
   for (;;) {
-    const ssize_t count = readSome(file.number(), buffer);
+    const ssize_t count = readSome(file.number(), buffer.data(), buffer.size());
     if (count < 0) throwSystemError("can not read", path);
     if (count == 0) return bytes;
     bytes.append(buffer.data(), static_cast<std::size_t>(count));
@@ -102,8 +67,8 @@ std::string readWholeFile(const std::string& path) {
 }
 
 void writeWholeFile(const std::string& path, const std::string& bytes) {
-  Descriptor file(path, O_WRONLY | O_CREAT | O_TRUNC);
-  if (file.number() < 0 || !writeAll(file.number(), bytes) || !file.close()) {
+  Descriptor file(openFile(path, O_WRONLY | O_CREAT | O_TRUNC));
+  if (!file.isOpen() || !writeAll(file.number(), bytes) || !file.close()) {
     throwSystemError("can not write", path);
   }
 }
@@ -125,9 +90,9 @@ void moveFile(const std::string& from, const std::string& to, const std::string&
 }
 
 void syncFolder(const std::string& path) {
-  const Descriptor folder(path, O_RDONLY | O_DIRECTORY);
+  const Descriptor folder(openFile(path, O_RDONLY | O_DIRECTORY));
   // Not every file system can; some give EINVAL.
-  if (folder.number() >= 0 && fsync(folder.number()) != 0 && errno != EINVAL && errno != ENOTSUP) {
+  if (folder.isOpen() && fsync(folder.number()) != 0 && errno != EINVAL && errno != ENOTSUP) {
     throwSystemError("can not write", path);
   }
 }

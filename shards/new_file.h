@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "audit/descriptor.h"
+
 namespace Quillet {
 
 /// A file that did not exist before; removed with the object unless finished. Every operation
@@ -29,7 +31,7 @@ class NewFile {
 
  private:
   std::string path_;
-  int descriptor_;
+  Descriptor descriptor_;
   std::int64_t size_ = 0;
   bool isFinished_ = false;
 };

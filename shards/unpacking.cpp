@@ -4,13 +4,12 @@
 #include <stdexcept>
 #include <sys/mman.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include "audit/descriptor.h"
 #include "audit/escaped_text.h"
 #include "audit/gzip_members.h"
 #include "shards/child_process.h"
 #include "shards/new_file.h"
-#include "shards/open_descriptor.h"
 
 namespace Quillet {
 
@@ -19,16 +18,6 @@ namespace {
 bool isRegular(int descriptor) {
   struct stat status;
   return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-}
-
-/// Everything in a file in memory, from its start.
-std::string contentOf(int descriptor) {
-  struct stat status;
-  if (::fstat(descriptor, &status) != 0) return {};
-  std::string text(static_cast<std::size_t>(status.st_size), '\0');
-  const ssize_t got = ::pread(descriptor, text.data(), text.size(), 0);
-  text.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
-  return text;
 }
 
 /// Throws when gunzip did not end by itself, or did not start the program that it is a script for.
@@ -46,7 +35,7 @@ void checkEnd(int status, const std::string& packed, std::string complaints) {
 /// Passes the file through gunzip; false when there are more bytes than the limit.
 bool passThroughGunzip(NewFile& to, const std::string& packed, std::int64_t limit,
                        const StopSignals& signals, std::string& complaints) {
-  const OpenDescriptor errors(::memfd_create("complaints", MFD_CLOEXEC));
+  const Descriptor errors(::memfd_create("complaints", MFD_CLOEXEC));
   // An absolute path: it begins with "/" and is no flag. It stands in the complaints.
   ChildProcess gunzip({.words = {"gunzip", "-c", "-f", packed}, .folder = {}}, signals,
                       errors.number());
@@ -65,8 +54,8 @@ bool passThroughGunzip(NewFile& to, const std::string& packed, std::int64_t limi
 Unpacking unpackInto(const std::string& plain, const std::string& packed, std::int64_t limit,
                      const StopSignals& signals) {
   Unpacking unpacking;
-  const OpenDescriptor file(::open(packed.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-  if (file.number() < 0 || !isRegular(file.number())) return unpacking;
+  const Descriptor file(::open(packed.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+  if (!file.isOpen() || !isRegular(file.number())) return unpacking;
 
   NewFile to(plain);
   const GzipContent content =

@@ -1,14 +1,11 @@
 #include "shards/whole_results.h"
 
-#include <cerrno>
 #include <fcntl.h>
 #include <optional>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "audit/phd_result.h"
 #include "audit/poly_result.h"
-#include "shards/open_descriptor.h"
 
 namespace Quillet {
 
@@ -29,10 +26,10 @@ WholeResults::Folder::Folder(const std::string& path)
     : descriptor_(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
 
 std::string_view WholeResults::Folder::read(const std::string& name) {
-  const OpenDescriptor file(
+  const Descriptor file(
       ::openat(descriptor_.number(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   struct stat status;
-  if (file.number() < 0 || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
+  if (!file.isOpen() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
     return {};
   }
   const auto size = static_cast<std::size_t>(status.st_size);
@@ -42,8 +39,7 @@ std::string_view WholeResults::Folder::read(const std::string& name) {
   }
   std::size_t held = 0;
   while (held < size) {
-    const ssize_t got = ::read(file.number(), bytes_.get() + held, size - held);
-    if (got < 0 && errno == EINTR) continue;
+    const ssize_t got = readSome(file.number(), bytes_.get() + held, size - held);
     if (got <= 0) return {};
     held += static_cast<std::size_t>(got);
   }

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "shards/open_descriptor.h"
+#include "audit/descriptor.h"
 
 namespace Quillet {
 
@@ -27,7 +27,7 @@ class WholeResults {
     std::string_view read(const std::string& name);
 
    private:
-    OpenDescriptor descriptor_;  // a name is found faster from here than from the root
+    Descriptor descriptor_;  // a name is found faster from here than from the root
     std::unique_ptr<char[]> bytes_;
     std::size_t capacity_ = 0;
   };

@@ -96,6 +96,18 @@ class ShardAttempt : public testing::Test {
     EXPECT_EQ(timelessFiles(shard().folder().resultPolys()), timelessFiles("poly_dir"));
   }
   void expectNothingLeft() const { EXPECT_EQ(shard().content(), laidContent(shard())); }
+  void expectErrorWhenGone(const std::string& name) const {
+    const std::string bytes = project_.read("chromat_dir/" + name);
+    fs::remove(at("chromat_dir/" + name));
+
+    const ProgramResult result = shard().run();
+
+    EXPECT_EQ(result.status, 1) << name;
+    EXPECT_EQ(result.err, "quillet-shards: " + at("chromat_dir/" + name) +
+                              " has gone since the plan: No such file or directory\n");
+    expectNothingLeft();
+    project_.addTrace(name, bytes);
+  }
 
   const ProjectFolder project_;
 
@@ -166,18 +178,8 @@ TEST_F(ShardAttempt, AFileInPlaceOfTheResultIsAnError) {
 }
 
 TEST_F(ShardAttempt, ATraceThatHasGoneIsAnError) {
-  for (const std::string name : {"a.ab1", "b.ab1.gz"}) {
-    const std::string bytes = project_.read("chromat_dir/" + name);
-    fs::remove(at("chromat_dir/" + name));
-
-    const ProgramResult result = shard().run();
-
-    EXPECT_EQ(result.status, 1) << name;
-    EXPECT_EQ(result.err, "quillet-shards: " + at("chromat_dir/" + name) +
-                              " has gone since the plan: No such file or directory\n");
-    expectNothingLeft();
-    project_.addTrace(name, bytes);
-  }
+  expectErrorWhenGone("a.ab1");
+  expectErrorWhenGone("b.ab1.gz");
 }
 
 TEST_F(ShardAttempt, ALinkThatHasGoneIsAnError) {
@@ -205,18 +207,8 @@ class UnpackedShardAttempt : public ShardAttempt {
 };
 
 TEST_F(UnpackedShardAttempt, ATraceThatHasGoneIsAnError) {
-  for (const std::string name : {"a.ab1", "c.ab1"}) {
-    const std::string bytes = project_.read("chromat_dir/" + name);
-    fs::remove(at("chromat_dir/" + name));
-
-    const ProgramResult result = shard().run();
-
-    EXPECT_EQ(result.status, 1) << name;
-    EXPECT_EQ(result.err, "quillet-shards: " + at("chromat_dir/" + name) +
-                              " has gone since the plan: No such file or directory\n");
-    expectNothingLeft();
-    project_.addTrace(name, bytes);
-  }
+  expectErrorWhenGone("a.ab1");
+  expectErrorWhenGone("c.ab1");
 }
 
 TEST_F(UnpackedShardAttempt, ALinkThatHasGoneIsAnErrorWhateverIsThereInstead) {
