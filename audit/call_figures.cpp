@@ -9,7 +9,6 @@ namespace Quillet {
 
 namespace {
 
-constexpr std::uint8_t largestQuality = 127;
 constexpr int goodQuality = 20;
 constexpr std::size_t windowSize = 20;                  // neighbours that are good together
 constexpr std::uint32_t goodWindow = 20 * goodQuality;  // sum of their qualities
@@ -18,14 +17,12 @@ constexpr double errorLimit = 0.05;                     // of Mott's trimming
 
 using Qualities = std::span<const std::uint8_t>;
 
-std::uint32_t qualityOf(std::uint8_t stored) { return stored > largestQuality ? 0 : stored; }
-
 /// What a base of each stored quality adds to the running sum of Mott's trimming.
 const std::array<double, 256>& scores() {
   static const auto table = [] {
     std::array<double, 256> values{};
     for (std::size_t stored = 0; stored < values.size(); ++stored) {
-      const auto quality = qualityOf(static_cast<std::uint8_t>(stored));
+      const auto quality = countedQuality(static_cast<std::uint8_t>(stored));
       values[stored] = errorLimit - std::pow(10.0, quality / -10.0);
     }
     return values;
@@ -68,11 +65,11 @@ std::uint32_t longestGoodRun(Qualities qualities) {
   std::size_t goodWindows = 0;  // one after the other, up to the present one
   std::size_t longest = 0;
   for (std::size_t i = 0; i < qualities.size(); ++i) {
-    sum += qualityOf(qualities[i]);
+    sum += countedQuality(qualities[i]);
     if (i + 1 < windowSize) continue;
     goodWindows = sum >= goodWindow ? goodWindows + 1 : 0;
     longest = std::max(longest, goodWindows);
-    sum -= qualityOf(qualities[i + 1 - windowSize]);
+    sum -= countedQuality(qualities[i + 1 - windowSize]);
   }
   return longest == 0 ? 0 : static_cast<std::uint32_t>(longest + windowSize - 1);
 }
@@ -88,7 +85,7 @@ CallFigures figuresOf(std::string_view bases, Qualities qualities) {
   CallFigures figures;
   std::uint64_t sum = 0;
   for (const std::uint8_t stored : qualities) {
-    const std::uint32_t quality = qualityOf(stored);
+    const std::uint32_t quality = countedQuality(stored);
     sum += quality;
     figures.q20 += quality >= goodQuality ? 1 : 0;
   }

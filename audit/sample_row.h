@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -22,10 +23,18 @@ enum class SampleState {
   waiting,    // no result yet; the trace has one to give
   converted,  // both results are right
 };
-inline constexpr int sampleStateCount = 10;
+
+/// All states in this order.
+inline constexpr std::array sampleStates{
+    SampleState::differs, SampleState::borrowed, SampleState::cut,     SampleState::noPoly,
+    SampleState::orphan,  SampleState::invalid,  SampleState::refused, SampleState::hidden,
+    SampleState::waiting, SampleState::converted};
 
 /// "differs", "no-poly": as reports write it.
 const char* textOf(SampleState state);
+
+/// A stored quality as figures and reads count it: a byte above 127 is none.
+inline std::uint8_t countedQuality(std::uint8_t stored) { return stored > 127 ? 0 : stored; }
 
 /// A base with a second peak under its call.
 struct MixedBase {

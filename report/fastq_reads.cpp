@@ -8,8 +8,7 @@ namespace Quillet {
 
 namespace {
 
-constexpr std::uint8_t mostQuality = 127;  // a higher byte is none
-constexpr std::uint8_t mostWritten = 93;   // "~" in FASTQ
+constexpr std::uint8_t mostWritten = 93;  // "~" in FASTQ
 constexpr char qualityZero = '!';
 
 bool isLetter(char byte) { return (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z'); }
@@ -19,8 +18,7 @@ char writtenBase(char base) {
 }
 
 char writtenQuality(std::uint8_t quality) {
-  const std::uint8_t counted = quality > mostQuality ? 0 : std::min(quality, mostWritten);
-  return static_cast<char>(qualityZero + counted);
+  return static_cast<char>(qualityZero + std::min(countedQuality(quality), mostWritten));
 }
 
 char writtenIdByte(char byte) {

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "audit/sample_row.h"
+
 namespace Quillet {
 
 namespace {
@@ -11,7 +13,6 @@ namespace {
 constexpr std::string_view characters =
     "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 constexpr std::size_t groupSize = 10;
-constexpr std::uint8_t largestQuality = 127;  // a higher byte is none
 
 }  // namespace
 
@@ -21,7 +22,7 @@ std::string qualityStrip(std::span<const std::uint8_t> qualities) {
   while (!qualities.empty()) {
     const auto group = qualities.first(std::min(groupSize, qualities.size()));
     std::size_t sum = 0;
-    for (const std::uint8_t stored : group) sum += stored > largestQuality ? 0 : stored;
+    for (const std::uint8_t stored : group) sum += countedQuality(stored);
     const std::size_t mean = (2 * sum + group.size()) / (2 * group.size());  // halves go up
     strip += characters[std::min(mean, characters.size() - 1)];
     qualities = qualities.subspan(group.size());

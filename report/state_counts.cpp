@@ -1,16 +1,17 @@
 #include "report/state_counts.h"
 
+#include "report/state_texts.h"
+
 namespace Quillet {
 
 int StateCounts::exitStatus() const {
-  using enum SampleState;
-  for (const SampleState state : {differs, borrowed, cut, orphan}) {
-    if (of(state) > 0) return 3;
+  int status = 0;
+  for (const SampleState state : sampleStates) {
+    if (of(state) == 0 || severityOf(state) == Severity::whole) continue;
+    if (severityOf(state) == Severity::untrusted) return 3;
+    status = 2;
   }
-  for (const SampleState state : {noPoly, invalid, refused, hidden, waiting}) {
-    if (of(state) > 0) return 2;
-  }
-  return 0;
+  return status;
 }
 
 }  // namespace Quillet

@@ -20,7 +20,7 @@ class StateCounts {
  private:
   static std::size_t index(SampleState state) { return static_cast<std::size_t>(state); }
 
-  std::array<std::uint64_t, sampleStateCount> counts_{};
+  std::array<std::uint64_t, sampleStates.size()> counts_{};
 };
 
 }  // namespace Quillet

@@ -2,21 +2,35 @@
 
 namespace Quillet {
 
-const char* severityOf(SampleState state) {
+Severity severityOf(SampleState state) {
   switch (state) {
     case SampleState::differs:
     case SampleState::borrowed:
     case SampleState::cut:
     case SampleState::orphan:
-      return "untrusted";
+      return Severity::untrusted;
     case SampleState::noPoly:
     case SampleState::invalid:
     case SampleState::refused:
-      return "missing";
+      return Severity::missing;
     case SampleState::hidden:
     case SampleState::waiting:
-      return "waiting";
+      return Severity::waiting;
     case SampleState::converted:
+      break;
+  }
+  return Severity::whole;
+}
+
+const char* textOf(Severity severity) {
+  switch (severity) {
+    case Severity::untrusted:
+      return "untrusted";
+    case Severity::missing:
+      return "missing";
+    case Severity::waiting:
+      return "waiting";
+    case Severity::whole:
       break;
   }
   return "whole";
@@ -27,8 +41,7 @@ const char* adviceOf(SampleState state) {
     case SampleState::differs:
       return "The result is not what its own trace gives. Look at both readings; then delete both "
              "files and run quillet again. Detail invalid or refused: the trace has gone bad "
-             "since: "
-             "keep the results.";
+             "since: keep the results.";
     case SampleState::borrowed:
       return "The trace holds no calls or no qualities, and its result has those of another trace. "
              "Do not use the result: delete it, and have the trace called or take it out of "

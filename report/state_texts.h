@@ -4,8 +4,13 @@
 
 namespace Quillet {
 
-/// What a state means for the user: "untrusted", "missing", "waiting" or "whole".
-const char* severityOf(SampleState state);
+/// What a state means for the user: there is a result that is not to be trusted, none, none yet or
+/// not of this name, or a whole one.
+enum class Severity { untrusted, missing, waiting, whole };
+Severity severityOf(SampleState state);
+
+/// "untrusted" and so on.
+const char* textOf(Severity severity);
 
 /// What happened, and what to do.
 const char* adviceOf(SampleState state);

@@ -9,15 +9,16 @@ namespace Quillet {
 namespace {
 
 std::string countLine(SampleState state, std::uint64_t count) {
-  return "<tr data-severity=\"" + std::string(severityOf(state)) + "\"><th scope=\"row\">" +
+  return "<tr data-severity=\"" + std::string(textOf(severityOf(state))) + "\"><th scope=\"row\">" +
          textOf(state) + "</th><td>" + withCommas(count) + "</td><td>" + htmlText(adviceOf(state)) +
          "</td></tr>\n";
 }
 
 std::string sampleLine(const SampleRow& row) {
-  return "<tr data-severity=\"" + std::string(severityOf(row.state)) + "\"><th scope=\"row\">" +
-         textOf(row.state) + "</th><td>" + htmlText(row.sample) + "</td><td>" +
-         htmlText(row.trace.value_or("")) + "</td><td>" + htmlText(row.detail) + "</td></tr>\n";
+  return "<tr data-severity=\"" + std::string(textOf(severityOf(row.state))) +
+         "\"><th scope=\"row\">" + textOf(row.state) + "</th><td>" + htmlText(row.sample) +
+         "</td><td>" + htmlText(row.trace.value_or("")) + "</td><td>" + htmlText(row.detail) +
+         "</td></tr>\n";
 }
 
 std::string sampleTable(const WorstSamples& worst) {
@@ -36,8 +37,7 @@ std::string sampleTable(const WorstSamples& worst) {
 
 std::string staticList(const WorstSamples& worst) {
   std::string counts;
-  for (int number = 0; number < sampleStateCount; ++number) {
-    const auto state = static_cast<SampleState>(number);
+  for (const SampleState state : sampleStates) {
     const std::uint64_t count = worst.counts().of(state);
     if (count > 0) counts += countLine(state, count);
   }

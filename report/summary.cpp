@@ -44,8 +44,7 @@ std::string sampleLine(const SampleRow& row, bool forTerminal) {
 
 std::string Summary::text(bool forTerminal) const {
   std::string text;
-  for (int number = 0; number < sampleStateCount; ++number) {
-    const auto state = static_cast<SampleState>(number);
+  for (const SampleState state : sampleStates) {
     text += countLine(state, counts().of(state));
   }
   const std::vector<const SampleRow*> rows = worst_.rows();

@@ -30,10 +30,10 @@
 //   2 * resultCount bytes   positions, as above
 //
 // The level of a sample is round(sample * 255 / top), 255 at most. After the levels c, b, a,
-// (4 a - 3 b + c) / 2 is expected, rounded down, 0 to 255: the last step again, less half of the
-// one before. Levels before the first are 0. A position is a 0-based sample index. Its int16
-// difference is that to the sum of the differences before it, which begin at 0: a jump that does
-// not fit is made up for by those that follow.
+// (4 a - 3 b + c) / 2 is expected, rounded down, then at least 0 and at most 255: the last step
+// again, less half of the one before. Levels before the first are 0. A position is a 0-based sample
+// index. Its int16 difference is that to the sum of the differences before it, which begin at 0: a
+// jump that does not fit is made up for by those that follow.
 namespace Quillet {
 
 /// The amplitudes that a picture reaches to.

@@ -1,6 +1,5 @@
 #include "report/verdict.h"
 
-#include <initializer_list>
 #include <vector>
 
 #include "report/state_texts.h"
@@ -9,18 +8,21 @@ namespace Quillet {
 
 namespace {
 
-std::uint64_t sumOf(const StateCounts& counts, std::initializer_list<SampleState> states) {
+template <typename IsCounted>
+std::uint64_t sumOf(const StateCounts& counts, IsCounted isCounted) {
   std::uint64_t sum = 0;
-  for (const SampleState state : states) sum += counts.of(state);
+  for (const SampleState state : sampleStates) {
+    if (isCounted(state)) sum += counts.of(state);
+  }
   return sum;
 }
 
-std::uint64_t sumOfAll(const StateCounts& counts) {
-  std::uint64_t sum = 0;
-  for (int number = 0; number < sampleStateCount; ++number) {
-    sum += counts.of(static_cast<SampleState>(number));
-  }
-  return sum;
+bool isUntrusted(SampleState state) { return severityOf(state) == Severity::untrusted; }
+
+/// A hidden trace has none either, but its sample has.
+bool hasNoResult(SampleState state) {
+  return state != SampleState::hidden && !isUntrusted(state) &&
+         severityOf(state) != Severity::whole;
 }
 
 std::string mainSentence(std::uint64_t whole, std::uint64_t all) {
@@ -42,18 +44,17 @@ struct Part {
 }  // namespace
 
 Verdict projectVerdict(const StateCounts& counts, std::uint64_t shortReads) {
-  using enum SampleState;
-  const std::vector<Part> parts{{sumOf(counts, {differs, borrowed, cut, orphan}),
-                                 "result is not to be trusted", "results are not to be trusted"},
-                                {sumOf(counts, {noPoly, invalid, refused, waiting}),
-                                 "sample has no result", "samples have no result"},
-                                {counts.of(hidden), "trace shares its sample name with another",
-                                 "traces share their sample names with others"},
-                                {shortReads, "whole read has fewer than 300 good bases",
-                                 "whole reads have fewer than 300 good bases"}};
+  const std::vector<Part> parts{
+      {sumOf(counts, isUntrusted), "result is not to be trusted", "results are not to be trusted"},
+      {sumOf(counts, hasNoResult), "sample has no result", "samples have no result"},
+      {counts.of(SampleState::hidden), "trace shares its sample name with another",
+       "traces share their sample names with others"},
+      {shortReads, "whole read has fewer than 300 good bases",
+       "whole reads have fewer than 300 good bases"}};
   static_assert(shortStretch == 300);
 
-  Verdict verdict{.main = mainSentence(counts.of(converted), sumOfAll(counts)), .rest = {}};
+  const std::uint64_t all = sumOf(counts, [](SampleState) { return true; });
+  Verdict verdict{.main = mainSentence(counts.of(SampleState::converted), all), .rest = {}};
   for (const Part& part : parts) {
     if (part.count == 0) continue;
     if (!verdict.rest.empty()) verdict.rest += ", ";

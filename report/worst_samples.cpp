@@ -26,8 +26,7 @@ std::vector<const SampleRow*> WorstSamples::rows() const {
 
 std::uint64_t WorstSamples::leftOut() const {
   std::uint64_t all = 0;
-  for (int number = 0; number < sampleStateCount; ++number) {
-    const auto state = static_cast<SampleState>(number);
+  for (const SampleState state : sampleStates) {
     if (state != SampleState::converted) all += counts_.of(state);
   }
   return all - rows().size();

@@ -27,7 +27,7 @@ class WorstSamples {
  private:
   std::size_t most_;
   StateCounts counts_;
-  std::array<std::vector<SampleRow>, sampleStateCount> rows_;  // by state
+  std::array<std::vector<SampleRow>, sampleStates.size()> rows_;  // by state
 };
 
 }  // namespace Quillet

@@ -32,7 +32,7 @@ function unpackedPicture(bytes, row) {
   const take = (count) => bytes.subarray(offset, (offset += count));
   const takeText = (count) => new TextDecoder("latin1").decode(take(count));
   const takeLevels = () => {
-    let [a, b, c] = [0, 0, 0]; // the last levels
+    let [a, b, c] = [0, 0, 0]; // the last level first
     return take(kept).map((difference) => {
       const expected = Math.min(Math.max((4 * a - 3 * b + c) >> 1, 0), 255);
       c = b;

@@ -180,9 +180,7 @@ TEST(SampleVerdict, ThePolyIsNotLookedAtWithoutAPhd) {
 
 TEST(SampleVerdict, StatesHaveTheirNames) {
   std::string names;
-  for (int state = 0; state < Quillet::sampleStateCount; ++state) {
-    names += std::string(textOf(static_cast<State>(state))) + ' ';
-  }
+  for (const State state : Quillet::sampleStates) names += std::string(textOf(state)) + ' ';
 
   EXPECT_EQ(names, "differs borrowed cut no-poly orphan invalid refused hidden waiting converted ");
 }

@@ -70,11 +70,10 @@ TEST(FastqReads, PutUnderscoresForBlanksAndControlCharactersInTheId) {
 }
 
 TEST(FastqReads, AreThereWhateverTheResultIs) {
-  for (int number = 0; number < Quillet::sampleStateCount; ++number) {
-    const auto state = static_cast<SampleState>(number);
+  for (const SampleState state : Quillet::sampleStates) {
     EXPECT_EQ(readOf(rowOf("s", state), contentOf("A", {10})).has_value(),
               state != SampleState::hidden)
-        << number;
+        << textOf(state);
   }
 }
 

@@ -68,7 +68,7 @@ TEST(PageRows, NameTheStatesWorstFirst) {
   for (std::size_t i = 0; i < names.size(); ++i) {
     const auto state = static_cast<Quillet::SampleState>(i);
     EXPECT_EQ(states[i], Json({{"name", names[i]},
-                               {"severity", Quillet::severityOf(state)},
+                               {"severity", textOf(Quillet::severityOf(state))},
                                {"text", Quillet::adviceOf(state)}}));
   }
 }

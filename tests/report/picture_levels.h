@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-/// The levels of a picture's channel, of the bytes that stand for them.
+/// The levels of one channel of a picture, from its bytes.
 inline std::vector<int> levelsOf(const std::vector<int>& bytes) {
   std::vector<int> levels(3);  // what is expected of the first is 0
   for (std::size_t i = 0; i < bytes.size(); ++i) {

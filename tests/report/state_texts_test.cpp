@@ -51,22 +51,22 @@ TEST(StateTexts, TellHowBadAStateIs) {
                {SampleState::noPoly, "missing"},    {SampleState::invalid, "missing"},
                {SampleState::refused, "missing"},   {SampleState::hidden, "waiting"},
                {SampleState::waiting, "waiting"},   {SampleState::converted, "whole"}};
-  static_assert(std::size(cases) == Quillet::sampleStateCount);
+  static_assert(std::size(cases) == Quillet::sampleStates.size());
   for (const auto& row : cases) {
-    EXPECT_STREQ(Quillet::severityOf(row.state), row.severity) << textOf(row.state);
+    EXPECT_STREQ(textOf(Quillet::severityOf(row.state)), row.severity) << textOf(row.state);
   }
 }
 
 TEST(StateTexts, SayOfEachStateSomethingElse) {
   std::set<std::string> texts;
-  for (int number = 0; number < Quillet::sampleStateCount; ++number) {
-    const std::string text = Quillet::adviceOf(static_cast<SampleState>(number));
+  for (const SampleState state : Quillet::sampleStates) {
+    const std::string text = Quillet::adviceOf(state);
     EXPECT_GT(text.size(), 50U) << text;
     EXPECT_NE(text.find(". "), std::string::npos) << text;  // what happened, what to do
     EXPECT_TRUE(text.ends_with('.') || text.ends_with('?')) << text;
     texts.insert(text);
   }
-  EXPECT_EQ(texts.size(), std::size_t{Quillet::sampleStateCount});
+  EXPECT_EQ(texts.size(), Quillet::sampleStates.size());
 }
 
 // The first words that say what happened, and the words that say what to do.
@@ -101,7 +101,7 @@ TEST(StateTexts, SayWhatTheDocumentsSay) {
        "Run quillet. If it stays, look at the disk and at the rights of the folders."},
       {SampleState::converted, "Both results are what the trace gives. That says nothing of ",
        "quality: "}};
-  static_assert(std::size(cases) == Quillet::sampleStateCount);
+  static_assert(std::size(cases) == Quillet::sampleStates.size());
   for (const auto& row : cases) {
     const std::string text = Quillet::adviceOf(row.state);
     const std::string documented = documentedText(row.state);
