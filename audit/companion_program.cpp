@@ -7,6 +7,8 @@
 #include <map>
 #include <unistd.h>
 
+#include "app/flags.h"
+#include "app/resource_file.h"
 #include "foundation/directory.h"
 
 namespace Quillet {
@@ -53,10 +55,20 @@ std::vector<std::string> withUsualFlags(std::vector<std::string> words,
   return words;
 }
 
-int runCompanion(const std::string& program, const std::function<int()>& body) {
+Settings settingsOfRun(const std::vector<std::string>& projectFlags) {
+  Settings settings;
+  readResourceFileSilently(settings);
+  applyFlags(settings, projectFlags, "COMMAND LINE");
+  return settings;
+}
+
+int runCompanion(const std::string& program, int argc, const char* const* argv,
+                 const std::function<int(const std::vector<std::string>& words)>& body) {
   fillStandardStreams();
   try {
-    return body();
+    std::vector<std::string> words;
+    if (argc > 1) words.assign(argv + 1, argv + argc);
+    return body(words);
   } catch (const UsageError& error) {
     return complain(program, error.what() + ("\nTry `" + program + " --help'."));
   } catch (const std::exception& exception) {

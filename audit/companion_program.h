@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "app/settings.h"
+
 // What every companion program does around its own work.
 namespace Quillet {
 
@@ -24,9 +26,14 @@ enum class FlagKind { unknown, alone, withValue };
 std::vector<std::string> withUsualFlags(std::vector<std::string> words,
                                         const std::function<FlagKind(const std::string&)>& kindOf);
 
-/// One run of a program: its exit status is that of `body`. What `body` throws becomes a message,
-/// after the program's name, and status 1. A standard stream that is closed gets a descriptor that
-/// fails first, so that no file takes its number.
-int runCompanion(const std::string& program, const std::function<int()>& body);
+/// The settings that the converter would have here with these flags, which it takes. Throws what
+/// reading its resource file and its flags throw.
+Settings settingsOfRun(const std::vector<std::string>& projectFlags);
+
+/// One run of a program: its exit status is that of `body`, which gets the words after the
+/// program's own name. What it throws becomes a message, after `program`, and status 1. A standard
+/// stream that is closed gets a descriptor that fails first, so that no file takes its number.
+int runCompanion(const std::string& program, int argc, const char* const* argv,
+                 const std::function<int(const std::vector<std::string>& words)>& body);
 
 }  // namespace Quillet

@@ -10,7 +10,7 @@ namespace Quillet {
 
 namespace {
 
-/// Calls until no signal has come between.
+/// Repeats the call while a signal interrupts it.
 template <typename Call>
 ssize_t uninterrupted(Call call) {
   ssize_t result = 0;
@@ -55,10 +55,16 @@ bool writeAll(int descriptor, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t count =
         uninterrupted([&] { return ::write(descriptor, bytes.data(), bytes.size()); });
-    if (count < 0) return false;
+    if (count == 0) errno = EIO;
+    if (count <= 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
   return true;
+}
+
+std::string temporaryFolder() {
+  const char* const chosen = std::getenv("TMPDIR");
+  return chosen != nullptr && *chosen != '\0' ? chosen : "/tmp";
 }
 
 int openUnnamedFile(const std::string& folder) {

@@ -20,8 +20,8 @@ namespace Quillet {
 
 /// What the converter gives for a project of one trace alone.
 ///
-/// Borrows the sample's name, the content, which is left as it is, and the storage of the peaks,
-/// whose results are those of this trace from then on.
+/// Borrows the sample's name, the content, which is left as it is, and the storage of the peaks.
+/// That of a trace with calls holds its peaks from then on.
 class ExpectedResult {
  public:
   ExpectedResult(const Tessaly::String& sample, const TraceContent& content, PolyPeaks& peaks);

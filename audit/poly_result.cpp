@@ -37,9 +37,9 @@ unsigned char isSeparator(char character) {
   return static_cast<unsigned char>((character == ' ') | (character == '\n'));
 }
 
-/// The number of blanks in the first bytes of a text, which is at most 255 of them. Where the text
-/// goes on for long enough, all of a window is looked at, whatever the length: the compiler makes a
-/// few wide steps of that, and none that depends on the length.
+/// The number of blanks in the first `length` bytes of a text. Up to 64, a window of 64 is looked
+/// at if the text is that long: the compiler makes a few vector steps of a loop of fixed length, so
+/// a .poly takes half the time.
 unsigned char blanksIn(std::string_view text, unsigned char length) {
   constexpr unsigned char window = 64;
   unsigned char count = 0;

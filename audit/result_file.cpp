@@ -4,9 +4,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
-
-#include "audit/descriptor.h"
 
 namespace Quillet {
 
@@ -17,29 +14,21 @@ constexpr std::int64_t longestResult = 1LL << 28;  // bytes; ten times that of f
 
 }  // namespace
 
-ResultFile::ResultFile(const std::string& path) {
-  // A pipe does not keep this waiting, and a terminal does not become the program's own.
-  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+// A pipe does not keep this waiting, and a terminal does not become the program's own.
+ResultFile::ResultFile(const std::string& path)
+    : descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
   struct stat status;
-  if (descriptor < 0) {
-    exists_ = stat(path.c_str(), &status) == 0;
-    return;
+  exists_ = descriptor_.isOpen() || stat(path.c_str(), &status) == 0;
+  if (!descriptor_.isOpen()) return;
+  if (fstat(descriptor_.number(), &status) == 0 && S_ISREG(status.st_mode)) {
+    size_ = status.st_size;
+  } else {
+    descriptor_.close();
   }
-  exists_ = true;
-  if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
-    ::close(descriptor);
-    return;
-  }
-  descriptor_ = descriptor;
-  size_ = status.st_size;
-}
-
-ResultFile::~ResultFile() {
-  if (descriptor_ >= 0) ::close(descriptor_);
 }
 
 bool ResultFile::refill() {
-  if (descriptor_ < 0) return false;
+  if (!descriptor_.isOpen()) return false;
   if (buffer_ == nullptr) {
     capacity_ = static_cast<std::size_t>(std::clamp<std::int64_t>(size_, 1, largestBuffer));
     buffer_ = std::make_unique_for_overwrite<char[]>(capacity_);
@@ -48,7 +37,7 @@ bool ResultFile::refill() {
   cursor_ = end_ = 0;
   // The size is trusted: it saves the read that would find the end of every file.
   if (bufferOffset_ >= size_) return false;
-  const ssize_t got = readSomeAt(descriptor_, buffer_.get(), capacity_, bufferOffset_);
+  const ssize_t got = readSomeAt(descriptor_.number(), buffer_.get(), capacity_, bufferOffset_);
   if (got > 0) end_ = static_cast<std::size_t>(got);
   return got > 0;
 }
@@ -88,11 +77,11 @@ bool ResultFile::moveToLineFeed() {
 bool ResultFile::isAtEnd() { return cursor_ == end_ && !refill(); }
 
 std::optional<std::string> ResultFile::textFrom(std::int64_t offset) const {
-  if (descriptor_ < 0 || size_ - offset > longestResult) return std::nullopt;
+  if (!descriptor_.isOpen() || size_ - offset > longestResult) return std::nullopt;
   std::string text(static_cast<std::size_t>(std::max<std::int64_t>(size_ - offset, 0)), '\0');
   std::size_t held = 0;
   while (held < text.size()) {
-    const ssize_t got = readSomeAt(descriptor_, text.data() + held, text.size() - held,
+    const ssize_t got = readSomeAt(descriptor_.number(), text.data() + held, text.size() - held,
                                    offset + static_cast<std::int64_t>(held));
     if (got < 0) return std::nullopt;
     if (got == 0) break;

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "audit/descriptor.h"
+
 namespace Quillet {
 
 /// A result file that is compared from its start to its end, a piece at a time: of an ordinary one
@@ -17,13 +19,10 @@ class ResultFile {
  public:
   /// Opens the file unless it is something else than a regular one.
   explicit ResultFile(const std::string& path);
-  ~ResultFile();
-  ResultFile(const ResultFile&) = delete;
-  ResultFile& operator=(const ResultFile&) = delete;
 
-  /// Whether there is an entry of any kind.
+  /// Whether something is there. Links are followed, as the converter does.
   bool exists() const { return exists_; }
-  bool isReadable() const { return descriptor_ >= 0; }
+  bool isReadable() const { return descriptor_.isOpen(); }
 
   std::int64_t position() const { return bufferOffset_ + static_cast<std::int64_t>(cursor_); }
   /// Passes over the next bytes as far as they equal the given ones; the number of those that do.
@@ -38,7 +37,7 @@ class ResultFile {
  private:
   bool refill();
 
-  int descriptor_ = -1;
+  Descriptor descriptor_;
   bool exists_ = false;
   std::int64_t size_ = 0;
   std::unique_ptr<char[]> buffer_;

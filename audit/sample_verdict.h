@@ -18,8 +18,8 @@ struct TraceFinding {
   std::int32_t qualityCount = 0;                 // up to the first stored 0
 };
 
-/// What decides, of a sample's result files. "Right" is what the trace alone gives; nothing is
-/// right where it gives nothing.
+/// What decides, of a sample's result files. "Right" is what the trace alone gives. No .phd.1 is
+/// right where the gate refuses the trace; a .poly can be.
 struct ResultFinding {
   bool hasPhd = false;
   bool phdIsWhole = false;  // true for a right one as well, here and below

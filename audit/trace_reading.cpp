@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "audit/descriptor.h"
 #include "audit/instrument_notes.h"
 #include "audit/unpacked_file.h"
 #include "foundation/directory.h"
@@ -25,10 +26,8 @@ const char* faultOfFile(const std::string& path) {
     return isMissing ? "no such file" : "not readable";
   }
   if (!S_ISREG(status.st_mode)) return "not a file";
-  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (descriptor < 0) return "not readable";
-  ::close(descriptor);
-  return nullptr;
+  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  return file.isOpen() ? nullptr : "not readable";
 }
 
 const char* textOf(TraceFault fault) {

@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
@@ -28,14 +27,6 @@ constexpr std::int64_t memoryLimit = 64LL << 20;  // bytes; longer content goes 
 
 [[noreturn]] void fail(const char* what) {
   throw std::runtime_error(std::string(what) + ": " + std::strerror(errno));
-}
-
-/// A new file without a name in $TMPDIR or /tmp.
-int openTemporaryFile() {
-  const char* chosen = std::getenv("TMPDIR");
-  const int descriptor = openUnnamedFile(chosen != nullptr && *chosen != '\0' ? chosen : "/tmp");
-  if (descriptor < 0) fail("can not make a temporary file");
-  return descriptor;
 }
 
 /// Takes the unpacked bytes: in memory as long as there are few.
@@ -66,7 +57,8 @@ class Content {
  private:
   void moveToFile() {
     const Descriptor memory(descriptor_.release());
-    descriptor_.reset(openTemporaryFile());
+    descriptor_.reset(openUnnamedFile(temporaryFolder()));
+    if (!descriptor_.isOpen()) fail("can not make a temporary file");
     for (off_t offset = 0; offset < size_;) {
       const auto rest = static_cast<std::size_t>(size_ - offset);
       if (::sendfile(descriptor_.number(), memory.number(), &offset, rest) <= 0) {
@@ -160,7 +152,7 @@ UnpackedFile::UnpackedFile(const std::string& path) {
   if (file.isOpen() && ::fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode)) {
     constexpr unsigned char magic[] = {0x1F, 0x8B};
     unsigned char start[sizeof magic] = {};
-    isGzip_ = ::pread(file.number(), start, sizeof start, 0) == sizeof start &&
+    isGzip_ = readSomeAt(file.number(), start, sizeof start, 0) == sizeof start &&
               std::memcmp(start, magic, sizeof magic) == 0;
 
     const auto keep = [&content](const unsigned char* bytes, std::size_t count) {
@@ -173,12 +165,8 @@ UnpackedFile::UnpackedFile(const std::string& path) {
       passThroughGunzip(file.number(), content);
     }
   }
-  descriptor_ = content.release();
-  path_ = "/proc/self/fd/" + std::to_string(descriptor_);
-}
-
-UnpackedFile::~UnpackedFile() {
-  if (descriptor_ >= 0) ::close(descriptor_);
+  descriptor_.reset(content.release());
+  path_ = "/proc/self/fd/" + std::to_string(descriptor_.number());
 }
 
 }  // namespace Quillet

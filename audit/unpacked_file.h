@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "audit/descriptor.h"
+
 namespace Quillet {
 
 /// The unpacked content of a gzipped file, in memory or in an unnamed file; gone with the object.
@@ -14,9 +16,6 @@ class UnpackedFile {
   /// Unpacks the file at `path`. Throws std::runtime_error when there is no room for the content or
   /// gunzip can not be started; a file that can not be opened is empty and not intact.
   explicit UnpackedFile(const std::string& path);
-  ~UnpackedFile();
-  UnpackedFile(const UnpackedFile&) = delete;
-  UnpackedFile& operator=(const UnpackedFile&) = delete;
 
   /// A name under which this process can open the content: "/proc/self/fd/N".
   const std::string& path() const { return path_; }
@@ -26,7 +25,7 @@ class UnpackedFile {
   bool isGzip() const { return isGzip_; }
 
  private:
-  int descriptor_ = -1;
+  Descriptor descriptor_;
   std::string path_;
   bool isIntact_ = false;
   bool isGzip_ = false;

@@ -1,7 +1,6 @@
 #include "report/report_outputs.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <optional>
@@ -9,6 +8,7 @@
 #include <vector>
 
 #include "audit/companion_program.h"
+#include "audit/descriptor.h"
 #include "report/fastq_reads.h"
 #include "report/json_table.h"
 #include "report/tsv_table.h"
@@ -30,8 +30,7 @@ bool usesStandardOutput(const CommandLine& line) {
 /// Where the bytes wait that a page will hold: beside the page, or else where temporary files lie.
 std::string spoolFolder(const OutputFile& page) {
   if (!page.target().empty()) return fs::path(page.target()).parent_path().string();
-  const char* const chosen = std::getenv("TMPDIR");
-  return chosen != nullptr && *chosen != '\0' ? chosen : "/tmp";
+  return temporaryFolder();
 }
 
 }  // namespace

@@ -4,9 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app/flags.h"
 #include "app/project.h"
-#include "app/resource_file.h"
 #include "app/settings.h"
 #include "audit/companion_program.h"
 #include "audit/project_audit.h"
@@ -42,9 +40,7 @@ ProjectAudit begunAudit(const Settings& settings, const Project& project, double
 }
 
 int report(const CommandLine& line) {
-  Settings settings;
-  readResourceFileSilently(settings);
-  applyFlags(settings, line.projectFlags, "COMMAND LINE");
+  const Settings settings = settingsOfRun(line.projectFlags);
   Project project(settings);
   project.prepare(ProjectUse::read);
 
@@ -63,9 +59,7 @@ int report(const CommandLine& line) {
 
 int runReport(int argc, const char* const* argv) {
   removeBegunFilesOnSignals();
-  return runCompanion("quillet-report", [&] {
-    std::vector<std::string> words;
-    if (argc > 1) words.assign(argv + 1, argv + argc);
+  return runCompanion("quillet-report", argc, argv, [](const std::vector<std::string>& words) {
     const CommandLine line = readCommandLine(words);
     return line.answer ? answer(*line.answer) : report(line);
   });

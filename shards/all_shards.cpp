@@ -16,7 +16,7 @@ constexpr std::size_t mostNames = 2000;         // of a shard
 constexpr std::size_t shardsOfEachProcess = 4;  // at least
 
 /// Runs all shards, at most `processCount` at a time.
-void runShards(const LaidPlan& plan, std::size_t processCount) {
+void runAll(const LaidPlan& plan, std::size_t processCount) {
   const auto& counts = plan.nameCounts;
   TerminalMeter meter(std::accumulate(counts.begin(), counts.end(), std::size_t{0}));
   ChildRuns children;
@@ -47,7 +47,7 @@ int runAllShards(const PlanOptions& options, std::size_t processCount) {
     return sizeForProcesses(nameCount, processCount);
   });
   if (plan.shards.empty()) return 0;
-  runShards(plan, processCount);
+  runAll(plan, processCount);
   return joinShards(options.projectFlags);
 }
 

@@ -22,13 +22,6 @@ namespace {
 constexpr const char* programName = "quillet-shards: ";
 constexpr const char* resultFolders[] = {"/phd_dir", "/poly_dir"};
 
-void writeNewFile(const std::string& path, const std::string& bytes, bool toDisk = false) {
-  NewFile file(path);
-  file.write(bytes);
-  if (toDisk) file.sync();
-  file.finish();
-}
-
 /// A text for the end of a message: without the line feeds at its own end.
 std::string trimmed(std::string text) {
   text.erase(text.find_last_not_of('\n') + 1);
@@ -47,7 +40,9 @@ Attempt::Attempt(const ShardFolder& shard, const ShardContents& contents, const 
 
 std::string Attempt::convert(bool keepGzip) {
   makeProject(keepGzip);
-  std::string messages = composed(runOverAll());
+  const std::vector<NameMessages> said = runOverAll();
+  checkBrought(shard_, contents_, at("chromat_dir"));
+  std::string messages = composed(said);
   makeResult(messages);
   return messages;
 }
@@ -100,9 +95,9 @@ std::vector<NameMessages> Attempt::runOverAll() const {
 /// nor a result.
 std::string Attempt::composed(const std::vector<NameMessages>& said) const {
   std::string messages;
-  std::vector<std::string> samples;  // that should have results, in order
-  samples.reserve(traces_.size());   // they stay where they are
-  std::unordered_set<std::string_view> converted;
+  std::vector<std::string> samples;                // that should have results, in order
+  samples.reserve(traces_.size());                 // the views stay good
+  std::unordered_set<std::string_view> converted;  // views of these
   auto next = said.begin();
   for (const AttemptTrace& trace : traces_) {
     if (trace.isLeftOut) {
@@ -116,6 +111,7 @@ std::string Attempt::composed(const std::vector<NameMessages>& said) const {
     if (!isPassedOver) messages += trace.complaints;
     messages += name.text;
     if (name.hasMessage) {
+      signals_.check();
       if (!trace.link.empty()) checkIsThere(trace);
     } else if (isTooLongForResult(sample)) {
       messages +=

@@ -30,7 +30,7 @@ std::string pathOf(const AttemptPlace& place, const char* state) {
   return place.folder + '/' + place.prefix + state;
 }
 
-// Between the first two states lie moments.
+// An attempt gets its second name at once; one that is still begun after this time was killed.
 constexpr std::chrono::hours longestBegun(1);
 
 std::string lockOf(const std::string& attempt) { return attempt + "/lock"; }
@@ -66,12 +66,10 @@ bool isGivenUp(const std::string& attempt) {
 /// Whether no process uses the attempt: its lock can be had, or is gone already.
 bool isUnused(const std::string& attempt) {
   if (!statusOf(attempt)) return false;
-  const int lock =
-      ::open(lockOf(attempt).c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
-  if (lock < 0) return errno == ENOENT;
-  const bool had = ::flock(lock, LOCK_EX | LOCK_NB) == 0;
-  ::close(lock);
-  return had;
+  const Descriptor lock(
+      ::open(lockOf(attempt).c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
+  if (!lock.isOpen()) return errno == ENOENT;
+  return ::flock(lock.number(), LOCK_EX | LOCK_NB) == 0;
 }
 
 }  // namespace
@@ -81,23 +79,20 @@ AttemptFolder::AttemptFolder(const AttemptPlace& place) {
   if (::mkdtemp(made.data()) == nullptr) throwSystemError("can not make", made);
   giveUsualPermissions(made);
   path_ = pathOf(place, used) + made.substr(made.size() - endSize);
-  lock_ = ::open(lockOf(made).c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  if (lock_ >= 0) {
+  lock_.reset(::open(lockOf(made).c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+  if (lock_.isOpen()) {
     // Where the file system has no locks, no other process can lock it either.
-    ::flock(lock_, LOCK_EX | LOCK_NB);
+    ::flock(lock_.number(), LOCK_EX | LOCK_NB);
     if (std::rename(made.c_str(), path_.c_str()) == 0) return;
   }
   const int error = errno;
-  if (lock_ >= 0) ::close(lock_);
   removeTree(made);
   errno = error;
   throwSystemError("can not make", path_);
 }
 
-AttemptFolder::~AttemptFolder() {
-  removeTree(path_);
-  ::close(lock_);
-}
+// The lock goes last.
+AttemptFolder::~AttemptFolder() { removeTree(path_); }
 
 std::string AttemptFolder::nameOnceGone() const {
   return gone + path_.substr(path_.size() - endSize);

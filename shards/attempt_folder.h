@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "audit/descriptor.h"
+
 namespace Quillet {
 
 /// Where attempts lie.
@@ -24,12 +26,12 @@ class AttemptFolder {
   AttemptFolder& operator=(const AttemptFolder&) = delete;
 
   const std::string& path() const { return path_; }
-  /// A name that no other attempt uses, of what can be removed.
+  /// The name gone-*, under which this attempt can put aside what is to be removed.
   std::string nameOnceGone() const;
 
  private:
   std::string path_;
-  int lock_ = -1;
+  Descriptor lock_;
 };
 
 /// Removes the attempts that no process uses any longer. Those of other users stay, and so do those

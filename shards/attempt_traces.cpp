@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
-#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 #include <unordered_map>
 
@@ -135,14 +135,20 @@ std::vector<AttemptTrace> bringOneByOne(const ShardFolder& shard, const ShardCon
 }
 
 /// Whether the converter can be given the shard's own folder of links: it needs all of them as they
-/// are, and there is nothing else in it.
+/// are, and the folder holds as many links and nothing else.
 bool servesAsItIs(const ShardFolder& shard, const ShardContents& contents) {
   const std::vector<std::string>& names = contents.names;
   if (contents.settings.listed || std::any_of(names.begin(), names.end(), isPackedName)) {
     return false;
   }
-  const auto entryCount = std::distance(fs::directory_iterator(shard.chromats()), {});
-  return static_cast<std::size_t>(entryCount) == names.size();
+  std::size_t linkCount = 0;
+  std::error_code error;
+  for (fs::directory_iterator entry(shard.chromats(), error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (!entry->is_symlink(error)) return false;
+    ++linkCount;
+  }
+  return !error && linkCount == names.size();
 }
 
 /// A link made and removed for each trace would take a tenth of the time of its conversion.
@@ -150,7 +156,7 @@ std::vector<AttemptTrace> bringAllAtOnce(const ShardFolder& shard, const ShardCo
                                          const std::string& attemptPath,
                                          const StopSignals& signals) {
   if (::symlink(shard.chromats().c_str(), attemptPath.c_str()) != 0) {
-    throwSystemError("can not make", attemptPath);
+    throwSystemError("can not make", escaped(attemptPath));
   }
   std::vector<AttemptTrace> traces;
   traces.reserve(contents.names.size());
@@ -182,6 +188,13 @@ std::vector<AttemptTrace> bringTraces(const ShardFolder& shard, const ShardConte
   return servesAsItIs(shard, contents)
              ? bringAllAtOnce(shard, contents, attemptPath, signals)
              : bringOneByOne(shard, contents, attemptPath, keepGzip, signals);
+}
+
+void checkBrought(const ShardFolder& shard, const ShardContents& contents,
+                  const std::string& attemptPath) {
+  std::error_code error;
+  if (!fs::is_symlink(attemptPath, error) || servesAsItIs(shard, contents)) return;
+  throw std::runtime_error("there are other files than before in " + escaped(shard.chromats()));
 }
 
 }  // namespace Quillet

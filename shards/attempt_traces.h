@@ -18,12 +18,17 @@ struct AttemptTrace {
 };
 
 /// Makes the attempt's folder of traces, `attemptPath`: links, and unpacked files in place of .gz
-/// unless they stay packed. Where nothing is packed and there is no list, it is one link to the
-/// shard's own. One entry for each name of the shard. Throws std::runtime_error, also when a trace
-/// has gone since the plan, and Stopped.
+/// unless they stay packed. Where nothing is packed, there is no list and nothing else lies in the
+/// shard's own folder, it is one link to that. One entry for each name of the shard. Throws
+/// std::runtime_error, also when a trace has gone since the plan, and Stopped.
 std::vector<AttemptTrace> bringTraces(const ShardFolder& shard, const ShardContents& contents,
                                       const std::string& attemptPath, bool keepGzip,
                                       const StopSignals& signals);
+
+/// Throws std::runtime_error when the shard's own folder was given and holds other files by now:
+/// the converter may have taken one of them for a trace.
+void checkBrought(const ShardFolder& shard, const ShardContents& contents,
+                  const std::string& attemptPath);
 
 /// Throws std::runtime_error when the trace has gone since the plan.
 void checkIsThere(const AttemptTrace& trace);

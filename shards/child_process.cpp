@@ -10,7 +10,6 @@
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <utility>
 
 extern char** environ;  // NOLINT(readability-redundant-declaration): not every libc declares it
 
@@ -22,23 +21,16 @@ namespace {
   throw std::runtime_error(what + ": " + std::strerror(error));
 }
 
-/// Both ends of a pipe; those that are not released are closed.
 struct Pipe {
   Pipe() {
+    int ends[2];
     if (::pipe2(ends, O_CLOEXEC) != 0) fail("can not make a pipe", errno);
+    toRead.reset(ends[0]);
+    toWrite.reset(ends[1]);
   }
-  ~Pipe() {
-    for (const int end : ends) {
-      if (end >= 0) ::close(end);
-    }
-  }
-  Pipe(const Pipe&) = delete;
-  Pipe& operator=(const Pipe&) = delete;
 
-  int release(int index) { return std::exchange(ends[index], -1); }
-  void close(int index) { ::close(release(index)); }
-
-  int ends[2] = {-1, -1};  // to read from, to write to
+  Descriptor toRead;
+  Descriptor toWrite;
 };
 
 std::vector<char*> pointersTo(std::vector<std::string>& texts) {
@@ -101,24 +93,20 @@ ChildProcess::ChildProcess(const Command& command, const StopSignals& signals, i
   if (id_ == 0) {
     forgetHandlers();
     signals.restore();
-    becomeProgram(command, words.data(), environment.data(), parent, output.ends[1],
-                  errors < 0 ? output.ends[1] : errors);
+    becomeProgram(command, words.data(), environment.data(), parent, output.toWrite.number(),
+                  errors < 0 ? output.toWrite.number() : errors);
     const int error = errno;
-    [[maybe_unused]] const ssize_t told = ::write(problem.ends[1], &error, sizeof error);
+    [[maybe_unused]] const ssize_t told = ::write(problem.toWrite.number(), &error, sizeof error);
     ::_exit(127);
   }
   ::setpgid(id_, id_);  // here too: it must hold before the first kill
-  output.close(1);
-  problem.close(1);
-  output_ = output.release(0);
+  output.toWrite.close();
+  problem.toWrite.close();
+  output_.reset(output.toRead.release());
 
   int error = 0;
-  ssize_t got = 0;
-  do {
-    got = ::read(problem.ends[0], &error, sizeof error);
-  } while (got < 0 && errno == EINTR);
+  const ssize_t got = Quillet::readSome(problem.toRead.number(), &error, sizeof error);
   if (got == sizeof error) {
-    ::close(output_);
     int status = 0;
     reap(status);
     fail("can not start " + command.words[0], error);
@@ -126,7 +114,7 @@ ChildProcess::ChildProcess(const Command& command, const StopSignals& signals, i
 }
 
 ChildProcess::~ChildProcess() {
-  ::close(output_);
+  output_.close();
   if (id_ == 0) return;
   ::kill(-id_, SIGKILL);
   int status = 0;
@@ -135,13 +123,12 @@ ChildProcess::~ChildProcess() {
 
 bool ChildProcess::readSome(std::string& bytes) {
   for (;;) {
-    pollfd waited[] = {{output_, POLLIN, 0}, {signals_.descriptor(), POLLIN, 0}};
+    pollfd waited[] = {{output_.number(), POLLIN, 0}, {signals_.descriptor(), POLLIN, 0}};
     if (::poll(waited, 2, -1) < 0 && errno != EINTR) fail("can not wait for output", errno);
     signals_.check();
     if (waited[0].revents == 0) continue;
     char buffer[1 << 16];
-    const ssize_t got = ::read(output_, buffer, sizeof buffer);
-    if (got < 0 && errno == EINTR) continue;
+    const ssize_t got = Quillet::readSome(output_.number(), buffer, sizeof buffer);
     if (got < 0) fail("can not read output", errno);
     bytes.append(buffer, static_cast<std::size_t>(got));
     return got > 0;

@@ -4,6 +4,7 @@
 #include <sys/types.h>
 #include <vector>
 
+#include "audit/descriptor.h"
 #include "shards/stop_signals.h"
 
 namespace Quillet {
@@ -36,7 +37,7 @@ class ChildProcess {
   bool reap(int& status);
 
   const StopSignals& signals_;
-  int output_ = -1;
+  Descriptor output_;
   pid_t id_ = 0;  // 0 once it has been waited for
 };
 

@@ -11,8 +11,8 @@
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
-#include "audit/descriptor.h"
 #include "audit/escaped_text.h"
 
 namespace Quillet {
@@ -46,26 +46,20 @@ ChildRuns::~ChildRuns() {
   for (const auto& [id, child] : children_) {
     kill(id, SIGTERM);
     waitpid(id, nullptr, 0);
-    close(child.output);
   }
 }
 
 void ChildRuns::start(std::size_t shard, const std::string& folder) {
-  const int output = memfd_create("quillet", MFD_CLOEXEC);
-  if (output < 0) fail("can not make a file in memory");
+  Descriptor output(memfd_create("quillet", MFD_CLOEXEC));
+  if (!output.isOpen()) fail("can not make a file in memory");
   // Both streams go through one description, so that they do not write over each other.
   std::array<std::string, 3> words{"quillet-shards", "run", folder};
   char* const arguments[] = {words[0].data(), words[1].data(), words[2].data(), nullptr};
   const pid_t parent = getpid();
   const pid_t id = fork();
-  if (id == 0) becomeRun(parent, output, arguments);
-  if (id < 0) {
-    const int error = errno;
-    close(output);
-    errno = error;
-    fail("can not start a process");
-  }
-  children_.emplace(id, Child{shard, output, folder});
+  if (id == 0) becomeRun(parent, output.number(), arguments);
+  if (id < 0) fail("can not start a process");
+  children_.emplace(id, Child{shard, std::move(output), folder});
 }
 
 EndedRun ChildRuns::wait() {
@@ -78,13 +72,12 @@ EndedRun ChildRuns::wait() {
 
     EndedRun ended{.shard = child->second.shard,
                    .isDone = WIFEXITED(status) && WEXITSTATUS(status) == 0,
-                   .messages = contentOf(child->second.output)};
+                   .messages = contentOf(child->second.output.number())};
     if (WIFSIGNALED(status)) {
       ended.messages += "quillet-shards: the run of ";
       appendEscaped(ended.messages, child->second.folder, true);
       ended.messages += " was ended by signal " + std::to_string(WTERMSIG(status)) + '\n';
     }
-    close(child->second.output);
     children_.erase(child);
     return ended;
   }

@@ -5,6 +5,8 @@
 #include <string>
 #include <sys/types.h>
 
+#include "audit/descriptor.h"
+
 namespace Quillet {
 
 /// A child process that has ended.
@@ -33,7 +35,7 @@ class ChildRuns {
  private:
   struct Child {
     std::size_t shard;
-    int output;  // a file in memory
+    Descriptor output;  // a file in memory
     std::string folder;
   };
   std::map<pid_t, Child> children_;

@@ -3,12 +3,10 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <stdexcept>
-#include <string_view>
 #include <sys/stat.h>
 #include <system_error>
 #include <thread>
@@ -26,31 +24,16 @@ int openFile(const std::string& path, int flags) {
   return open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, 0666);
 }
 
-/// Copies the bytes to the disk; false, with errno set, when that fails.
-bool copyBytes(int from, Descriptor& to) {
-  std::array<char, chunkSize> buffer;
-  for (;;) {
-    const ssize_t count = readSome(from, buffer.data(), buffer.size());
-    if (count < 0) return false;
-    if (count == 0) break;
-    if (!writeAll(to.number(), {buffer.data(), static_cast<std::size_t>(count)})) return false;
-  }
-  return fsync(to.number()) == 0 && to.close();
-}
-
-void copyFile(const std::string& from, const std::string& to) {
-  const Descriptor source(openFile(from, O_RDONLY));
-  if (!source.isOpen()) throwSystemError("can not read", from);
-  Descriptor target(openFile(to, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW));
-  if (!target.isOpen()) throwSystemError("can not write", to);
-  if (!copyBytes(source.number(), target)) throwSystemError("can not write", to);
-}
-
 }  // namespace
 
 void throwSystemError(const std::string& what, const std::string& path) {
   const int error = errno;
   throw std::runtime_error(what + ' ' + path + ": " + std::strerror(error));
+}
+
+std::string absolutePath(const std::string& path) {
+  if (path.starts_with('/')) return path;
+  return std::filesystem::current_path().string() + '/' + path;
 }
 
 std::string readWholeFile(const std::string& path) {
@@ -66,27 +49,8 @@ std::string readWholeFile(const std::string& path) {
   }
 }
 
-void writeWholeFile(const std::string& path, const std::string& bytes) {
-  Descriptor file(openFile(path, O_WRONLY | O_CREAT | O_TRUNC));
-  if (!file.isOpen() || !writeAll(file.number(), bytes) || !file.close()) {
-    throwSystemError("can not write", path);
-  }
-}
-
 void makeFolder(const std::string& path) {
   if (mkdir(path.c_str(), 0777) != 0) throwSystemError("can not make", path);
-}
-
-void moveFile(const std::string& from, const std::string& to, const std::string& hidden) {
-  if (std::rename(from.c_str(), to.c_str()) == 0) return;
-  if (errno != EXDEV) throwSystemError("can not write", to);
-  try {
-    copyFile(from, hidden);
-    if (std::rename(hidden.c_str(), to.c_str()) != 0) throwSystemError("can not write", to);
-  } catch (...) {
-    unlink(hidden.c_str());
-    throw;
-  }
 }
 
 void syncFolder(const std::string& path) {

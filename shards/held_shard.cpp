@@ -23,17 +23,17 @@ constexpr const char* messagesEnd = "/messages";
 HeldShard::HeldShard(const ShardFolder& folder)
     : folder_(folder),
       descriptor_(::open(folder.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-  if (descriptor_ < 0) fail("is no shard");
+  if (!descriptor_.isOpen()) fail("is no shard");
 }
 
-HeldShard::~HeldShard() { ::close(descriptor_); }
-
-bool HeldShard::isDone() const { return ::faccessat(descriptor_, messagesName, F_OK, 0) == 0; }
+bool HeldShard::isDone() const {
+  return ::faccessat(descriptor_.number(), messagesName, F_OK, 0) == 0;
+}
 
 bool HeldShard::isInPlace() const {
   struct stat held;
   struct stat named;
-  return ::fstat(descriptor_, &held) == 0 && ::stat(folder_.path().c_str(), &named) == 0 &&
+  return ::fstat(descriptor_.number(), &held) == 0 && ::stat(folder_.path().c_str(), &named) == 0 &&
          held.st_dev == named.st_dev && held.st_ino == named.st_ino;
 }
 
@@ -51,7 +51,7 @@ HeldShard::Publication HeldShard::publish(const AttemptFolder& attempt) const {
   Publication publication = Publication::published;
   for (;;) {
     checkInPlace();
-    if (::renameat(AT_FDCWD, result.c_str(), descriptor_, resultName) == 0) break;
+    if (::renameat(AT_FDCWD, result.c_str(), descriptor_.number(), resultName) == 0) break;
     if (errno == EXDEV) return Publication::otherFileSystem;
     if (errno != ENOTEMPTY && errno != EEXIST) fail("gets no result");
     if (isDone() || isDoneOnceMoved(aside)) {
@@ -64,14 +64,15 @@ HeldShard::Publication HeldShard::publish(const AttemptFolder& attempt) const {
 }
 
 bool HeldShard::isDoneOnceMoved(const std::string& aside) const {
-  if (::renameat(descriptor_, resultName, descriptor_, aside.c_str()) != 0) {
+  if (::renameat(descriptor_.number(), resultName, descriptor_.number(), aside.c_str()) != 0) {
     if (errno == ENOENT) return false;
     fail("has a result that can not be replaced");
   }
   // Another attempt may have published in between: its result goes back, unless a third one has
   // published since.
-  if (::faccessat(descriptor_, (aside + messagesEnd).c_str(), F_OK, 0) != 0) return false;
-  if (::renameat(descriptor_, aside.c_str(), descriptor_, resultName) != 0 && !isDone()) {
+  if (::faccessat(descriptor_.number(), (aside + messagesEnd).c_str(), F_OK, 0) != 0) return false;
+  if (::renameat(descriptor_.number(), aside.c_str(), descriptor_.number(), resultName) != 0 &&
+      !isDone()) {
     fail("has a result that can not be moved back");
   }
   return true;

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "audit/descriptor.h"
 #include "shards/attempt_folder.h"
 #include "shards/shard_folder.h"
 
@@ -13,9 +14,6 @@ class HeldShard {
  public:
   /// Throws std::runtime_error when there is no such folder.
   explicit HeldShard(const ShardFolder& folder);
-  ~HeldShard();
-  HeldShard(const HeldShard&) = delete;
-  HeldShard& operator=(const HeldShard&) = delete;
 
   bool isDone() const;
   /// Whether the folder's path still leads to it.
@@ -36,7 +34,7 @@ class HeldShard {
   [[noreturn]] void fail(const char* what) const;
 
   const ShardFolder& folder_;
-  int descriptor_;
+  Descriptor descriptor_;
 };
 
 }  // namespace Quillet

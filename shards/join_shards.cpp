@@ -12,13 +12,13 @@
 #include <unistd.h>
 #include <unordered_set>
 
-#include "app/flags.h"
 #include "app/project.h"
-#include "app/resource_file.h"
 #include "app/settings.h"
+#include "audit/companion_program.h"
 #include "audit/escaped_text.h"
 #include "foundation/directory.h"
 #include "shards/file_operations.h"
+#include "shards/new_file.h"
 #include "shards/shard_folder.h"
 #include "shards/shards_folder.h"
 
@@ -34,9 +34,7 @@ constexpr int someUnfinished = 2;
 /// The project's root as the converter finds it. Its folders are not looked at: the shards know
 /// theirs.
 std::string projectRoot(const std::vector<std::string>& projectFlags) {
-  Settings settings;
-  readResourceFileSilently(settings);
-  applyFlags(settings, projectFlags, "COMMAND LINE");
+  Settings settings = settingsOfRun(projectFlags);
   for (std::string* folder : {&settings.chromatDir, &settings.phdDir, &settings.polyDir}) {
     folder->clear();  // the root itself
   }

@@ -13,9 +13,8 @@ namespace Quillet {
 /// interrupted is repeated; then one shard's messages may be printed again. At no moment has a
 /// sample a .phd.1 without its .poly, or beside an old one. Without -o, a sample that somebody else
 /// has converted since the plan stays as it is.
-/// Throws std::runtime_error when a result can not be moved or a message not be written, and when
-/// the shard is another project's. The shard stays, and a later join goes
-/// on with it.
+/// Throws std::runtime_error when a result can not be moved or a message not be written, and when a
+/// shard was planned for another project. The shard stays, and a later join goes on with it.
 int joinShards(const std::vector<std::string>& projectFlags);
 
 }  // namespace Quillet

@@ -1,5 +1,7 @@
 #include "shards/new_file.h"
 
+#include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <memory>
 #include <unistd.h>
@@ -15,6 +17,7 @@ NewFile::NewFile(const std::string& path)
 }
 
 NewFile::~NewFile() {
+  descriptor_.close();  // first: network file systems keep a removed file that is open
   if (!isFinished_) ::unlink(path_.c_str());
 }
 
@@ -26,6 +29,7 @@ void NewFile::write(std::string_view bytes) {
 void NewFile::writeFrom(const std::string& path) {
   constexpr std::size_t chunkSize = std::size_t{1} << 18;
   const Descriptor source(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!source.isOpen()) throwSystemError("can not read", path);
   const auto buffer = std::make_unique_for_overwrite<char[]>(chunkSize);
   for (;;) {
     const ssize_t got = readSome(source.number(), buffer.get(), chunkSize);
@@ -51,6 +55,32 @@ void NewFile::finish() {
   // Some file systems find a full disk only when the file is closed.
   if (!descriptor_.close()) throwSystemError("can not write", path_);
   isFinished_ = true;
+}
+
+void writeNewFile(const std::string& path, std::string_view bytes, bool toDisk) {
+  NewFile file(path);
+  file.write(bytes);
+  if (toDisk) file.sync();
+  file.finish();
+}
+
+void copyToNewFile(const std::string& from, const std::string& to, bool toDisk) {
+  NewFile file(to);
+  file.writeFrom(from);
+  if (toDisk) file.sync();
+  file.finish();
+}
+
+void moveFile(const std::string& from, const std::string& to, const std::string& hidden) {
+  if (std::rename(from.c_str(), to.c_str()) == 0) return;
+  if (errno != EXDEV) throwSystemError("can not write", to);
+  ::unlink(hidden.c_str());  // of a run that was killed
+  copyToNewFile(from, hidden, true);
+  if (std::rename(hidden.c_str(), to.c_str()) == 0) return;
+  const int error = errno;
+  ::unlink(hidden.c_str());
+  errno = error;
+  throwSystemError("can not write", to);
 }
 
 }  // namespace Quillet

@@ -46,9 +46,7 @@ int perform(const ShardsCommand& command) {
 int runShards(int argc, const char* const* argv) {
   std::signal(SIGXFSZ, SIG_IGN);  // a write that a limit forbids fails
   std::signal(SIGCHLD, SIG_DFL);  // whoever started the program may have had it ignored
-  return runCompanion("quillet-shards", [&] {
-    std::vector<std::string> words;
-    if (argc > 1) words.assign(argv + 1, argv + argc);
+  return runCompanion("quillet-shards", argc, argv, [](const std::vector<std::string>& words) {
     return perform(readShardsCommand(words));
   });
 }

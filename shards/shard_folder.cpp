@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "shards/file_operations.h"
+#include "shards/new_file.h"
 
 namespace Quillet {
 
@@ -86,7 +87,7 @@ std::string shardName(std::size_t number, std::size_t highest) {
 void writeShard(const ShardFolder& folder, const ShardContents& contents) {
   std::string names;
   for (const std::string& name : contents.names) names.append(name).push_back('\0');
-  writeWholeFile(folder.names(), names);
+  writeNewFile(folder.names(), names);
 
   std::string settings;
   const auto add = [&settings](const char* key, const std::string& value) {
@@ -95,7 +96,7 @@ void writeShard(const ShardFolder& folder, const ShardContents& contents) {
   for (const Flag& flag : flags) add(flag.key, contents.settings.*flag.value ? "1" : "0");
   for (const Text& text : texts) add(text.key, contents.settings.*text.value);
   add(nameCountKey, std::to_string(contents.names.size()));
-  writeWholeFile(folder.settings(), settings);
+  writeNewFile(folder.settings(), settings);
 }
 
 ShardContents readShard(const ShardFolder& folder) {

@@ -9,8 +9,11 @@
 //   names         the names of the shard in the converter's order, each ended by a zero byte
 //   settings      lines "key value", each ended by a zero byte
 //   chromat_dir/  symbolic links to the traces, absolute; none where there was no trace to link to
-//   attempt-*/    private folders of runs
+//   attempt-*/    private folders of runs; begun-*/ before and gone-*/ after that
 //   result/       phd_dir/, poly_dir/ and messages, all at once; the shard is done
+//
+// Attempts read through chromat_dir/. Beside the shards lie plan.tsv, the table of the plan, and
+// .joined-*, shards on their way out.
 namespace Quillet {
 
 /// What a run over a shard must know.

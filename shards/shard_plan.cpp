@@ -1,7 +1,6 @@
 #include "shards/shard_plan.h"
 
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <iostream>
@@ -11,18 +10,19 @@
 #include <unistd.h>
 #include <utility>
 
-#include "app/flags.h"
 #include "app/name_list.h"
 #include "app/project.h"
-#include "app/resource_file.h"
 #include "app/sample_name.h"
 #include "app/settings.h"
+#include "audit/companion_program.h"
+#include "audit/descriptor.h"
 #include "audit/escaped_text.h"
 #include "audit/impediments.h"
 #include "audit/terminal_meter.h"
 #include "foundation/directory.h"
 #include "shards/cut_points.h"
 #include "shards/file_operations.h"
+#include "shards/new_file.h"
 #include "shards/shard_folder.h"
 #include "shards/shard_names.h"
 #include "shards/shards_folder.h"
@@ -127,41 +127,26 @@ std::string newPlanId() {
   return id;
 }
 
-/// The path from the root. Without PWD a project's folders are absolute; PWD may be anything.
-std::string absolute(const std::string& path) {
-  if (path.starts_with('/')) return path;
-  std::string folder(1, '\0');
-  while (getcwd(folder.data(), folder.size()) == nullptr) {
-    if (errno != ERANGE) throwSystemError("can not find", ".");
-    folder.resize(folder.size() + 256);
-  }
-  folder.resize(std::strlen(folder.c_str()));
-  return folder.append("/").append(path);
-}
-
 /// Makes the links of shards. Those of a list lead to what the converter would open: the name, or
 /// else the name with ".gz"; where there is neither, there is no link.
 class TraceLinks {
  public:
   TraceLinks(const std::string& chromatPath, bool listed)
-      : chromatPath_(absolute(chromatPath)), listed_(listed) {}
+      : chromatPath_(absolutePath(chromatPath)), listed_(listed) {}
 
   void make(const std::string& folder, const std::vector<std::string>& names,
             TerminalMeter& meter) const {
-    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) throwSystemError("can not open", folder);
+    const Descriptor place(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!place.isOpen()) throwSystemError("can not open", folder);
     for (const std::string& name : names) {
       const std::string file = listed_ ? fileOf(name) : name;
       meter.step();
       if (file.empty()) continue;
-      const bool isMade = symlinkat((chromatPath_ + file).c_str(), descriptor, file.c_str()) == 0;
+      const bool isMade =
+          symlinkat((chromatPath_ + file).c_str(), place.number(), file.c_str()) == 0;
       if (isMade || (listed_ && errno == EEXIST)) continue;
-      const int error = errno;
-      close(descriptor);
-      errno = error;
       throwSystemError("can not link to", chromatPath_ + file);
     }
-    close(descriptor);
   }
 
  private:
@@ -204,7 +189,7 @@ class PlanLayer {
   }
 
   void publish() {
-    writeWholeFile(hidden_ + "/plan.tsv", table_);
+    writeNewFile(hidden_ + "/plan.tsv", table_);
     shards_.replaceBy(hidden_);
     hidden_.clear();
   }
@@ -229,7 +214,7 @@ LaidPlan lay(const ShardsFolder& shards, const ShardSettings& settings,
     const ShardContents contents{settings, {at(starts[shard]), at(end)}};
     const std::string name = shardName(shard + 1, starts.size());
     layer.add(name, contents, links, meter);
-    plan.shards.push_back(absolute(shards.shard(name).path()));
+    plan.shards.push_back(absolutePath(shards.shard(name).path()));
     plan.nameCounts.push_back(contents.names.size());
   }
   layer.publish();
@@ -253,9 +238,7 @@ void claim(const ShardsFolder& shards, bool force) {
 }  // namespace
 
 LaidPlan planShards(const PlanOptions& options, const UsualSize& usualSize) {
-  Settings settings;
-  readResourceFileSilently(settings);
-  applyFlags(settings, options.projectFlags, "COMMAND LINE");
+  const Settings settings = settingsOfRun(options.projectFlags);
   Project project(settings);
   project.prepare(ProjectUse::write);
 
@@ -275,10 +258,10 @@ LaidPlan planShards(const PlanOptions& options, const UsualSize& usualSize) {
               .overwrite = settings.overwrite,
               .listed = isListed(settings),
               .planId = newPlanId(),
-              .project = absolute(project.rootDir().text()),
+              .project = absolutePath(project.rootDir().text()),
               .chromatPath = project.chromatPath().text(),
-              .phdPath = absolute(project.phdPath().text()),
-              .polyPath = absolute(project.polyPath().text())},
+              .phdPath = absolutePath(project.phdPath().text()),
+              .polyPath = absolutePath(project.polyPath().text())},
              planned.names, starts);
 }
 

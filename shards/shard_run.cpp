@@ -21,19 +21,6 @@ namespace {
 constexpr const char* scratchPrefix = "quillet-";  // of attempts in folders that others use too
 constexpr const char* resultFolders[] = {"/phd_dir", "/poly_dir"};
 
-/// The path from the root. It begins in the working directory, as the shell completes it, not in
-/// PWD, which can be an earlier one.
-std::string absolute(const std::string& path) {
-  return path.starts_with('/') ? path : fs::current_path().string() + '/' + path;
-}
-
-void copyFile(const std::string& from, const std::string& to, bool toDisk = false) {
-  NewFile file(to);
-  file.writeFrom(from);
-  if (toDisk) file.sync();
-  file.finish();
-}
-
 /// Copies the result of an attempt into one on the shard's own file system. The messages are last.
 void copyResult(const AttemptFolder& from, const AttemptFolder& to, const StopSignals& signals) {
   const std::string source = from.path() + "/result";
@@ -43,10 +30,10 @@ void copyResult(const AttemptFolder& from, const AttemptFolder& to, const StopSi
     makeFolder(target + folder);
     for (const fs::directory_entry& entry : fs::directory_iterator(source + folder)) {
       signals.check();
-      copyFile(entry.path(), target + folder + '/' + entry.path().filename().string());
+      copyToNewFile(entry.path(), target + folder + '/' + entry.path().filename().string());
     }
   }
-  copyFile(source + "/messages", target + "/messages", true);
+  copyToNewFile(source + "/messages", target + "/messages", true);
 }
 
 /// Makes the attempt's result that of the shard; false when another one was first.
@@ -84,7 +71,7 @@ std::string convertShard(const ShardFolder& shard, const RunOptions& options,
   AttemptPlace place{.folder = shard.path(), .prefix = ""};
   removeUnusedAttempts(place);
   if (options.scratch) {
-    place = {.folder = ShardFolder(absolute(*options.scratch)).path(), .prefix = scratchPrefix};
+    place = {.folder = ShardFolder(absolutePath(*options.scratch)).path(), .prefix = scratchPrefix};
     removeUnusedAttempts(place);
   }
   Attempt attempt(shard, contents, place, signals);
@@ -95,7 +82,7 @@ std::string convertShard(const ShardFolder& shard, const RunOptions& options,
 }  // namespace
 
 int runShard(const RunOptions& options) {
-  const ShardFolder shard(absolute(options.shard));
+  const ShardFolder shard(absolutePath(options.shard));
   if (shard.isDone()) return 0;
   const StopSignals signals;
   try {

@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 #include "shards/file_operations.h"
 
@@ -149,19 +150,12 @@ ProjectLock::ProjectLock(const std::string& project) : project_(project) {
 }
 
 void ProjectLock::lock(const std::string& path, int flags) {
-  const int descriptor = open(path.c_str(), flags | O_CLOEXEC);
-  if (descriptor < 0) return;
-  descriptors_.push_back(descriptor);
-  if (flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return;
-  release();
-  throw std::runtime_error("another quillet-shards plans or joins in " + project_);
+  Descriptor file(open(path.c_str(), flags | O_CLOEXEC));
+  if (!file.isOpen()) return;
+  if (flock(file.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    throw std::runtime_error("another quillet-shards plans or joins in " + project_);
+  }
+  locked_.push_back(std::move(file));
 }
-
-void ProjectLock::release() {
-  for (const int descriptor : descriptors_) close(descriptor);
-  descriptors_.clear();
-}
-
-ProjectLock::~ProjectLock() { release(); }
 
 }  // namespace Quillet

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "audit/descriptor.h"
 #include "shards/shard_folder.h"
 
 namespace Quillet {
@@ -49,16 +50,12 @@ class ProjectLock {
  public:
   /// Throws std::runtime_error when another process has the project.
   explicit ProjectLock(const std::string& project);
-  ~ProjectLock();
-  ProjectLock(const ProjectLock&) = delete;
-  ProjectLock& operator=(const ProjectLock&) = delete;
 
  private:
   void lock(const std::string& path, int flags);
-  void release();
 
   std::string project_;
-  std::vector<int> descriptors_;
+  std::vector<Descriptor> locked_;
 };
 
 }  // namespace Quillet

@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "foundation/directory.h"
+#include "tests/support/environment.h"
+#include "tests/support/scratch_folder.h"
 
 using Quillet::FlagKind;
 using Quillet::runCompanion;
@@ -25,6 +27,8 @@ FlagKind kindOf(const std::string& word) {
   return word == "-s" || word == "--help" ? FlagKind::alone : FlagKind::unknown;
 }
 
+using Words = std::vector<std::string>;
+
 struct Outcome {
   int status;
   std::string message;
@@ -33,7 +37,8 @@ struct Outcome {
 template <typename Body>
 Outcome run(const Body& body) {
   testing::internal::CaptureStderr();
-  const int status = runCompanion("quillet-x", body);
+  const int status =
+      runCompanion("quillet-x", 0, nullptr, [&body](const Words&) { return body(); });
   return {status, testing::internal::GetCapturedStderr()};
 }
 
@@ -88,7 +93,7 @@ TEST(CompanionProgram, LetsNoFileTakeTheNumberOfAClosedStream) {
   close(STDIN_FILENO);
 
   int opened = -1;
-  runCompanion("quillet-x", [&opened] {
+  runCompanion("quillet-x", 0, nullptr, [&opened](const Words&) {
     opened = open("/dev/null", O_RDONLY);
     return 0;
   });
@@ -97,4 +102,32 @@ TEST(CompanionProgram, LetsNoFileTakeTheNumberOfAClosedStream) {
 
   EXPECT_GT(opened, STDERR_FILENO);
   close(opened);
+}
+
+TEST(CompanionProgram, HandsOverTheWordsAfterItsName) {
+  const char* const arguments[] = {"/usr/bin/quillet-x", "-d", "", nullptr};
+  Words taken{"other"};
+  const auto take = [&taken](const Words& words) {
+    taken = words;
+    return 0;
+  };
+
+  runCompanion("quillet-x", 3, arguments, take);
+  EXPECT_THAT(taken, ElementsAre("-d", ""));
+
+  runCompanion("quillet-x", 0, arguments, take);
+  EXPECT_THAT(taken, ElementsAre());
+}
+
+TEST(CompanionProgram, HasTheSettingsOfTheConverter) {
+  const ScratchFolder folder;
+  folder.write(".quilletrc", "phddir results\n");
+  const EnvironmentVariable home("HOME", folder.path().c_str());
+  const EnvironmentVariable pwd("PWD", folder.path().c_str());
+
+  const Quillet::Settings settings = Quillet::settingsOfRun({"-d", "plate", "-s"});
+
+  EXPECT_EQ(settings.phdDir, "results/");
+  EXPECT_EQ(settings.dataDir, "plate/");
+  EXPECT_FALSE(settings.stripExtensions);
 }

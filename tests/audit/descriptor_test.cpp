@@ -7,12 +7,15 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <string>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
+#include "tests/support/environment.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -58,6 +61,16 @@ TEST(Descriptor, TellsWhenClosingFails) {
   Descriptor closed = memoryWith("");
   ::close(closed.number());
   EXPECT_FALSE(closed.close());
+}
+
+TEST(Descriptor, IsMovedWithItsFile) {
+  Descriptor file = memoryWith("abc");
+  const int number = file.number();
+
+  const Descriptor other = std::move(file);
+
+  EXPECT_EQ(other.number(), number);
+  EXPECT_TRUE(isOpen(number));
 }
 
 TEST(Descriptor, ClosesTheFormerFileForAnother) {
@@ -125,6 +138,13 @@ TEST(DescriptorReading, IsNotEndedByASignal) {
 
   disturber.join();
   ::sigaction(SIGUSR1, &formerAction, nullptr);
+}
+
+TEST(DescriptorWriting, TemporaryFilesLieWhereTheEnvironmentSays) {
+  for (const auto& [value, folder] : {std::pair{"/var/tmp", "/var/tmp"}, std::pair{"", "/tmp"}}) {
+    const EnvironmentVariable variable("TMPDIR", value);
+    EXPECT_EQ(Quillet::temporaryFolder(), folder);
+  }
 }
 
 TEST(DescriptorWriting, TellsThatTheDiskIsFull) {

@@ -59,7 +59,7 @@ TEST_F(HeldShardTest, AFolderWithoutMessagesIsNoResult) {
   EXPECT_FALSE(scratch_.has("01/" + one_.nameOnceGone()));
 }
 
-TEST_F(HeldShardTest, OfTwoAtTheSameTimeTheFirstWinsThoughAFolderLaysThere) {
+TEST_F(HeldShardTest, OfTwoAtTheSameTimeTheFirstWinsThoughAFolderLiesThere) {
   for (int round = 0; round < 300; ++round) {
     fs::remove_all("01/result");
     scratch_.write("01/result/phd_dir/x.phd.1", "");

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "shards/file_operations.h"
+#include "shards/new_file.h"
 #include "shards/shard_folder.h"
 #include "shards/shard_plan.h"
 #include "shards/shards_folder.h"
@@ -383,7 +384,7 @@ TEST(JoinShards, CopiesToAnotherFileSystem) {
   Quillet::PlanOptions options;
   options.projectFlags = project.flags({"-o"});
   options.size = 9;
-  Quillet::writeWholeFile(other + "/phd/a.phd.1", "old");
+  Quillet::writeNewFile(other + "/phd/a.phd.1", "old");
   planShards(options);
   project.finish("0001", {{"a.phd.1", "new phd"}}, {{"a.poly", "new poly"}}, "message\n");
 

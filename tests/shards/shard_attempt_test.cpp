@@ -14,6 +14,7 @@
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 #include "tests/end_to_end/any_trace.h"
@@ -220,6 +221,69 @@ TEST_F(UnpackedShardAttempt, ALinkThatHasGoneIsAnErrorWhateverIsThereInstead) {
 
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "quillet-shards: there is no link " + link("c.ab1") + '\n');
+    EXPECT_EQ(shard().content(), laidContent(shard())) << isReplaced;
+  }
+}
+
+TEST_F(UnpackedShardAttempt, AFileInPlaceOfALinkIsAnError) {
+  fs::remove(link("c.ab1"));
+  project_.write("shards/01/chromat_dir/c.ab1", anyTrace());
+
+  const ProgramResult result = shard().run();
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "quillet-shards: there is no link " + link("c.ab1") + '\n');
+}
+
+TEST_F(UnpackedShardAttempt, TheFolderOfLinksThatHasGoneIsAnError) {
+  fs::remove_all(shard().folder().chromats());
+
+  const ProgramResult result = shard().run();
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "quillet-shards: there is no link " + link("a.ab1") + '\n');
+}
+
+const std::string onlyThroughALink = "[ -L chromat_dir ] || exit 3; exec $quillet \"$@\"\n";
+
+TEST_F(UnpackedShardAttempt, TakesTheFolderOfLinksItself) {
+  EXPECT_EQ(runWithConverter(onlyThroughALink).status, 0);
+}
+
+TEST_F(ShardAttempt, OfPackedTracesOrWithAListHasAFolderOfItsOwn) {
+  EXPECT_EQ(runWithConverter(onlyThroughALink).status, 1);
+
+  Quillet::ShardSettings settings;
+  settings.listed = true;
+  fs::remove_all("shards");
+  const LaidShard listed(project_, {"a.ab1"}, settings);
+  EXPECT_EQ(runWithConverter(onlyThroughALink).status, 1);
+}
+
+TEST_F(UnpackedShardAttempt, ALinkThatComesDuringTheRunIsAnError) {
+  const ProgramResult result = runWithConverter("ln -s " + at("chromat_dir/a.ab1") + ' ' +
+                                                link("foreign.ab1") + "\nexec $quillet \"$@\"\n");
+
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "quillet-shards: there are other files than before in " +
+                            shard().folder().chromats() + '\n');
+  EXPECT_FALSE(shard().folder().isDone());
+}
+
+TEST_F(UnpackedShardAttempt, AShardThatIsRemovedDuringTheRunGetsNoResult) {
+  const std::string remove = "mv " + at("shards") + ' ' + at("joined") + "; rm -r " + at("joined");
+  for (const std::string& other : {std::string(), "; cp -a " + at("kept") + ' ' + at("shards")}) {
+    fs::remove_all("kept");
+    fs::copy("shards", "kept", fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+
+    const ProgramResult result = runWithConverter(remove + other + "\nexec $quillet \"$@\"\n");
+
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "quillet-shards: " + shard().path() +
+                              " has been removed: No such file or directory\n");
+    EXPECT_FALSE(shard().folder().isDone());
+    EXPECT_EQ(fs::exists("shards"), !other.empty());
+    if (other.empty()) fs::rename("kept", "shards");
   }
 }
 
@@ -287,13 +351,22 @@ TEST_F(ShardAttempt, AConverterThatFailsIsAnErrorAlsoUnderAnIgnoredSigchld) {
 }
 
 TEST_F(ShardAttempt, ResultsThatAreNotWholeAreAnError) {
-  for (const std::string damage :
-       {"truncate -s -1 phd_dir/a.phd.1", "truncate -s -1 poly_dir/b.poly", "rm poly_dir/a.poly",
-        "rm */b.*", "rm */*.p*", "truncate -s 0 */a.p*", "mv poly_dir/a.poly poly_dir/b.poly"}) {
+  const std::pair<std::string, std::string> damages[] = {
+      {"truncate -s -1 phd_dir/a.phd.1", "1 of 2 samples, such as a"},
+      {"truncate -s -1 poly_dir/b.poly", "1 of 2 samples, such as b"},
+      {"rm poly_dir/a.poly", "1 of 2 samples, such as a"},
+      {"rm */b.*", "1 of 2 samples, such as b"},
+      {"rm */*.p*", "2 of 2 samples, such as a"},
+      {"truncate -s 0 */a.p*", "1 of 2 samples, such as a"},
+      {"mv poly_dir/a.poly poly_dir/b.poly", "2 of 2 samples, such as a"},
+  };
+  for (const auto& [damage, samples] : damages) {
     const ProgramResult result = runWithConverter("$quillet \"$@\" && " + damage + "\n");
 
     EXPECT_EQ(result.status, 1) << damage;
-    EXPECT_THAT(result.err, HasSubstr(": no whole results and no message for ")) << damage;
+    EXPECT_EQ(result.err, "quillet-shards: " + shard().path() +
+                              ": no whole results and no message for " + samples +
+                              ". Is there room on the disk?\n");
     expectNothingLeft();
   }
 }

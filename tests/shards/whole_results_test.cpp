@@ -76,6 +76,7 @@ TEST(WholeResults, NoMissingOtherOrForeignFileIsWhole) {
   ASSERT_EQ(project.run().status, 0);
 
   EXPECT_FALSE(isWhole(project, "z"));
+  EXPECT_FALSE(Quillet::WholeResults("none", "none").has("x"));
   fs::copy_file("poly_dir/x.poly", "poly_dir/z.poly");
   EXPECT_FALSE(isWhole(project, "z")) << "no .phd.1";
   fs::remove("poly_dir/x.poly");
