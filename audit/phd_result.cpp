@@ -119,15 +119,12 @@ std::optional<PhdParts> splitPhd(std::string_view text) {
   return parts;
 }
 
-std::optional<PhdResult> readPhdResult(std::string_view text) {
-  const std::optional<PhdParts> parts = splitPhd(text);
-  if (!parts) return std::nullopt;
+PhdResult valuesOf(const PhdParts& parts) {
   PhdResult result;
-  result.header = parts->header;
-  result.bases.reserve(parts->baseCount);
-  result.qualities.reserve(parts->baseCount);
-  result.positions.reserve(parts->baseCount);
-  std::string_view lines = parts->lines;
+  result.bases.reserve(parts.baseCount);
+  result.qualities.reserve(parts.baseCount);
+  result.positions.reserve(parts.baseCount);
+  std::string_view lines = parts.lines;
   for (PhdLine line; takePhdLine(lines, line);) {
     result.bases += line.base;
     result.qualities.push_back(valueOf(line.quality));

@@ -9,17 +9,12 @@
 
 namespace Quillet {
 
-/// What a .phd.1 file says.
+/// What a .phd.1 says of its bases.
 struct PhdResult {
-  std::string header;  // everything up to and including the last line BEGIN_DNA
-  std::string bases;   // one byte each, of any kind
+  std::string bases;  // one byte each, of any kind
   std::vector<std::int32_t> qualities;
   std::vector<std::int32_t> positions;  // 0-based sample indices
 };
-
-/// Reads the text of a .phd.1; none when the file is not whole. Blocks that other tools add after
-/// END_DNA are passed over. A number that does not fit becomes the nearest one that does.
-std::optional<PhdResult> readPhdResult(std::string_view text);
 
 /// The parts of a whole .phd.1, borrowed from its text.
 struct PhdParts {
@@ -28,8 +23,12 @@ struct PhdParts {
   std::size_t baseCount = 0;
 };
 
-/// Splits the text of a .phd.1; none when the file is not whole.
+/// Splits the text of a .phd.1; none when the file is not whole. Blocks that other tools add after
+/// END_DNA are passed over.
 std::optional<PhdParts> splitPhd(std::string_view text);
+
+/// The values of its lines. A number that does not fit becomes the nearest one that does.
+PhdResult valuesOf(const PhdParts& parts);
 
 /// The line of one base; the numbers as they are spelled.
 struct PhdLine {

@@ -52,7 +52,7 @@ ResultFinding examineResults(const std::string& phdPath, const std::string& poly
     if (parts) {
       finding.phdIsWhole = true;
       baseCount = parts->baseCount;
-      said = readPhdResult(*text);
+      said = valuesOf(*parts);
     }
     if (parts && expected != nullptr && !isExpected) {
       const ExpectedResult::Differences differences = expected->differencesIn(*parts);
@@ -214,29 +214,24 @@ std::size_t ProjectAudit::ownerOf(const std::string& sample, SampleNames names) 
   const auto known = owners_.find(sample);
   if (known != owners_.end()) return known->second;
 
-  // The first name of each rank. Where there is no result, only one that waits can own it.
-  std::size_t firstRight = noName;
-  std::size_t firstBorrowed = noName;
-  std::size_t firstWaiting = noName;
-  std::size_t firstReadable = noName;
-  const auto note = [](std::size_t& first, std::size_t index) { first = std::min(first, index); };
-  for (std::size_t index = names.first, left = names.count; left > 0; ++index) {
+  // The first name of the best rank. Where there is no result, only one that waits can own it.
+  enum Rank { none, readable, waiting, borrowed, right };
+  std::size_t owner = names.first;
+  Rank best = none;
+  for (std::size_t index = names.first, left = names.count; left > 0 && best < right; ++index) {
     if (index != names.first && sampleOf(names_[index]) != sample) continue;
     --left;
     Examination examination(*this, names_[index], peaks_);
     const SampleState with = examination.verdictWithResult().state;
-    if (with == SampleState::converted || with == SampleState::noPoly) note(firstRight, index);
-    if (with == SampleState::borrowed) note(firstBorrowed, index);
-    if (examination.verdictWithoutResult().state == SampleState::waiting) {
-      note(firstWaiting, index);
+    Rank rank = examination.canBeRead() ? readable : none;
+    if (examination.verdictWithoutResult().state == SampleState::waiting) rank = waiting;
+    if (with == SampleState::borrowed) rank = borrowed;
+    if (with == SampleState::converted || with == SampleState::noPoly) rank = right;
+    if (rank > best) {
+      best = rank;
+      owner = index;
     }
-    if (examination.canBeRead()) note(firstReadable, index);
     peaks_.releaseLongTrace();
-    if (firstRight != noName) break;  // no later name can come before it
-  }
-  std::size_t owner = names.first;
-  for (const std::size_t first : {firstReadable, firstWaiting, firstBorrowed, firstRight}) {
-    if (first != noName) owner = first;
   }
   owners_.emplace(sample, owner);
   return owner;
@@ -266,7 +261,9 @@ void ProjectAudit::visitOrphans(const std::function<void(const AuditedSample&)>&
     std::optional<PhdResult> said;
     if (found.phd) {
       const ResultFile phd(project_.phdPath().text() + sample + std::string(phdSuffix));
-      if (const auto text = phd.textFrom(0)) said = readPhdResult(*text);
+      const std::optional<std::string> text = phd.textFrom(0);
+      const std::optional<PhdParts> parts = text ? splitPhd(*text) : std::nullopt;
+      if (parts) said = valuesOf(*parts);
     }
     visit({.row = row, .content = nullptr, .result = said ? &*said : nullptr});
   }

@@ -49,7 +49,6 @@ class ProjectAudit {
     std::size_t first = 0;  // index of the first name of the sample
     std::size_t count = 0;
   };
-  static constexpr std::size_t noName = static_cast<std::size_t>(-1);
 
   std::string sampleOf(const std::string& name) const;
   std::size_t ownerOf(const std::string& sample, SampleNames names);

@@ -157,7 +157,7 @@ TEST(HtmlPage, NamesTwoHundredSamplesWithoutAScript) {
 TEST(HtmlPage, HoldsAPictureForEachRowThatHasOne) {
   const Quillet::TraceContent trace = contentOf("ACGT", {1, 2, 3, 4});
   const Quillet::TraceContent nothing;
-  const Quillet::PhdResult result{.header = {}, .bases = "A", .qualities = {9}, .positions = {4}};
+  const Quillet::PhdResult result{.bases = "A", .qualities = {9}, .positions = {4}};
   const std::vector<Shown> samples{{rowOf("a", SampleState::converted), &trace},
                                    {rowOf("b", SampleState::invalid)},
                                    {rowOf("c", SampleState::refused), &nothing},

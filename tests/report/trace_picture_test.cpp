@@ -169,8 +169,7 @@ TEST(TracePicture, IsTheBytesThatItsTableTells) {
       .bases = "Ct",
       .qualities = {7, 250},
       .positions = {300, 1}};
-  const Quillet::PhdResult result{
-      .header = {}, .bases = "N", .qualities = {20}, .positions = {258}};
+  const Quillet::PhdResult result{.bases = "N", .qualities = {20}, .positions = {258}};
 
   const std::string bytes = bytesOf(trace, &result);
 
@@ -375,8 +374,7 @@ TEST(TracePicture, HoldsTheSecondPeakOfEachMixedBase) {
 }
 
 TEST(TracePicture, HoldsTheResultWhereItSaysSomethingElse) {
-  const Quillet::PhdResult result{.header = "BEGIN_SEQUENCE a\n",
-                                  .bases = "gattaca",
+  const Quillet::PhdResult result{.bases = "gattaca",
                                   .qualities = {-3, 0, 40, 255, 256, 2147483647, -2147483647 - 1},
                                   .positions = {5, 17, -12, 40000, 0, 2147483647, 7}};
   const MadeTrace trace{.channels = {Samples(3), Samples(3), Samples(3), Samples(3)},
@@ -394,7 +392,7 @@ TEST(TracePicture, HoldsTheResultWhereItSaysSomethingElse) {
 
 TEST(TracePicture, OfAnOrphanIsItsResult) {
   const Quillet::SampleRow row = orphanRow();
-  const Quillet::PhdResult result{.header = {}, .bases = "A", .qualities = {9}, .positions = {4}};
+  const Quillet::PhdResult result{.bases = "A", .qualities = {9}, .positions = {4}};
 
   const Quillet::TracePicture picture =
       Quillet::tracePicture({.row = row, .content = nullptr, .result = &result});
@@ -420,8 +418,7 @@ TEST(TracePicture, IsCutWhereAnotherKindOfBytesBegins) {
                         .bases = "ACG"};
   const Quillet::TraceContent content = trace.content();
   const Quillet::SampleRow row = rowOf("a", Quillet::SampleState::differs);
-  const Quillet::PhdResult result{
-      .header = {}, .bases = "AC", .qualities = {9, 9}, .positions = {4, 5}};
+  const Quillet::PhdResult result{.bases = "AC", .qualities = {9, 9}, .positions = {4, 5}};
 
   const Quillet::TracePicture picture =
       Quillet::tracePicture({.row = row, .content = &content, .result = &result});
