@@ -1,12 +1,10 @@
 #include <algorithm>
 #include <cstdint>
-#include <fcntl.h>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <vector>
 
 #include "tests/report/report_run.h"
@@ -126,9 +124,6 @@ TEST(InvalidTraces, ThatAreNoFilesAreFoundByAList) {
   EXPECT_EQ(result.status, 2);
 }
 
-/// Whether the user that is in effect now may run the program.
-bool mayRunReport() { return faccessat(AT_FDCWD, QUILLET_REPORT_PROGRAM, X_OK, AT_EACCESS) == 0; }
-
 TEST(InvalidTraces, ThatMayNotBeReadSaySo) {
   const ProjectFolder project;
   fs::permissions(project.path(), fs::perms(0755));
@@ -140,7 +135,9 @@ TEST(InvalidTraces, ThatMayNotBeReadSaySo) {
   }
   const OrdinaryUser user;
   if (!user.isOrdinary()) GTEST_SKIP() << "root may read everything";
-  if (!mayRunReport()) GTEST_SKIP() << "an ordinary user may not run the program where it lies";
+  if (!OrdinaryUser::mayRun(QUILLET_REPORT_PROGRAM)) {
+    GTEST_SKIP() << "an ordinary user may not run the program where it lies";
+  }
 
   const ReportResult result = reportTable(project);
 
@@ -159,7 +156,9 @@ TEST(UnreadableResults, AreNotWhole) {
   }
   const OrdinaryUser user;
   if (!user.isOrdinary()) GTEST_SKIP() << "root may read everything";
-  if (!mayRunReport()) GTEST_SKIP() << "an ordinary user may not run the program where it lies";
+  if (!OrdinaryUser::mayRun(QUILLET_REPORT_PROGRAM)) {
+    GTEST_SKIP() << "an ordinary user may not run the program where it lies";
+  }
 
   const ReportResult result = reportTable(project);
 

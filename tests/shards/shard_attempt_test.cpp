@@ -424,6 +424,9 @@ TEST_F(ShardAttempt, AFolderThatIsNotWriteableIsAnError) {
   fs::permissions(project_.path(), fs::perms{0755});
   const OrdinaryUser user;
   if (!user.isOrdinary()) GTEST_SKIP() << "every folder is writeable to this user";
+  if (!OrdinaryUser::mayRun(QUILLET_SHARDS_PROGRAM)) {
+    GTEST_SKIP() << "an ordinary user may not run the program where it lies";
+  }
 
   const ProgramResult result = shard().run();
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +18,10 @@ class OrdinaryUser {
   OrdinaryUser(const OrdinaryUser&) = delete;
   OrdinaryUser& operator=(const OrdinaryUser&) = delete;
   bool isOrdinary() const { return geteuid() != 0; }
+  /// Whether this user may run the program. It can lie in a folder that is closed to others.
+  static bool mayRun(const char* program) {
+    return faccessat(AT_FDCWD, program, X_OK, AT_EACCESS) == 0;
+  }
 
  private:
   uid_t former_;
