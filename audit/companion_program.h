@@ -26,8 +26,8 @@ enum class FlagKind { unknown, alone, withValue };
 std::vector<std::string> withUsualFlags(std::vector<std::string> words,
                                         const std::function<FlagKind(const std::string&)>& kindOf);
 
-/// The settings that the converter would have here with these flags, which it takes. Throws what
-/// reading its resource file and its flags throw.
+/// The settings that the converter would have here with these flags, which are in its own words.
+/// Throws what reading its resource file and its flags throw.
 Settings settingsOfRun(const std::vector<std::string>& projectFlags);
 
 /// One run of a program: its exit status is that of `body`, which gets the words after the

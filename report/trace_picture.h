@@ -18,7 +18,7 @@
 //             mixedCount    mixed bases, as many as the row names
 //             resultCount   bases of the second reading
 //             hasResult     1 when there is a second reading, else 0
-//   4 * kept bytes          A, C, G, T: levels less what the ones before let expect, modulo 256
+//   4 * kept bytes          A, C, G, T: each level less the expected one, modulo 256
 //   baseCount bytes         bases, as stored
 //   baseCount bytes         qualities, as stored
 //   2 * baseCount bytes     positions: differences, the low bytes, then the high bytes

@@ -96,7 +96,7 @@ std::vector<NameMessages> Attempt::runOverAll() const {
 std::string Attempt::composed(const std::vector<NameMessages>& said) const {
   std::string messages;
   std::vector<std::string> samples;                // that should have results, in order
-  samples.reserve(traces_.size());                 // the views stay good
+  samples.reserve(traces_.size());                 // so that none moves
   std::unordered_set<std::string_view> converted;  // views of these
   auto next = said.begin();
   for (const AttemptTrace& trace : traces_) {

@@ -151,7 +151,7 @@ bool servesAsItIs(const ShardFolder& shard, const ShardContents& contents) {
   return !error && linkCount == names.size();
 }
 
-/// A link made and removed for each trace would take a tenth of the time of its conversion.
+/// Saves making and removing a link for each trace.
 std::vector<AttemptTrace> bringAllAtOnce(const ShardFolder& shard, const ShardContents& contents,
                                          const std::string& attemptPath,
                                          const StopSignals& signals) {
