@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <stdlib.h>
 #include <string>
 #include <sys/socket.h>
@@ -35,6 +36,15 @@ std::string waitingBytes(int handle) {
   char bytes[256];
   const ssize_t count = read(handle, bytes, sizeof bytes);
   return {bytes, count > 0 ? static_cast<std::size_t>(count) : 0};
+}
+
+/// What comes up to a line feed. The system may hand a terminal's line over in pieces, and later.
+std::string lineFrom(int handle) {
+  constexpr int longestWait = 10'000;  // milliseconds
+  std::string line;
+  pollfd waited{handle, POLLIN, 0};
+  while (!line.ends_with('\n') && poll(&waited, 1, longestWait) > 0) line += waitingBytes(handle);
+  return line;
 }
 
 }  // namespace
@@ -197,9 +207,9 @@ TEST(ProgressMeter, AsksOnceWhetherStandardErrorIsATerminal) {
     RedirectedStderr redirection(terminal);
     ProgressMeter madeOnTerminal(2);
     madeOnFile.start();
-    fromFileMeter = waitingBytes(master);
+    fromFileMeter = lineFrom(master);
     madeOnTerminal.start();
-    fromTerminalMeter = waitingBytes(master);
+    fromTerminalMeter = lineFrom(master);
   }
   close(terminal);
   close(master);
